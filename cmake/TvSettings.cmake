@@ -1,0 +1,36 @@
+# Settings that hold for every target.
+
+option(TV_TESTS "Build the tests" ON)
+option(TV_BENCHMARKS "Build the benchmarks and their peers" OFF)
+option(TV_WERROR "Treat warnings as errors" ON)
+set(TV_SANITIZE "" CACHE STRING "Sanitizers, for example address;undefined")
+
+if(NOT CMAKE_BUILD_TYPE AND NOT CMAKE_CONFIGURATION_TYPES)
+  set(CMAKE_BUILD_TYPE Release CACHE STRING "Build type" FORCE)
+endif()
+set(CMAKE_CXX_FLAGS_RELEASE "-O2 -DNDEBUG")
+
+set(CMAKE_CXX_STANDARD 20)
+set(CMAKE_CXX_STANDARD_REQUIRED ON)
+set(CMAKE_CXX_EXTENSIONS OFF)
+set(CMAKE_POSITION_INDEPENDENT_CODE ON)
+set(CMAKE_EXPORT_COMPILE_COMMANDS ON)
+# Libraries and programs side by side, so that a build tree runs as it stands.
+set(CMAKE_LIBRARY_OUTPUT_DIRECTORY ${PROJECT_BINARY_DIR}/lib)
+set(CMAKE_RUNTIME_OUTPUT_DIRECTORY ${PROJECT_BINARY_DIR}/bin)
+
+include_directories(${PROJECT_SOURCE_DIR})
+
+# Contraction into fused multiply-adds would change results from machine to machine.
+add_compile_options(-ffp-contract=off -Wall -Wextra -Wshadow -Wconversion -Wno-sign-conversion)
+if(TV_WERROR)
+  add_compile_options(-Werror)
+endif()
+if(TV_SANITIZE)
+  list(JOIN TV_SANITIZE "," _sanitizers)
+  add_compile_options(-fsanitize=${_sanitizers} -fno-omit-frame-pointer -g)
+  add_link_options(-fsanitize=${_sanitizers})
+  if("undefined" IN_LIST TV_SANITIZE)
+    add_compile_options(-fsanitize=float-cast-overflow -fno-sanitize-recover=all)
+  endif()
+endif()

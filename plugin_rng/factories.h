@@ -1,0 +1,15 @@
+#pragma once
+
+// The plug-in factory of every registered generator: plugin_rng::make_mt19937ar and so on.
+
+#include "plugin_rng/interfaces.h"
+
+namespace plugin_rng {
+
+#define TFL_GENERATOR(name, core, otherSpelling, family, stateClass, stateLen, normals, period) \
+  IPluginRNG* make_##name(std::size_t numStreams, std::size_t streamIndex, std::uint32_t seed,  \
+                          double const* params, std::size_t nParams);
+#include "tfl_rng/generators.def"
+#undef TFL_GENERATOR
+
+}  // namespace plugin_rng

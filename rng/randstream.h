@@ -1,0 +1,139 @@
+#pragma once
+
+// One random-number stream: a generator plug-in and the settings above any generator. The sequence
+// of values is part of the contract: every operation below consumes the number of uniforms that its
+// comment states, in order.
+
+#include <cstddef>
+#include <cstdint>
+
+#include "host/export.h"
+#include "host/tx_array.h"
+#include "plugin_rng/interfaces.h"
+
+class TV_EXPORT randstream {
+ public:
+  // Sizes of the family a stream belongs to.
+  struct streamParamsStruct {
+    std::uint64_t numStreams;
+    std::uint64_t numSubstreams;
+    std::uint64_t log2StreamLen;
+    std::uint64_t log2SubstreamLen;
+  };
+
+  // Takes ownership of `plugin` (null makes a stream that can only be asked for its settings), which
+  // arrives seeded. Normals start with the plug-in's own default method, else with "Ziggurat".
+  // Errors: set:CantInitRandnAlg; the plug-in then stays with the caller.
+  randstream(char const* generatorType, unsigned int seed, plugin_rng::IPluginRNG* plugin,
+             unsigned long numStreams, unsigned long streamIndex);
+  ~randstream();
+  randstream(randstream const&) = delete;
+  randstream& operator=(randstream const&) = delete;
+
+  // Streams live in host memory, so that host code may release them.
+  static void* operator new(std::size_t bytes);
+  static void operator delete(void* memory) noexcept;
+  static void* operator new(std::size_t, void* place) noexcept { return place; }
+  static void operator delete(void*, void*) noexcept {}
+
+  // Control. Plug-in errors become "TALVOR:RandStream:PluginError" or
+  // "TALVOR:RandStream:UnexpectedPluginError"; errors of this library pass unchanged.
+
+  // Back to the start of the sequence of `seed`; drops a pending Polar value. Modes, the normal
+  // method and the stream index stay.
+  void reset(unsigned int seed);
+  // Moves to substream k (from 0). Without substreams only 0 is accepted, as a no-op; else
+  // set:SubstreamsNotSupported.
+  void setSubstream(unsigned long k);
+  unsigned long getSubstream() const;
+  // Leaves the generator where n draws would; draws and discards them where it cannot jump.
+  void advance(unsigned long n);
+  void setFullPrecision(bool on);
+  // Chooses the method for normals, ignoring case: one that the generator brings itself, else
+  // ziggurat, polar or inversion. Errors: set:UnknownRandnAlg, and nothing changes.
+  void setRandnAlg(char const* name);
+  // The method as last set, its first letter in upper case. Owned by the stream.
+  char const* getRandnAlg() const noexcept { return randnAlg_; }
+  void getStreamParameters(streamParamsStruct* p) const;
+
+  char const* generatorType() const noexcept { return generatorType_; }  // as its creator wrote it
+  unsigned int seed() const noexcept { return seed_; }
+  unsigned long numStreams() const noexcept { return numStreams_; }
+  unsigned long streamIndex() const noexcept { return streamIndex_; }  // from 0
+  bool antithetic() const noexcept { return antithetic_; }
+  void setAntithetic(bool on) noexcept { antithetic_ = on; }
+  bool fullPrecision() const noexcept { return fullPrecision_; }
+
+  // Generator state: typed components, or one flat buffer of their bytes back to back in native
+  // byte order. Modes, seed, normal method and a pending Polar value are not part of it.
+
+  unsigned long getNumStateComponents() const;
+  // Class and element count of each component. Errors: get:InvalidNumStateComponents.
+  void getStateComponentTypes(unsigned long count, txClassID* classes,
+                              unsigned long* lengths) const;
+  // Copies component i to dest[i]. Errors: get:InvalidNumStateComponents.
+  void getStateComponents(unsigned long count, void* const* dest) const;
+  // Loads all components, or none. Errors: set:InvalidNumStateComponents and the generator's
+  // InvalidState.
+  void setStateComponents(unsigned long count, void const* const* src);
+  unsigned long getStateBufLen() const;  // in bytes
+  // Errors: get:InvalidStateBufLen.
+  void getStateBuf(void* buf, unsigned long len) const;
+  // Errors: set:InvalidStateBufLen and the generator's InvalidState.
+  void setStateBuf(void const* buf, unsigned long len);
+
+  // Sampling. No guard: a plug-in's error propagates, values already written stay written.
+
+  // n uniforms in (0,1), T double or float; an antithetic stream delivers 1-u. Draws n uniforms.
+  template <class T>
+  void randuFcn(T* out, unsigned long n);
+  // n standard normals, T double or float, each divided by sqrt(2) when `halfVariance` (the parts of
+  // a complex normal). An antithetic stream delivers -z. Draws from the generator's own normals, or
+  // uniforms: Inversion n; Polar one pair for each pair of normals and each rejected candidate, one
+  // value kept for the next call after an odd count; Ziggurat at least 2n.
+  template <class T>
+  void randnFcn(T* out, unsigned long n, bool halfVariance);
+  // n integers of [lo, hi], stored in T by saturation; T double, float, bool or an integer type of
+  // up to 32 bits. Draws n uniforms. Errors, also for n = 0: those of checkRandiLimits.
+  template <class T>
+  void randiFcn(double lo, double hi, T* out, unsigned long n);
+  // A permutation of 1..n: the order of n uniforms. Draws n uniforms.
+  template <class T>
+  void randpermFcn(T* out, unsigned long n);
+  // k distinct values of 1..n in random order; T double. Draws n-1 uniforms for k = n, k for
+  // k < n/4, else 2k. Errors: randperm:inputNTooLarge, randperm:inputKTooLarge.
+  template <class T>
+  void randkpermFcn(T* out, unsigned long k, double n);
+
+ private:
+  using NormalGenerator = void (randstream::*)(double* buffer, unsigned long n);
+
+  // Each writes n normals to the front of `buffer`, which also stores their uniforms and must hold
+  // 2n values for Ziggurat, n+1 for Polar and n for Inversion.
+  void randnZiggurat(double* buffer, unsigned long n);
+  void randnPolar(double* buffer, unsigned long n);
+  void randnInversion(double* buffer, unsigned long n);
+
+  static constexpr std::size_t kNameSize = 32;
+
+  char generatorType_[kNameSize];
+  std::uint32_t seed_;
+  bool antithetic_ = false;
+  bool fullPrecision_ = true;
+  std::uint64_t numStreams_;
+  std::uint64_t streamIndex_;
+  plugin_rng::IPluginRNG* plugin_;
+  plugin_rng::IPluginRNGRandn* normalView_;
+  plugin_rng::IPluginRNGSubstreams* substreamView_;
+  plugin_rng::IPluginRNGSubstreams* jumpView_;
+  bool nativeNormals_ = false;
+  NormalGenerator normalGenerator_ = &randstream::randnZiggurat;
+  char randnAlg_[kNameSize];
+  bool pendingNormalValid_ = false;
+  double pendingNormal_;
+};
+
+// Checks the limits of randi and returns the number of values hi - lo + 1.
+// Errors: randi:invalidLimits (not whole, lo > hi, NaN), randi:LimitsTooLarge (2^53 and beyond),
+// randi:RangeTooLarge (2^53 values or more).
+TV_EXPORT double checkRandiLimits(double lo, double hi);

@@ -1,0 +1,16 @@
+#pragma once
+
+// The quantile function of the standard normal distribution.
+// Source: M. J. Wichura, Algorithm AS 241 (PPND16), Applied Statistics 37 (1988) 477-484.
+
+#include <cstddef>
+
+namespace tfl_rng {
+
+// The normal quantile of u in (0,1), to about 16 digits.
+double normalQuantile(double u) noexcept;
+
+// Replaces each of values[0, n) by its normal quantile.
+void normalQuantileInPlace(double* values, std::size_t n) noexcept;
+
+}  // namespace tfl_rng
