@@ -1,0 +1,68 @@
+#!/bin/sh
+# All checks of the source tree, or the named ones:
+#
+#   tools/check.sh                 everything but tsan
+#   tools/check.sh format layers   these steps only
+#
+# Installs the packages it needs. Each step runs to its end whatever became of the one before; the
+# table at the end tells how they went. Build trees are kept in out/.
+set -u
+
+root=$(cd "$(dirname "$0")/.." && pwd)
+cd "$root" || exit 2
+all_steps="format layers gcc clang tidy asan"
+
+sources() { git ls-files '*.h' '*.cpp'; }
+
+configure_and_build() { # preset
+  cmake --preset "$1" >/dev/null && ninja --quiet -C "out/$1"
+}
+
+run_tests() { # preset
+  ctest --test-dir "out/$1" --output-on-failure -j "$(nproc)"
+}
+
+step_format() {
+  sources | xargs clang-format --dry-run --Werror ||
+    { echo "Mend with: git ls-files '*.h' '*.cpp' | xargs clang-format -i"; return 1; }
+}
+step_layers() { python3 tools/check_layers.py; }
+# The tree of ./run and ./test: warnings are errors.
+step_gcc() { ./test; }
+step_clang() { configure_and_build clang && run_tests clang; }
+step_tidy() {
+  cmake --preset clang >/dev/null || return 1
+  # The list of commands on standard output is of no use to a reader; findings are.
+  if run-clang-tidy -quiet -p out/clang -j "$(nproc)" "^$root/(?!benchmarks/|tests/)" \
+    >out/clang/tidy.log 2>&1; then
+    return 0
+  fi
+  grep -v -E '^clang-tidy|^[0-9]+ warnings? (generated|treated)' out/clang/tidy.log
+  return 1
+}
+step_asan() {
+  configure_and_build asan &&
+    ASAN_OPTIONS=detect_stack_use_after_return=1:strict_string_checks=1 \
+      UBSAN_OPTIONS=print_stacktrace=1 run_tests asan
+}
+step_tsan() { configure_and_build tsan && run_tests tsan; }
+
+for step in "$@"; do
+  if ! command -v "step_$step" >/dev/null; then
+    echo "check.sh: no step '$step'; there are: $all_steps tsan" >&2
+    exit 2
+  fi
+done
+tools/install_packages.sh build check || exit 1
+
+failed=0
+table=
+for step in ${*:-$all_steps}; do
+  printf '\n== %s\n' "$step"
+  start=$(date +%s)
+  if "step_$step"; then outcome=ok; else outcome=FAILED; failed=1; fi
+  table="$table$(printf '%-8s %-7s %5d s' "$step" $outcome $(($(date +%s) - start)))
+"
+done
+printf '\n%s' "$table"
+exit $failed

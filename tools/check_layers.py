@@ -1,0 +1,106 @@
+#!/usr/bin/env python3
+"""Checks that every include respects the layers of the source tree.
+
+    tools/check_layers.py [ROOT]
+
+Lists each include that breaks a rule, with the rule, and exits with 1 when there is one.
+"""
+
+import pathlib
+import re
+import sys
+
+# A room may include itself and the rooms of its row.
+LAYERS = {
+    "tfl_rng": "",
+    "host": "tfl_rng",
+    "errors": "tfl_rng host",
+    "plugin_rng": "tfl_rng host errors",
+    "rng": "tfl_rng host errors plugin_rng",
+    "vmstate": "tfl_rng host errors plugin_rng rng",
+    "builtins": "tfl_rng host errors plugin_rng rng vmstate",
+    "embedded_host": "host",
+    "language": "host embedded_host",
+    # The one place where the library and the embedded host meet.
+    "runtime": "tfl_rng host errors plugin_rng rng vmstate builtins embedded_host language",
+    "cpp": "host rng runtime",
+    "c": "host rng runtime cpp",
+    "shell": "tfl_rng host rng embedded_host language runtime",
+    "python": "host rng runtime cpp c",
+    "examples": "host rng runtime cpp c",
+    "benchmarks": "*",
+    "tests": "*",
+}
+
+# Third-party headers, and where they may be included: rooms, or single files.
+THIRD_PARTY = {
+    "boost/": "plugin_rng benchmarks tests",
+    "fmt/": "embedded_host shell benchmarks tests",
+    "gmock/": "tests",
+    "gtest/": "tests",
+    "histedit.h": "shell",
+    "hwy/": "tfl_rng rng embedded_host benchmarks tests",
+    "oneapi/": "plugin_rng/parallel_fill.h tests",
+    "tbb/": "plugin_rng/parallel_fill.h tests",
+    "toml++/": "embedded_host tests",
+    "benchmark/": "benchmarks",
+}
+
+SOURCES = {".h", ".hpp", ".c", ".cc", ".cpp", ".def", ".inc"}
+INCLUDE = re.compile(r'^\s*#\s*include\s*([<"])([^>"]+)[>"]', re.MULTILINE)
+
+
+def faults(root):
+    """Yields 'file:line: what is wrong' for every include that breaks a rule."""
+    for room in sorted(LAYERS):
+        allowed = LAYERS[room].split() + [room]
+        for path in sorted((root / room).rglob("*")):
+            if path.suffix not in SOURCES:
+                continue
+            file = path.relative_to(root).as_posix()
+            text = path.read_text(encoding="utf-8")
+            for match in INCLUDE.finditer(text):
+                quoted, included = match[1] == '"', match[2]
+                fault = check(root, room, allowed, file, quoted, included)
+                if fault:
+                    # The match may begin with the blank lines before the directive.
+                    line = text.count("\n", 0, match.start(1)) + 1
+                    yield f"{file}:{line}: {fault}"
+
+
+def check(root, room, allowed, file, quoted, included):
+    for prefix, places in THIRD_PARTY.items():
+        if included.startswith(prefix):
+            if room not in places.split() and file not in places.split():
+                return f"<{included}> may be included in {places} only"
+            return None
+    target = included.split("/")[0]
+    if target in LAYERS and "/" in included:
+        if target not in allowed and "*" not in allowed:
+            return f'{room} must not include "{included}": it may see {" ".join(allowed)}'
+    if quoted and not (root / included).is_file():
+        return f'"{included}" is no file below the root (includes are relative to the root)'
+    return None
+
+
+def strangers(root):
+    """Yields folders with sources that have no row in the table."""
+    for folder in sorted(root.iterdir()):
+        if folder.is_dir() and folder.name not in LAYERS and not folder.name.startswith((".", "build")):
+            if folder.name not in {"out", "tools"} and any(
+                path.suffix in SOURCES for path in folder.rglob("*")
+            ):
+                yield f"{folder.name}: has sources but no row in the table of layers"
+
+
+def main():
+    root = pathlib.Path(sys.argv[1] if len(sys.argv) > 1 else __file__).resolve()
+    if root.is_file():
+        root = root.parent.parent
+    found = [*strangers(root), *faults(root)]
+    print("\n".join(found) or "layers: all includes respect the layers")
+    return 1 if found else 0
+
+
+if __name__ == "__main__":
+    sys.exit(main())
