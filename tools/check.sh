@@ -6,6 +6,7 @@
 #
 # Installs the packages it needs. Each step runs to its end whatever became of the one before; the
 # table at the end tells how they went. Build trees are kept in out/.
+# shellcheck disable=SC2317  # the steps are called by name
 set -u
 
 root=$(cd "$(dirname "$0")/.." && pwd)
@@ -57,7 +58,9 @@ tools/install_packages.sh build check || exit 1
 
 failed=0
 table=
-for step in ${*:-$all_steps}; do
+# shellcheck disable=SC2086
+[ $# -gt 0 ] || set -- $all_steps
+for step in "$@"; do
   printf '\n== %s\n' "$step"
   start=$(date +%s)
   if "step_$step"; then outcome=ok; else outcome=FAILED; failed=1; fi
