@@ -1,15 +1,16 @@
 #pragma once
 
-// exp and log with pinned results: plain IEEE additions, multiplications, divisions and integer
-// operations in a fixed order, so that every machine and compiler returns the same bits. The C
-// library's own functions differ between machines and must not stand on a drawing path.
+// exp and log with pinned results: plain IEEE additions, multiplications and integer operations in
+// a fixed order, so that every machine and compiler returns the same bits. The C library's own
+// functions differ between machines and must not stand on a drawing path.
 
 namespace tfl_rng {
 
-// exp(x) for -708 <= x <= 708. Error below 0.55 ulp.
+// exp(x) for -708 <= x <= 708. Largest error seen: 0.529 ulp.
 double pinnedExp(double x) noexcept;
 
-// Natural logarithm of a positive, normal x. Error below 0.55 ulp.
+// Natural logarithm of a positive, normal x. Largest error seen: 0.530 ulp.
+// (Both over 10^7 arguments in each of several intervals, tools/measure_elementary.cpp.)
 double pinnedLog(double x) noexcept;
 
 }  // namespace tfl_rng

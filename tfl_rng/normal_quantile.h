@@ -1,7 +1,8 @@
 #pragma once
 
 // The quantile function of the standard normal distribution.
-// Source: M. J. Wichura, Algorithm AS 241 (PPND16), Applied Statistics 37 (1988) 477-484.
+// Source: M. J. Wichura, Algorithm AS 241 (PPND16), Applied Statistics 37 (1988) 477-484, with
+// Horner's rule from the highest coefficient and the central form as (q * numerator) / denominator.
 
 #include <cstddef>
 

@@ -1,0 +1,51 @@
+#pragma once
+
+// The double-precision SIMD-oriented fast Mersenne Twister dSFMT-19937.
+// Source: M. Saito and M. Matsumoto, A PRNG specialized in double precision floating point numbers
+// using an affine transition, MCQMC 2008 (Springer 2009) 589-602; seeding as published with it
+// (init_gen_rand). Period at least 2^19937 - 1. Raw output: 52 bits in a 64-bit word, regenerated
+// 382 at a time.
+//
+// A uniform is one word, the published open-open double: its 52 bits, the lowest one set, behind
+// the exponent of [1,2), minus 1. The precision mode changes nothing. A normal takes one word for
+// each attempt of the ziggurat of core_ziggurat.h.
+
+#include <array>
+#include <cstdint>
+
+#include "tfl_rng/core_rng.h"
+
+namespace tfl_rng {
+
+class dsfmt19937 final : public CoreNormalRNG {
+ public:
+  static constexpr std::size_t kOutputs = 382;  // words of one regeneration
+
+  // The published block: 191 pairs of output words and the pair called lung, as 32-bit words the
+  // low half of each first. Any content is kept as it stands and is safe to draw from: a position
+  // beyond 382 counts modulo 383, and of an output word only the 52 low bits are delivered.
+  struct State {
+    std::array<std::uint64_t, kOutputs + 2> words;
+    std::uint32_t position;  // outputs used up; at 382 the next draw regenerates
+    std::array<std::uint32_t, 7> reserved;  // 0 after seeding, never used
+
+    bool operator==(State const&) const = default;
+  };
+
+  dsfmt19937(std::uint32_t seed, bool fullPrecision);
+
+  void reset(std::uint32_t seed) override;
+  void randu(double* out, std::size_t n) override;
+  void randn(double* out, std::size_t n) override;
+
+  State const& state() const noexcept { return state_; }
+  void setState(State const& state) noexcept { state_ = state; }
+
+  // The state right after the published init_gen_rand(seed).
+  static State seeded(std::uint32_t seed) noexcept;
+
+ private:
+  State state_;
+};
+
+}  // namespace tfl_rng

@@ -1,0 +1,51 @@
+#pragma once
+
+// The Mersenne Twister MT19937.
+// Source: M. Matsumoto and T. Nishimura, Mersenne Twister: a 623-dimensionally equidistributed
+// uniform pseudo-random number generator, ACM TOMACS 8 (1998) 3-30; initialisation of 2002
+// (init_genrand). Period 2^19937 - 1. Raw output: 32-bit words, regenerated 624 at a time.
+//
+// A uniform is
+//   in full precision     two words, 53 bits (the published genrand_res53), k = 0 given as 2^-53;
+//   in reduced precision  one word w, (w + 0.5) * 2^-32.
+// A normal takes one 64-bit value (two words, the first one low) for each attempt of the ziggurat
+// of core_ziggurat.h, in either mode.
+
+#include <array>
+#include <cstdint>
+
+#include "tfl_rng/core_rng.h"
+
+namespace tfl_rng {
+
+class mt19937ar final : public CoreNormalRNG {
+ public:
+  static constexpr std::size_t kWords = 624;
+
+  // The published batch form at any time: a whole vector, and how many of its words are used up.
+  struct State {
+    std::array<std::uint32_t, kWords> words;
+    std::uint32_t position;  // 0 to 624; at 624 the next draw regenerates the vector
+
+    bool operator==(State const&) const = default;
+  };
+
+  // Seed 0 stands for "none chosen" and takes the published default, 5489.
+  mt19937ar(std::uint32_t seed, bool fullPrecision);
+
+  void reset(std::uint32_t seed) override;
+  void randu(double* out, std::size_t n) override;
+  void randn(double* out, std::size_t n) override;
+
+  State const& state() const noexcept { return state_; }
+  // The position must be at most 624 and the words not all zero.
+  void setState(State const& state) noexcept { state_ = state; }
+
+  // The state right after the published init_genrand(seed), for any seed.
+  static State seeded(std::uint32_t seed) noexcept;
+
+ private:
+  State state_;
+};
+
+}  // namespace tfl_rng
