@@ -16,21 +16,20 @@ struct GeneratorErrors;
 
 }  // namespace errors
 
-#define TV_KEYS_Single(name)                                                              \
-  TV_DEFINE_KEY("TALVOR::RandStream::" #name, InvalidParameter, "InvalidParameter", 0)    \
-  TV_DEFINE_KEY("TALVOR::RandStream::" #name, InvalidState, "InvalidState", 0)            \
+#define TV_KEYS_Single(name)                                                           \
+  TV_DEFINE_KEY("TALVOR::RandStream::" #name, InvalidParameter, "InvalidParameter", 0) \
+  TV_DEFINE_KEY("TALVOR::RandStream::" #name, InvalidState, "InvalidState", 0)         \
   TV_DEFINE_KEY("TALVOR::RandStream::" #name, MultipleStreams, "MultipleStreams", 0)
-#define TV_KEYS_Substreams(name)                                                          \
-  TV_DEFINE_KEY("TALVOR::RandStream::" #name, InvalidParameter, "InvalidParameter", 0)    \
-  TV_DEFINE_KEY("TALVOR::RandStream::" #name, InvalidState, "InvalidState", 0)            \
-  TV_DEFINE_KEY("TALVOR::RandStream::" #name, TooManyStreams, "TooManyStreams", 0)        \
-  TV_DEFINE_KEY("TALVOR::RandStream::" #name, SubstreamsIndexOutOfRange,                  \
+#define TV_KEYS_Substreams(name)                                                       \
+  TV_DEFINE_KEY("TALVOR::RandStream::" #name, InvalidParameter, "InvalidParameter", 0) \
+  TV_DEFINE_KEY("TALVOR::RandStream::" #name, InvalidState, "InvalidState", 0)         \
+  TV_DEFINE_KEY("TALVOR::RandStream::" #name, TooManyStreams, "TooManyStreams", 0)     \
+  TV_DEFINE_KEY("TALVOR::RandStream::" #name, SubstreamsIndexOutOfRange,               \
                 "SubstreamsIndexOutOfRange", 0)
 
-#define TV_USING_Single(name) \
-  using MultipleStreams = TALVOR::RandStream::name::MultipleStreams;
-#define TV_USING_Substreams(name)                                    \
-  using TooManyStreams = TALVOR::RandStream::name::TooManyStreams;   \
+#define TV_USING_Single(name) using MultipleStreams = TALVOR::RandStream::name::MultipleStreams;
+#define TV_USING_Substreams(name)                                  \
+  using TooManyStreams = TALVOR::RandStream::name::TooManyStreams; \
   using SubstreamsIndexOutOfRange = TALVOR::RandStream::name::SubstreamsIndexOutOfRange;
 
 #define TFL_GENERATOR(name, core, otherSpelling, family, stateClass, stateLen, normals, period) \

@@ -21,9 +21,9 @@ class TV_EXPORT randstream {
     std::uint64_t log2SubstreamLen;
   };
 
-  // Takes ownership of `plugin` (null makes a stream that can only be asked for its settings), which
-  // arrives seeded. Normals start with the plug-in's own default method, else with "Ziggurat".
-  // Errors: set:CantInitRandnAlg; the plug-in then stays with the caller.
+  // Takes ownership of `plugin` (null makes a stream that can only be asked for its settings),
+  // which arrives seeded. Normals start with the plug-in's own default method, else with
+  // "Ziggurat". Errors: set:CantInitRandnAlg; the plug-in then stays with the caller.
   randstream(char const* generatorType, unsigned int seed, plugin_rng::IPluginRNG* plugin,
              unsigned long numStreams, unsigned long streamIndex);
   ~randstream();
@@ -87,10 +87,10 @@ class TV_EXPORT randstream {
   // n uniforms in (0,1), T double or float; an antithetic stream delivers 1-u. Draws n uniforms.
   template <class T>
   void randuFcn(T* out, unsigned long n);
-  // n standard normals, T double or float, each divided by sqrt(2) when `halfVariance` (the parts of
-  // a complex normal). An antithetic stream delivers -z. Draws from the generator's own normals, or
-  // uniforms: Inversion n; Polar one pair for each pair of normals and each rejected candidate, one
-  // value kept for the next call after an odd count; Ziggurat at least 2n.
+  // n standard normals, T double or float, each divided by sqrt(2) when `halfVariance` (the parts
+  // of a complex normal). An antithetic stream delivers -z. Draws from the generator's own normals,
+  // or uniforms: Inversion n; Polar one pair for each pair of normals and each rejected candidate,
+  // one value kept for the next call after an odd count; Ziggurat at least 2n.
   template <class T>
   void randnFcn(T* out, unsigned long n, bool halfVariance);
   // n integers of [lo, hi], stored in T by saturation; T double, float, bool or an integer type of
@@ -114,6 +114,9 @@ class TV_EXPORT randstream {
   void randnPolar(double* buffer, unsigned long n);
   void randnInversion(double* buffer, unsigned long n);
 
+  // The plug-in, inside the guard of a control operation: a stream without one fails there.
+  plugin_rng::IPluginRNG& requiredPlugin() const;
+
   static constexpr std::size_t kNameSize = 32;
 
   char generatorType_[kNameSize];
@@ -132,6 +135,19 @@ class TV_EXPORT randstream {
   bool pendingNormalValid_ = false;
   double pendingNormal_;
 };
+
+template <>
+TV_EXPORT void randstream::randuFcn(double* out, unsigned long n);
+template <>
+TV_EXPORT void randstream::randuFcn(float* out, unsigned long n);
+template <>
+TV_EXPORT void randstream::randnFcn(double* out, unsigned long n, bool halfVariance);
+template <>
+TV_EXPORT void randstream::randnFcn(float* out, unsigned long n, bool halfVariance);
+template <>
+TV_EXPORT void randstream::randpermFcn(double* out, unsigned long n);
+template <>
+TV_EXPORT void randstream::randkpermFcn(double* out, unsigned long k, double n);
 
 // Checks the limits of randi and returns the number of values hi - lo + 1.
 // Errors: randi:invalidLimits (not whole, lo > hi, NaN), randi:LimitsTooLarge (2^53 and beyond),

@@ -12,8 +12,8 @@
 namespace known_answers {
 
 struct Block {
-  std::string title;                            // the text after "@ ", "" before the first block
-  std::vector<std::vector<std::string>> rows;   // the fields of each line
+  std::string title;                           // the text after "@ ", "" before the first block
+  std::vector<std::vector<std::string>> rows;  // the fields of each line
 
   // All fields of all rows, in order, as numbers of base 10 or 16.
   std::vector<std::uint64_t> words(int base) const {

@@ -1,0 +1,13 @@
+#pragma once
+
+// The chunk rule of the sampling paths: uniforms are asked for in chunks of 100, then the rest.
+
+#include <cstddef>
+
+inline constexpr std::size_t kChunk = 100;
+
+// Calls body(at, len) for the consecutive pieces of [0, n): len is 100, at the end what remains.
+template <class Body>
+void forEachChunk(std::size_t n, Body&& body) {
+  for (std::size_t at = 0; at < n; at += kChunk) body(at, n - at < kChunk ? n - at : kChunk);
+}

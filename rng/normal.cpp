@@ -1,0 +1,192 @@
+// Standard normals of a stream: the generator's own, or one of three transformations of uniforms.
+
+#include <cmath>
+
+#include "errors/keys.h"
+#include "host/tfl_rng.h"
+#include "rng/chunks.h"
+#include "rng/randstream.h"
+#include "rng/ziggurat_tables.h"
+
+namespace {
+
+constexpr double kSqrt2 = 1.4142135623730951;
+
+// A generator in a degenerate state may be rejected forever; a draw ends with an error instead.
+class RejectionLimit {
+ public:
+  void count() {
+    if (++rejections_ == kMost)
+      errors::raise(component_TALVOR::catalog_RandStream::key_UnexpectedPluginError());
+  }
+
+ private:
+  static constexpr int kMost = 1'000'000;
+  int rejections_ = 0;
+};
+
+// The uniforms of randnZiggurat, kept in the output buffer behind the values written so far.
+class UniformStore {
+ public:
+  UniformStore(plugin_rng::IPluginRNG& plugin, double* buffer, std::size_t n)
+      : plugin_(plugin), buffer_(buffer), n_(n) {}
+
+  // Two uniforms are unread afterwards. A refill at output slot `slot` keeps a single leftover in
+  // front and draws as many as two for each normal still to produce need.
+  void needTwo(std::size_t slot) {
+    const std::size_t unread = end_ - next_;
+    if (unread >= 2) return;
+    if (unread == 1) buffer_[slot] = buffer_[next_];
+    const std::size_t size = 2 * (n_ - slot);
+    plugin_.randu(buffer_ + slot + unread, size - unread);
+    next_ = slot;
+    end_ = slot + size;
+  }
+  // One uniform is unread afterwards. A refill draws one less than needTwo would.
+  void needOne(std::size_t slot) {
+    if (next_ < end_) return;
+    const std::size_t size = 2 * (n_ - slot) - 1;
+    plugin_.randu(buffer_ + slot, size);
+    next_ = slot;
+    end_ = slot + size;
+  }
+  double read() { return buffer_[next_++]; }
+
+ private:
+  plugin_rng::IPluginRNG& plugin_;
+  double* buffer_;
+  std::size_t n_;
+  std::size_t next_ = 0;  // buffer_[next_, end_) is unread
+  std::size_t end_ = 0;
+};
+
+// A value beyond the tail's start, with the sign of the candidate x.
+double zigguratTail(UniformStore& store, std::size_t slot, double x) {
+  RejectionLimit limit;
+  for (;;) {
+    store.needTwo(slot);
+    const double a = store.read();
+    const double b = store.read();
+    const double t = ziggurat::kInverseTailStart * tfl_rng::pinnedLog(a);
+    const double y = -2 * tfl_rng::pinnedLog(b);
+    if (t * t < y) return x < 0 ? t - ziggurat::kTailStart : ziggurat::kTailStart - t;
+    limit.count();
+  }
+}
+
+}  // namespace
+
+// Marsaglia and Tsang (2000), 256 layers.
+void randstream::randnZiggurat(double* buffer, unsigned long n) {
+  using ziggurat::kF;
+  using ziggurat::kX;
+  UniformStore store(*plugin_, buffer, n);
+  RejectionLimit limit;
+  for (std::size_t slot = 0; slot < n;) {
+    store.needTwo(slot);
+    const auto i = static_cast<int>(ziggurat::kLayers * store.read());
+    double x = (2 * store.read() - 1) * kX[i + 1];
+    if (std::fabs(x) > kX[i]) {
+      if (i == ziggurat::kLayers - 1) {
+        x = zigguratTail(store, slot, x);
+      } else {
+        store.needOne(slot);
+        const double y = kF[i + 1] + (kF[i] - kF[i + 1]) * store.read();
+        if (!(tfl_rng::pinnedExp(-0.5 * x * x) > y)) {
+          limit.count();
+          continue;
+        }
+      }
+    }
+    buffer[slot++] = x;
+    limit = {};
+  }
+}
+
+// Marsaglia's polar method. The uniforms stand in the buffer from the output slot on, two for each
+// pair still to produce.
+void randstream::randnPolar(double* buffer, unsigned long n) {
+  if (n == 0) return;
+  std::size_t slot = 0;
+  if (pendingNormalValid_) {
+    buffer[slot++] = pendingNormal_;
+    pendingNormalValid_ = false;
+  }
+  RejectionLimit limit;
+  std::size_t next = 0;
+  std::size_t end = 0;
+  while (slot < n) {
+    if (next == end) {
+      const std::size_t left = n - slot;
+      next = slot;
+      end = slot + left + left % 2;
+      plugin_->randu(buffer + slot, end - next);
+    }
+    const double a = 2 * buffer[next++] - 1;
+    const double b = 2 * buffer[next++] - 1;
+    const double s = a * a + b * b;
+    if (s > 1 || s == 0) {  // s == 1 is kept: the sequence depends on it
+      limit.count();
+      continue;
+    }
+    limit = {};
+    const double m = std::sqrt(-2 * tfl_rng::pinnedLog(s) / s);
+    buffer[slot++] = a * m;
+    if (slot < n) {
+      buffer[slot++] = b * m;
+    } else {
+      pendingNormal_ = b * m;
+      pendingNormalValid_ = true;
+    }
+  }
+}
+
+void randstream::randnInversion(double* buffer, unsigned long n) {
+  plugin_->randu(buffer, n);
+  tfl_rng::normalQuantileInPlace(buffer, n);
+}
+
+namespace {
+
+// Stores normals as T: negated for an antithetic stream, then divided for half the variance.
+template <class T>
+void deliver(double const* normals, T* out, std::size_t n, bool negate, bool halfVariance) {
+  const auto each = [&](auto value) {
+    for (std::size_t i = 0; i < n; ++i) out[i] = static_cast<T>(value(normals[i]));
+  };
+  if (negate && halfVariance)
+    each([](double x) { return -x / kSqrt2; });
+  else if (negate)
+    each([](double x) { return -x; });
+  else if (halfVariance)
+    each([](double x) { return x / kSqrt2; });
+  else if (static_cast<void const*>(normals) != out)
+    each([](double x) { return x; });
+}
+
+}  // namespace
+
+template <>
+void randstream::randnFcn(double* out, unsigned long n, bool halfVariance) {
+  if (nativeNormals_) {
+    normalView_->randn(out, n);
+    return deliver(out, out, n, antithetic_, halfVariance);
+  }
+  double scratch[2 * kChunk];
+  forEachChunk(n, [&](std::size_t at, std::size_t len) {
+    (this->*normalGenerator_)(scratch, len);
+    deliver(scratch, out + at, len, antithetic_, halfVariance);
+  });
+}
+
+template <>
+void randstream::randnFcn(float* out, unsigned long n, bool halfVariance) {
+  double scratch[2 * kChunk];
+  forEachChunk(n, [&](std::size_t at, std::size_t len) {
+    if (nativeNormals_)
+      normalView_->randn(scratch, len);
+    else
+      (this->*normalGenerator_)(scratch, len);
+    deliver(scratch, out + at, len, antithetic_, halfVariance);
+  });
+}

@@ -1,0 +1,49 @@
+// Integers of a closed range: one uniform each, scaled and truncated, without rejection.
+
+#include <cmath>
+
+#include "errors/keys.h"
+#include "host/tfl_rng.h"
+#include "rng/chunks.h"
+#include "rng/element_types.h"
+#include "rng/randstream.h"
+
+namespace {
+
+constexpr double kLargestCount = 0x1p53;
+
+bool isWhole(double value) {
+  return std::fabs(value) >= tfl_rng::kAllIntegral || value == std::trunc(value);
+}
+
+}  // namespace
+
+double checkRandiLimits(double lo, double hi) {
+  namespace keys = TALVOR::RandStream::randi;
+  if (!(hi >= lo) || !isWhole(lo) || !isWhole(hi)) errors::raise(keys::invalidLimits());
+  if (std::fabs(lo) >= kLargestCount || std::fabs(hi) >= kLargestCount)
+    errors::raise(keys::LimitsTooLarge());
+  const double count = hi - lo + 1;
+  if (count >= kLargestCount) errors::raise(keys::RangeTooLarge());
+  return count;
+}
+
+template <class T>
+void randstream::randiFcn(double lo, double hi, T* out, unsigned long n) {
+  const double count = checkRandiLimits(lo, hi);
+  double uniforms[kChunk];
+  forEachChunk(n, [&](std::size_t at, std::size_t len) {
+    plugin_->randu(uniforms, len);
+    if (antithetic_)  // mirrors the integer within the range, not the uniform
+      for (std::size_t i = 0; i < len; ++i)
+        out[at + i] = storeAs<T>(count - tfl_rng::truncateProduct(uniforms[i] * count) - 1 + lo);
+    else
+      for (std::size_t i = 0; i < len; ++i)
+        out[at + i] = storeAs<T>(tfl_rng::truncateProduct(uniforms[i] * count) + lo);
+  });
+}
+
+#define INSTANTIATE(T, classID) \
+  template TV_EXPORT void randstream::randiFcn<T>(double, double, T*, unsigned long);
+RNG_INTEGER_ELEMENTS(INSTANTIATE)
+#undef INSTANTIATE

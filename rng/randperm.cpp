@@ -1,0 +1,110 @@
+// Permutations of 1..n and selections of k of n in random order. Raw uniforms of the generator;
+// antithetic mode plays no part.
+
+#include <algorithm>
+#include <cmath>
+
+#include "errors/keys.h"
+#include "host/sort.h"
+#include "host/tfl_rng.h"
+#include "rng/chunks.h"
+#include "rng/randstream.h"
+#include "rng/sparse_shuffle.h"
+
+namespace {
+
+// Beyond this, not every integer is a double.
+constexpr double kLargestCount = 0x1p53;
+
+// A result of this size no longer fits the caches, so that scattered accesses pay a prefetch.
+constexpr std::size_t kPrefetchFrom = std::size_t{1} << 19;
+
+std::size_t truncated(double product) {
+  return static_cast<std::size_t>(tfl_rng::toUint64(tfl_rng::truncateProduct(product)));
+}
+
+// The inside-out shuffle (Durstenfeld 1964, in the form that builds the result). Draws n-1
+// uniforms.
+void shuffleInsideOut(plugin_rng::IPluginRNG& plugin, double* out, std::size_t n) {
+  double uniforms[kChunk];
+  std::size_t targets[kChunk];
+  out[0] = 1;
+  for (std::size_t placed = 1; placed < n;) {
+    const std::size_t len = std::min(n - placed, kChunk);
+    plugin.randu(uniforms, len);
+    for (std::size_t i = 0; i < len; ++i) {
+      targets[i] = truncated(uniforms[i] * static_cast<double>(placed + i + 1));
+      if (n >= kPrefetchFrom) __builtin_prefetch(out + targets[i], 1);
+    }
+    for (std::size_t i = 0; i < len; ++i, ++placed) {
+      out[placed] = out[targets[i]];
+      out[targets[i]] = static_cast<double>(placed + 1);
+    }
+  }
+}
+
+// The first k steps of a shuffle from the top. Draws k uniforms.
+void shuffleSparse(plugin_rng::IPluginRNG& plugin, double* out, std::size_t k, double n) {
+  SparseShuffle shuffle(k);
+  double uniforms[kChunk];
+  double left = n;
+  forEachChunk(k, [&](std::size_t at, std::size_t len) {
+    plugin.randu(uniforms, len);
+    for (std::size_t i = 0; i < len; ++i, --left)
+      out[at + i] = static_cast<double>(
+          shuffle.takeAndReplace(truncated(left * uniforms[i]), truncated(left - 1)) + 1);
+  });
+}
+
+// Sequential selection (J. S. Vitter, Faster Methods for Random Sampling, CACM 27 (1984), method
+// A), each selected value shuffled in at once. Draws 2k uniforms.
+void selectSequentially(plugin_rng::IPluginRNG& plugin, double* out, std::size_t k, double n) {
+  constexpr std::size_t kPairs = kChunk / 2;
+  double uniforms[2 * kPairs];
+  double candidate = 1;
+  double candidatesLeft = n;
+  for (std::size_t selected = 0; selected < k;) {
+    const std::size_t pairs = std::min(k - selected, kPairs);
+    plugin.randu(uniforms, 2 * pairs);
+    for (std::size_t i = 0; i < pairs; ++i) {
+      const double toSelect = static_cast<double>(k - selected);
+      const double u = uniforms[2 * i];
+      for (double p = toSelect / candidatesLeft; u > p;) {
+        --candidatesLeft;
+        ++candidate;
+        p += (1 - p) * (toSelect / candidatesLeft);
+      }
+      ++selected;
+      const std::size_t j = truncated(static_cast<double>(selected) * uniforms[2 * i + 1]);
+      out[selected - 1] = out[j];
+      out[j] = candidate;
+      ++candidate;
+      --candidatesLeft;
+    }
+  }
+}
+
+}  // namespace
+
+template <>
+void randstream::randpermFcn(double* out, unsigned long n) {
+  const std::uint64_t dims[] = {n, 1};
+  const txArrayPtr uniforms = txCreateUninitialized(dims, txClassDouble);
+  plugin_->randu(uniforms->dataAs<double>(), n);
+  txArrayPtr sorted[2];  // values and positions
+  txArray const* const inputs[] = {uniforms.get()};
+  mathcoreSortFcn(2, sorted, 1, const_cast<txArray const**>(inputs));
+  std::copy_n(std::as_const(*sorted[1]).dataAs<double>(), n, out);
+}
+
+template <>
+void randstream::randkpermFcn(double* out, unsigned long k, double n) {
+  namespace keys = TALVOR::RandStream::randperm;
+  if (k == 0) return;
+  const auto count = static_cast<double>(k);
+  if (n >= kLargestCount) errors::raise(keys::inputNTooLarge());
+  if (count > n) errors::raise(keys::inputKTooLarge());
+  if (count == n) return shuffleInsideOut(*plugin_, out, k);
+  if (0.25 * n > count) return shuffleSparse(*plugin_, out, k, n);
+  selectSequentially(*plugin_, out, k, n);
+}

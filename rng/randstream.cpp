@@ -1,0 +1,120 @@
+#include "rng/randstream.h"
+
+#include <strings.h>
+
+#include <cctype>
+#include <stdexcept>
+#include <tuple>
+
+#include "errors/keys.h"
+#include "host/allocator.h"
+#include "host/strings.h"
+#include "rng/chunks.h"
+#include "rng/guard.h"
+
+namespace set = TALVOR::RandStream::set;
+
+randstream::randstream(char const* generatorType, unsigned int seed, plugin_rng::IPluginRNG* plugin,
+                       unsigned long numStreams, unsigned long streamIndex)
+    : seed_(seed),
+      numStreams_(numStreams),
+      streamIndex_(streamIndex),
+      plugin_(plugin),
+      normalView_(dynamic_cast<plugin_rng::IPluginRNGRandn*>(plugin)),
+      substreamView_(dynamic_cast<plugin_rng::IPluginRNGSubstreams*>(plugin)),
+      jumpView_(dynamic_cast<plugin_rng::IPluginRNGSubstreams*>(plugin)) {
+  utStrncpy(generatorType_, generatorType, kNameSize - 1);
+  char const* algorithm = "Ziggurat";
+  if (normalView_) algorithm = guarded([&] { return normalView_->getDefaultRandnAlg(); });
+  try {
+    setRandnAlg(algorithm);
+  } catch (...) {
+    errors::raise(set::CantInitRandnAlg(algorithm, generatorType));
+  }
+}
+
+randstream::~randstream() {
+  if (plugin_) plugin_->destroy();
+}
+
+plugin_rng::IPluginRNG& randstream::requiredPlugin() const {
+  if (!plugin_) throw std::logic_error("the stream has no generator");
+  return *plugin_;
+}
+
+void* randstream::operator new(std::size_t bytes) { return txMallocEx(bytes); }
+void randstream::operator delete(void* memory) noexcept { txFreeEx(memory); }
+
+void randstream::reset(unsigned int seed) {
+  seed_ = seed;
+  guarded([&] { requiredPlugin().reset(seed); });
+  pendingNormalValid_ = false;
+}
+
+void randstream::setSubstream(unsigned long k) {
+  if (substreamView_)
+    guarded([&] { substreamView_->setSubstream(k); });
+  else if (k != 0)
+    errors::raise(set::SubstreamsNotSupported(generatorType_));
+}
+
+unsigned long randstream::getSubstream() const {
+  return substreamView_ ? guarded([&] { return substreamView_->getSubstream(); }) : 0;
+}
+
+void randstream::advance(unsigned long n) {
+  guarded([&] {
+    if (jumpView_) return jumpView_->advance(n);
+    plugin_rng::IPluginRNG& plugin = requiredPlugin();
+    double discarded[kChunk];
+    forEachChunk(n, [&](std::size_t, std::size_t len) { plugin.randu(discarded, len); });
+  });
+}
+
+void randstream::setFullPrecision(bool on) {
+  guarded([&] { requiredPlugin().setFullPrecision(on); });
+  fullPrecision_ = on;
+}
+
+void randstream::setRandnAlg(char const* name) {
+  struct Method {
+    char const* name;
+    NormalGenerator generator;
+  };
+  static constexpr Method kMethods[] = {
+      {"ziggurat", &randstream::randnZiggurat},
+      {"polar", &randstream::randnPolar},
+      {"inversion", &randstream::randnInversion},
+  };
+  if (!name) name = "";
+
+  const bool native =
+      normalView_ ? guarded([&] { return normalView_->setRandnAlg(name); }) : nativeNormals_;
+  NormalGenerator generator = normalGenerator_;
+  if (!native) {
+    Method const* found = nullptr;
+    for (Method const& method : kMethods)
+      if (!found && strcasecmp(name, method.name) == 0) found = &method;
+    if (!found) errors::raise(set::UnknownRandnAlg(name));
+    generator = found->generator;
+  }
+
+  nativeNormals_ = native;
+  normalGenerator_ = generator;
+  if (name != randnAlg_) utStrncpy(randnAlg_, name, kNameSize - 1);
+  randnAlg_[0] = static_cast<char>(std::toupper(static_cast<unsigned char>(randnAlg_[0])));
+}
+
+void randstream::getStreamParameters(streamParamsStruct* p) const {
+  guarded([&] {
+    auto const& streams = dynamic_cast<plugin_rng::IPluginRNGSubstreams const&>(requiredPlugin());
+    streamParamsStruct result{};
+    std::tie(result.numStreams, result.log2StreamLen) = streams.getStreamLimits();
+    if (substreamView_)
+      std::tie(result.numSubstreams, result.log2SubstreamLen) =
+          substreamView_->getSubstreamLimits();
+    else
+      result.log2SubstreamLen = result.log2StreamLen;
+    *p = result;
+  });
+}

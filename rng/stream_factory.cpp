@@ -1,0 +1,43 @@
+#include "rng/stream_factory.h"
+
+#include <strings.h>
+
+#include "errors/keys.h"
+#include "plugin_rng/factories.h"
+#include "rng/mr_functions.h"
+
+namespace {
+
+struct Generator {
+  char const* name;
+  char const* otherSpelling;  // "" when there is none
+  plugin_rng::Factory factory;
+
+  bool isCalled(char const* type) const {
+    return strcasecmp(type, name) == 0 || (*otherSpelling && strcasecmp(type, otherSpelling) == 0);
+  }
+};
+
+constexpr Generator kGenerators[] = {
+#define TFL_GENERATOR(name, core, otherSpelling, family, stateClass, stateLen, normals, period) \
+  {#name, otherSpelling, plugin_rng::make_##name},
+#include "tfl_rng/generators.def"
+#undef TFL_GENERATOR
+};
+
+plugin_rng::Factory factoryOf(char const* type) {
+  for (Generator const& generator : kGenerators)
+    if (generator.isCalled(type)) return generator.factory;
+  errors::raise(TALVOR::RandStream::create::UnknownRNGType(type));
+}
+
+}  // namespace
+
+randstream* mrCreateRNGStream(char const* type, unsigned long numStreams, unsigned long streamIndex,
+                              unsigned int seed, unsigned long* params, unsigned long nParams) {
+  if (!type) type = "";
+  // No generator reads parameter words; only their number counts.
+  PluginOwner plugin(factoryOf(type)(numStreams, streamIndex, seed,
+                                     reinterpret_cast<double const*>(params), nParams));
+  return makeStream(type, seed, std::move(plugin), numStreams, streamIndex).release();
+}

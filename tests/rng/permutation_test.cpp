@@ -1,0 +1,152 @@
+#include <gmock/gmock.h>
+
+#include <map>
+#include <numeric>
+#include <random>
+#include <set>
+
+#include "rng/mr_functions.h"
+#include "tests/support/identifiers.h"
+#include "tests/support/scripted_plugin.h"
+
+namespace {
+
+using ::testing::ElementsAre;
+using testing_support::identifierOf;
+using testing_support::Script;
+using testing_support::ScriptedPlugin;
+
+class Permutation : public ::testing::Test {
+ protected:
+  std::vector<double> select(std::size_t k, double n, std::vector<double> uniforms) {
+    script = {};
+    script.uniforms = std::move(uniforms);
+    std::vector<double> out(k);
+    stream.randkpermFcn(out.data(), k, n);
+    return out;
+  }
+  std::vector<std::size_t> requestsOf(std::size_t k, double n) {
+    select(k, n, std::vector<double>(2 * k, 0.25));
+    return script.requests;
+  }
+
+  Script script;
+  randstream stream{"scripted", 0, new ScriptedPlugin(script), 1, 0};
+};
+
+TEST_F(Permutation, FullOneIsTheOrderOfItsUniformsTiesInPlace) {
+  script.uniforms = {0.5, 0.125, 0.75, 0.125, 0.25};
+  double out[5];
+  stream.randpermFcn(out, 5);
+  EXPECT_THAT(out, ElementsAre(2, 4, 5, 1, 3));
+  EXPECT_THAT(script.requests, ElementsAre(5));
+  stream.setAntithetic(true);
+  script.used = 0;
+  stream.randpermFcn(out, 5);
+  EXPECT_THAT(out, ElementsAre(2, 4, 5, 1, 3)) << "antithetic mode plays no part";
+}
+
+TEST_F(Permutation, InsideOutShuffleFollowsItsTargets) {
+  // i = 2: j = 0; i = 3: j = 2 (in place); i = 4: j = 1.
+  EXPECT_THAT(select(4, 4, {0.1, 0.9, 0.3}), ElementsAre(2, 4, 3, 1));
+  EXPECT_THAT(script.requests, ElementsAre(3));
+  EXPECT_THAT(select(1, 1, {}), ElementsAre(1));
+  EXPECT_TRUE(script.requests.empty());
+}
+
+TEST_F(Permutation, SparseShuffleTakesFromTheTop) {
+  // n = 20: j = 5 then a[5] = 20th; j = 5 again gives 20; j = 17 (the last) gives itself.
+  EXPECT_THAT(select(3, 20, {0.25, 5.5 / 19, 1 - 0x1p-53}), ElementsAre(6, 20, 18));
+  // The entry moved down is found again after its position was the last one.
+  EXPECT_THAT(select(3, 20, {18.5 / 20, 0.5 / 19, 0.5 / 18}), ElementsAre(19, 1, 20));
+}
+
+TEST_F(Permutation, SequentialSelectionSkipsByTheCumulativeSearch) {
+  // 2 of 4: u = 0.6 > 1/2, p = 1/2 + 1/2 * 2/3 = 5/6: candidate 2. Then 1 of 2 left: u = 0.4 <=
+  // 1/2: candidate 3; its place: trunc(2 * 0.2) = 0.
+  EXPECT_THAT(select(2, 4, {0.6, 0.9, 0.4, 0.2}), ElementsAre(3, 2));
+  EXPECT_THAT(script.requests, ElementsAre(4));
+}
+
+TEST_F(Permutation, MethodIsChosenByKAndDrawsInChunks) {
+  EXPECT_THAT(requestsOf(24, 100), ElementsAre(24));
+  EXPECT_THAT(requestsOf(25, 100), ElementsAre(50));
+  EXPECT_THAT(requestsOf(99, 100), ElementsAre(100, 98));
+  EXPECT_THAT(requestsOf(100, 100), ElementsAre(99));
+  EXPECT_THAT(requestsOf(250, 250), ElementsAre(100, 100, 49));
+  EXPECT_THAT(requestsOf(130, 1000), ElementsAre(100, 30));
+  EXPECT_TRUE(requestsOf(0, 0x1p60).empty()) << "k = 0 checks nothing";
+}
+
+TEST_F(Permutation, TooLargeArgumentsAreRefusedBeforeDrawing) {
+  EXPECT_EQ(identifierOf([&] { select(1, 0x1p53, {}); }),
+            "TALVOR:RandStream:randperm:inputNTooLarge");
+  EXPECT_EQ(identifierOf([&] { select(6, 5, {}); }), "TALVOR:RandStream:randperm:inputKTooLarge");
+  EXPECT_EQ(identifierOf([&] { select(1, -1, {}); }), "TALVOR:RandStream:randperm:inputKTooLarge");
+  EXPECT_TRUE(script.requests.empty());
+  EXPECT_THAT(select(1, 0x1p53 - 1, {1 - 0x1p-53}), ElementsAre(0x1p53 - 1));
+}
+
+class RealPermutation : public ::testing::Test {
+ protected:
+  std::unique_ptr<randstream> stream{mrCreateRNGStream("mt19937ar", 1, 0, 20, nullptr, 0)};
+};
+
+TEST_F(RealPermutation, SelectionsAreDistinctAndInRange) {
+  std::mt19937 choose(1);
+  for (int round = 0; round < 300; ++round) {
+    const std::size_t n = 1 + choose() % (round % 3 == 0 ? 20 : 3000);
+    const std::size_t k = round % 5 == 0 ? n : choose() % (n + 1);
+    std::vector<double> out(k);
+    stream->randkpermFcn(out.data(), k, static_cast<double>(n));
+    const std::set<double> values(out.begin(), out.end());
+    ASSERT_EQ(values.size(), k) << k << " of " << n;
+    if (k > 0) {
+      ASSERT_GE(*values.begin(), 1);
+      ASSERT_LE(*values.rbegin(), static_cast<double>(n));
+    }
+  }
+}
+
+// Chi-square of the counts of `cells` equally likely outcomes, standardised.
+template <class Draw>
+double uniformity(std::size_t cells, std::size_t draws, Draw&& draw) {
+  std::map<std::vector<double>, double> counts;
+  for (std::size_t i = 0; i < draws; ++i) ++counts[draw()];
+  EXPECT_EQ(counts.size(), cells);
+  const double expected = static_cast<double>(draws) / static_cast<double>(cells);
+  double chi2 = 0;
+  for (auto const& [outcome, count] : counts)
+    chi2 += (count - expected) * (count - expected) / expected;
+  const double freedom = static_cast<double>(cells - 1);
+  return (chi2 - freedom) / std::sqrt(2 * freedom);
+}
+
+TEST_F(RealPermutation, AllPermutationsOfFiveAreEquallyLikely) {
+  const auto byShuffle = [&] {
+    std::vector<double> out(5);
+    stream->randkpermFcn(out.data(), 5, 5.0);
+    return out;
+  };
+  const auto bySort = [&] {
+    std::vector<double> out(5);
+    stream->randpermFcn(out.data(), 5);
+    return out;
+  };
+  EXPECT_LT(std::fabs(uniformity(120, 120'000, byShuffle)), 5);
+  EXPECT_LT(std::fabs(uniformity(120, 120'000, bySort)), 5);
+}
+
+TEST_F(RealPermutation, AllOrderedSelectionsAreEquallyLikely) {
+  // 3 of 8 by sequential selection; 3 of 13 by the sparse shuffle.
+  for (const auto& [n, cells] : {std::pair{8.0, 336}, std::pair{13.0, 1716}}) {
+    const auto draw = [&, n = n] {
+      std::vector<double> out(3);
+      stream->randkpermFcn(out.data(), 3, n);
+      return out;
+    };
+    EXPECT_LT(std::fabs(uniformity(static_cast<std::size_t>(cells), 400'000, draw)), 5) << n;
+  }
+}
+
+}  // namespace
