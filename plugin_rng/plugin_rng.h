@@ -10,6 +10,7 @@
 
 #include "errors/generator_errors.h"
 #include "plugin_rng/interfaces.h"
+#include "tfl_rng/rejection.h"
 
 namespace plugin_rng {
 
@@ -48,7 +49,13 @@ class PluginRNGRandn : public PluginRNG<Core, id>, public IPluginRNGRandn {
     return strcasecmp(algorithm ? algorithm : "", method_) == 0;
   }
   char const* getDefaultRandnAlg() const override { return method_; }
-  void randn(double* out, std::size_t n) override { this->core->randn(out, n); }
+  void randn(double* out, std::size_t n) override {
+    try {
+      this->core->randn(out, n);
+    } catch (tfl_rng::RejectionLimit const&) {
+      errors::raise(component_TALVOR::catalog_RandStream::key_UnexpectedPluginError());
+    }
+  }
 
  private:
   char const* method_;

@@ -7,22 +7,22 @@
 #include "rng/chunks.h"
 #include "rng/randstream.h"
 #include "rng/ziggurat_tables.h"
+#include "tfl_rng/rejection.h"
 
 namespace {
 
 constexpr double kSqrt2 = 1.4142135623730951;
 
-// A generator in a degenerate state may be rejected forever; a draw ends with an error instead.
-class RejectionLimit {
+// Counts rejections in a row: a generator in a degenerate state may be rejected forever.
+class Rejections {
  public:
   void count() {
-    if (++rejections_ == kMost)
+    if (++inARow_ == tfl_rng::kMaxRejections)
       errors::raise(component_TALVOR::catalog_RandStream::key_UnexpectedPluginError());
   }
 
  private:
-  static constexpr int kMost = 1'000'000;
-  int rejections_ = 0;
+  int inARow_ = 0;
 };
 
 // The uniforms of randnZiggurat, kept in the output buffer behind the values written so far.
@@ -62,7 +62,7 @@ class UniformStore {
 
 // A value beyond the tail's start, with the sign of the candidate x.
 double zigguratTail(UniformStore& store, std::size_t slot, double x) {
-  RejectionLimit limit;
+  Rejections rejections;
   for (;;) {
     store.needTwo(slot);
     const double a = store.read();
@@ -70,7 +70,7 @@ double zigguratTail(UniformStore& store, std::size_t slot, double x) {
     const double t = ziggurat::kInverseTailStart * tfl_rng::pinnedLog(a);
     const double y = -2 * tfl_rng::pinnedLog(b);
     if (t * t < y) return x < 0 ? t - ziggurat::kTailStart : ziggurat::kTailStart - t;
-    limit.count();
+    rejections.count();
   }
 }
 
@@ -81,7 +81,7 @@ void randstream::randnZiggurat(double* buffer, unsigned long n) {
   using ziggurat::kF;
   using ziggurat::kX;
   UniformStore store(*plugin_, buffer, n);
-  RejectionLimit limit;
+  Rejections rejections;
   for (std::size_t slot = 0; slot < n;) {
     store.needTwo(slot);
     const auto i = static_cast<int>(ziggurat::kLayers * store.read());
@@ -93,13 +93,13 @@ void randstream::randnZiggurat(double* buffer, unsigned long n) {
         store.needOne(slot);
         const double y = kF[i + 1] + (kF[i] - kF[i + 1]) * store.read();
         if (!(tfl_rng::pinnedExp(-0.5 * x * x) > y)) {
-          limit.count();
+          rejections.count();
           continue;
         }
       }
     }
     buffer[slot++] = x;
-    limit = {};
+    rejections = {};
   }
 }
 
@@ -112,7 +112,7 @@ void randstream::randnPolar(double* buffer, unsigned long n) {
     buffer[slot++] = pendingNormal_;
     pendingNormalValid_ = false;
   }
-  RejectionLimit limit;
+  Rejections rejections;
   std::size_t next = 0;
   std::size_t end = 0;
   while (slot < n) {
@@ -126,10 +126,10 @@ void randstream::randnPolar(double* buffer, unsigned long n) {
     const double b = 2 * buffer[next++] - 1;
     const double s = a * a + b * b;
     if (s > 1 || s == 0) {  // s == 1 is kept: the sequence depends on it
-      limit.count();
+      rejections.count();
       continue;
     }
-    limit = {};
+    rejections = {};
     const double m = std::sqrt(-2 * tfl_rng::pinnedLog(s) / s);
     buffer[slot++] = a * m;
     if (slot < n) {
