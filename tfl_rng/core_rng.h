@@ -55,7 +55,8 @@ class CoreStreamRNG : public CoreRNG {
   // Moves forward by n draws; afterwards the core stands where n draws would have left it.
   // On a status other than ok nothing has moved. The reported substream stays.
   virtual errorID advance(std::size_t n) = 0;
-  // Moves to the start of substream `index` (from 0) of this stream. indexOutOfRange: nothing moved.
+  // Moves to the start of substream `index` (from 0) of this stream. indexOutOfRange: nothing
+  // moved.
   virtual errorID setSubstream(std::size_t index) = 0;
 
   virtual std::uint64_t getNumStreams() const = 0;

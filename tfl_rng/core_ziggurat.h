@@ -2,8 +2,9 @@
 
 // The ziggurat by which the twisters make normals: 256 layers of equal area.
 // Source: G. Marsaglia and W. W. Tsang, The ziggurat method for generating random variables,
-// Journal of Statistical Software 5 (2000) no. 8; layer, sign and magnitude come from disjoint bits,
-// as J. A. Doornik, An improved ziggurat method to generate normal random samples (2005), asks for.
+// Journal of Statistical Software 5 (2000) no. 8; layer, sign and magnitude come from disjoint
+// bits, as J. A. Doornik, An improved ziggurat method to generate normal random samples (2005),
+// asks for.
 //
 // A candidate takes one raw value; about 98.8% of all candidates are accepted at once. Each
 // candidate in a wedge takes one uniform more, each attempt in the tail two.

@@ -26,7 +26,7 @@ class dsfmt19937 final : public CoreNormalRNG {
   // beyond 382 counts modulo 383, and of an output word only the 52 low bits are delivered.
   struct State {
     std::array<std::uint64_t, kOutputs + 2> words;
-    std::uint32_t position;  // outputs used up; at 382 the next draw regenerates
+    std::uint32_t position;                 // outputs used up; at 382 the next draw regenerates
     std::array<std::uint32_t, 7> reserved;  // 0 after seeding, never used
 
     bool operator==(State const&) const = default;

@@ -5,9 +5,9 @@
 
 namespace tfl_rng::quantile {
 
-inline constexpr double kCentralHalfWidth = 0.425;   // of u - 0.5
-inline constexpr double kCentralShift = 0.180625;    // 0.425 squared
-inline constexpr double kFarTail = 5;                // of sqrt(-log(min(u, 1 - u)))
+inline constexpr double kCentralHalfWidth = 0.425;  // of u - 0.5
+inline constexpr double kCentralShift = 0.180625;   // 0.425 squared
+inline constexpr double kFarTail = 5;               // of sqrt(-log(min(u, 1 - u)))
 
 struct Rational {
   double shift;  // taken off the argument

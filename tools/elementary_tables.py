@@ -1,7 +1,7 @@
 #!/usr/bin/env python3
 """Prints the tables of tfl_rng/elementary_tables.h, computed with 200 bits.
 
-    tools/elementary_tables.py > tfl_rng/elementary_tables.h
+    tools/elementary_tables.py | clang-format > tfl_rng/elementary_tables.h
 """
 
 from mpmath import mp, mpf, exp, floor, ln, log, nint
