@@ -1,0 +1,64 @@
+#include "tfl_rng/mcg16807.h"
+
+#include <cmath>
+
+#include "tfl_rng/elementary.h"
+#include "tfl_rng/minimal_standard.h"
+
+namespace tfl_rng {
+namespace {
+
+double fullPrecisionDraw(std::uint32_t& word) noexcept {
+  const std::uint32_t first = minimalStandardStep(word);
+  word = minimalStandardStep(first);
+  const std::uint64_t bits = (std::uint64_t{(first - 1) >> 5} << 26) | ((word - 1) >> 5);
+  return (static_cast<double>(bits) + 0.5) * 0x1p-52;
+}
+
+}  // namespace
+
+mcg16807::mcg16807(std::uint32_t seed, bool fullPrecision) : CoreNormalRNG(fullPrecision) {
+  mcg16807::reset(seed);
+}
+
+void mcg16807::reset(std::uint32_t seed) {
+  word_ = seed % kMinimalStandardModulus;
+  if (word_ == 0) word_ = kMinimalStandardDefault;
+}
+
+void mcg16807::randu(double* out, std::size_t n) {
+  std::uint32_t word = word_;
+  if (fullPrecision()) {
+    for (std::size_t i = 0; i < n; ++i) out[i] = fullPrecisionDraw(word);
+  } else {
+    for (std::size_t i = 0; i < n; ++i) {
+      word = minimalStandardStep(word);
+      out[i] = minimalStandardUniform(word);
+    }
+  }
+  word_ = word;
+}
+
+void mcg16807::randn(double* out, std::size_t n) {
+  for (std::size_t i = 0; i < n; i += 2) {
+    auto const [first, second] = minimalStandardNormalPair(word_);
+    out[i] = first;
+    if (i + 1 < n) out[i + 1] = second;
+  }
+}
+
+std::pair<double, double> minimalStandardNormalPair(std::uint32_t& word) noexcept {
+  for (;;) {
+    word = minimalStandardStep(word);
+    const double x = 2 * minimalStandardUniform(word) - 1;
+    word = minimalStandardStep(word);
+    const double y = 2 * minimalStandardUniform(word) - 1;
+    // The squared radius is never 0: no word lies at the middle of its odd modulus.
+    const double s = x * x + y * y;
+    if (s > 1) continue;
+    const double factor = std::sqrt(-2 * pinnedLog(s) / s);
+    return {x * factor, y * factor};
+  }
+}
+
+}  // namespace tfl_rng

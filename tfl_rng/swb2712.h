@@ -1,0 +1,56 @@
+#pragma once
+
+// Subtract-with-borrow with lags 27 and 12 on 53-bit fractions, mixed with a hashed Weyl sequence.
+// Source of the recurrence: G. Marsaglia and A. Zaman, A new class of random number generators,
+// Annals of Applied Probability 1 (1991) 462-480, with base 2^53.
+//
+// Period      of the recurrence: the order of 2^53 modulo the probable prime m = 2^1431 - 2^636 +
+// 1,
+//             (m - 1) / 2, about 2^1430, unless a prime above 2,000,000 divides its index.
+// Recurrence  z(n) = z(n-12) - z(n-27) - borrow modulo 1; borrow is 2^-53 after a wrap, else 0.
+//             A z of 0 is stored as 2^-53.
+// A draw      one step in either precision mode. c += 0x9e3779b9 (32 bits); delivered is z with its
+//             53 bits exclusive-or'ed: bits 0 to 31 with mix32(c), bits 32 to 52 with
+//             mix32(~c) >> 11, where mix32 is the finaliser of MurmurHash3. 0 is delivered as
+//             2^-53. Alone, the recurrence fails tests of gaps and birthday spacings.
+// State       32 lag values (z, unmixed, in a ring), the borrow, the ring position of the next z
+// and
+//             the Weyl counter c.
+// Seeding     a 32-bit shift register (shr3cong.h) that starts at the seed (0: 521288629) makes
+//             32 steps unread, then two for each lag value, 27 and 26 bits. c becomes the seed, the
+//             borrow 0, the position 0.
+
+#include <array>
+
+#include "tfl_rng/core_rng.h"
+
+namespace tfl_rng {
+
+class swb2712 final : public CoreRNG {
+ public:
+  static constexpr std::size_t kLags = 32;
+
+  struct State {
+    // Each in [2^-53, 1). Values that are no multiple of 2^-53 are kept as they are and cut down
+    // to one where they are used.
+    std::array<double, kLags> lags;
+    bool borrow;
+    std::uint32_t position;  // below kLags
+    std::uint32_t counter;
+  };
+
+  swb2712(std::uint32_t seed, bool fullPrecision);
+
+  void reset(std::uint32_t seed) override;
+  void randu(double* out, std::size_t n) override;
+
+  State const& state() const noexcept { return state_; }
+  void setState(State const& state) noexcept { state_ = state; }
+
+ private:
+  double draw() noexcept;
+
+  State state_;
+};
+
+}  // namespace tfl_rng
