@@ -1,0 +1,14 @@
+#include "builtins/builtins.h"
+
+#include "builtins/policy.h"
+#include "builtins/sampling.h"
+
+using namespace builtins;
+
+void mathrngRandFcn(int nlhs, txArrayPtr* plhs, int nrhs, txArray const** prhs) {
+  sample<Uniform, Builtin<RandKeys>>(nlhs, plhs, nrhs, prhs);
+}
+
+void mathrngRandnFcn(int nlhs, txArrayPtr* plhs, int nrhs, txArray const** prhs) {
+  sample<Normal, Builtin<RandnKeys>>(nlhs, plhs, nrhs, prhs);
+}

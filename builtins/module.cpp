@@ -1,0 +1,4 @@
+#include "builtins/builtins.h"
+
+void TLInitialize_libtvmathrng() {}
+void TLTerminate_libtvmathrng() {}
