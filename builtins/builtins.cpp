@@ -1,5 +1,7 @@
 #include "builtins/builtins.h"
 
+#include "builtins/integers.h"
+#include "builtins/permutations.h"
 #include "builtins/policy.h"
 #include "builtins/sampling.h"
 
@@ -11,4 +13,12 @@ void mathrngRandFcn(int nlhs, txArrayPtr* plhs, int nrhs, txArray const** prhs) 
 
 void mathrngRandnFcn(int nlhs, txArrayPtr* plhs, int nrhs, txArray const** prhs) {
   sample<Normal, Builtin<RandnKeys>>(nlhs, plhs, nrhs, prhs);
+}
+
+void mathrngRandiFcn(int nlhs, txArrayPtr* plhs, int nrhs, txArray const** prhs) {
+  sampleIntegers<Builtin<RandiKeys>>(nlhs, plhs, nrhs, prhs);
+}
+
+void mathrngRandpermFcn(int nlhs, txArrayPtr* plhs, int nrhs, txArray const** prhs) {
+  samplePermutation<Builtin<RandpermKeys>>(nlhs, plhs, nrhs, prhs);
 }

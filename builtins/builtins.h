@@ -13,6 +13,20 @@ TV_EXPORT void mathrngRandFcn(int nlhs, txArrayPtr* plhs, int nrhs, txArray cons
 // The same with standard normals; a complex one has variance 1.
 TV_EXPORT void mathrngRandnFcn(int nlhs, txArrayPtr* plhs, int nrhs, txArray const** prhs);
 
+// x = randi(imax, ...), randi([imin imax], ...): integers of [1, imax] or [imin, imax], with sizes,
+// class name or prototype as above; any class but int64 and uint64.
+TV_EXPORT void mathrngRandiFcn(int nlhs, txArrayPtr* plhs, int nrhs, txArray const** prhs);
+// x = randperm(n): a permutation of 1..n. x = randperm(n, k): k distinct values of 1..n.
+TV_EXPORT void mathrngRandpermFcn(int nlhs, txArrayPtr* plhs, int nrhs, txArray const** prhs);
+
+// One integer of [1, imax], or of the limits [imin imax]. Errors: those of randi's limits.
+TV_EXPORT double mathrngRandiVariant(double imax);
+TV_EXPORT double mathrngRandiVariant(matrix::typed_row_vector<double> const* limits);
+// As randperm(n) and randperm(n, k). For the first a negative n counts as 0 and a fraction is
+// "TALVOR:NonIntegerInput".
+TV_EXPORT txArrayPtr randVariant(double n);
+TV_EXPORT txArrayPtr randVariant(double n, double k);
+
 namespace mathrng {
 
 // Double arrays from the global stream: n-by-n, m-by-n, or with the dimensions of a row of sizes. A

@@ -4,7 +4,7 @@
 #include <string_view>
 
 #include "host/settings.h"
-#include "tfl_rng/from_double.h"
+#include "host/tfl_rng.h"
 
 namespace {
 

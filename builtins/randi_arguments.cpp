@@ -1,0 +1,56 @@
+#include "builtins/randi_arguments.h"
+
+#include "builtins/arguments.h"
+#include "errors/keys.h"
+#include "rng/element_types.h"
+
+namespace builtins {
+
+Limits parseLimits(txArray const& limits, void (*invalid)(int position), int position) {
+  if (!isNumericOrLogical(limits) || limits.isComplex()) invalid(position);
+  if (limits.isScalar()) return {1, limits.scalarAsDouble()};
+  if (limits.numel() != 2) invalid(position);
+  txArrayPtr const full = txToFull(limits);
+  txArrayPtr const values = txToDouble(*full);
+  double const* const pair = values->dataAs<double>();
+  return {pair[0], pair[1]};
+}
+
+void checkRange(Limits const& limits, int position) {
+  namespace keys = TALVOR::RandStream::randi;
+  using foundation::core::except::Exception;
+  try {
+    checkRandiLimits(limits.low, limits.high);
+  } catch (Exception<keys::invalidLimits> const& error) {
+    errors::raise(error.key(), position);
+  } catch (Exception<keys::LimitsTooLarge> const& error) {
+    errors::raise(error.key(), position);
+  } catch (Exception<keys::RangeTooLarge> const& error) {
+    errors::raise(error.key(), position);
+  }
+}
+
+bool isIntegerElement(txClassID classID) noexcept {
+  switch (classID) {
+#define RNG_ELEMENT(type, class_) case class_:
+    RNG_INTEGER_ELEMENTS(RNG_ELEMENT)
+#undef RNG_ELEMENT
+    return true;
+    default:
+      return false;
+  }
+}
+
+void fillIntegers(randstream& stream, Limits const& limits, txArray& result, unsigned long n) {
+  switch (result.classID()) {
+#define RNG_ELEMENT(type, class_) \
+  case class_:                    \
+    return stream.randiFcn(limits.low, limits.high, result.dataAs<type>(), n);
+    RNG_INTEGER_ELEMENTS(RNG_ELEMENT)
+#undef RNG_ELEMENT
+    default:
+      return;
+  }
+}
+
+}  // namespace builtins
