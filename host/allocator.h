@@ -4,7 +4,9 @@
 // (arrays, streams, strings) comes from it and goes back to it.
 
 #include <cstddef>
+#include <limits>
 #include <memory>
+#include <type_traits>
 
 #include "host/export.h"
 
@@ -27,5 +29,7 @@ template <class T>
 txBuffer<T> txMakeBuffer(std::size_t count) {
   static_assert(std::is_trivially_default_constructible_v<T> &&
                 std::is_trivially_destructible_v<T>);
-  return txBuffer<T>(static_cast<T*>(txMallocEx(count * sizeof(T))));
+  // A count beyond the address space becomes the largest request, which fails as any other.
+  constexpr std::size_t kMost = std::numeric_limits<std::size_t>::max() / sizeof(T);
+  return txBuffer<T>(static_cast<T*>(txMallocEx((count < kMost ? count : kMost) * sizeof(T))));
 }

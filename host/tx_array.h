@@ -66,13 +66,15 @@ class TV_EXPORT txArray {
   // Elements of a full numeric, logical (1 byte) or char (2 bytes) array in column order;
   // complex ones are stored as (real, imaginary) pairs. Null for all other arrays.
   void const* data() const noexcept;
-  void* data() noexcept;
+  // The same for writing. Elements shared with other arrays are copied first, which may end with
+  // "TALVOR:nomem".
+  void* data();
   template <class T>
   T const* dataAs() const noexcept {
     return static_cast<T const*>(data());
   }
   template <class T>
-  T* dataAs() noexcept {
+  T* dataAs() {
     return static_cast<T*>(data());
   }
 
@@ -88,8 +90,9 @@ class TV_EXPORT txArray {
     return classID() == txClassChar || classID() == txClassString;
   }
 
-  // Element `index` (from 0) of a cell array; null when that element was never set.
+  // Element `index` (from 0) of a cell array; null when that element was never set or is none.
   txArray const* cell(std::uint64_t index) const noexcept;
+  // An index beyond the array is the host error "TALVOR:array:IndexOutOfRange".
   void setCell(std::uint64_t index, txArrayPtr value);
 
  protected:
@@ -97,15 +100,18 @@ class TV_EXPORT txArray {
   ~txArray() = default;
 };
 
-// Creation. Failure to allocate is the host error "TALVOR:nomem" and leaves nothing behind.
+// Creation. Failure to allocate is the host error "TALVOR:nomem" and leaves nothing behind; more
+// elements than the machine's memory holds are "TALVOR:array:SizeLimitExceeded", before anything is
+// allocated.
 
 // A full array of a numeric class or of class logical with uninitialised elements.
 TV_EXPORT txArrayPtr txCreateUninitialized(std::span<const std::uint64_t> dims, txClassID classID,
                                            txComplexity complexity = txComplexity::real);
 TV_EXPORT txArrayPtr txCreateDouble(double value);
 TV_EXPORT txArrayPtr txCreateLogical(bool value);
-TV_EXPORT txArrayPtr txCreateText(std::string_view ascii);       // char row vector
-TV_EXPORT txArrayPtr txCreateText(std::u16string_view text);     // char row vector
+// Char row vectors; the empty text is 0-by-0.
+TV_EXPORT txArrayPtr txCreateText(std::string_view ascii);
+TV_EXPORT txArrayPtr txCreateText(std::u16string_view text);
 TV_EXPORT txArrayPtr txCreateCell(std::span<const std::uint64_t> dims);
 // Another owner of the same value.
 TV_EXPORT txArrayPtr txShare(txArray const& array);
@@ -117,7 +123,8 @@ TV_EXPORT txArrayPtr txToFull(txArray const& array);
 // The value as a full double array, element by element; complexity is kept. Text converts to its
 // code units. Arrays without a double conversion are the host error "TALVOR:invalidConversion".
 TV_EXPORT txArrayPtr txToDouble(txArray const& array);
-// A scalar's truth value; NaN and non-convertible values are host errors.
+// A scalar's truth value. Host errors: "TALVOR:logical:NotScalar", "TALVOR:logical:NaN",
+// "TALVOR:logical:Complex", "TALVOR:invalidConversion".
 TV_EXPORT bool txToLogical(txArray const& array);
 // A char array's elements as a NUL-terminated narrow string from the host's allocator (code units
 // above 255 become '?'); null when the array is not char. Released with txFreeEx.
@@ -134,13 +141,17 @@ TV_EXPORT txArrayPtr txGetProperty(txArray const& object, std::string_view name)
 
 // Sizes and indices as arguments; the host owns their rules and errors.
 
-// Turns size arguments into dimensions: one argument is a size vector, two or more are one
-// dimension each. Negative values count as 0; a fraction, NaN or an infinity is an error.
-// Returns the number of dimensions; only the first `capacity` are written, so that a caller whose
-// buffer was too small asks again with a larger one. One scalar n means n-by-n: {n, n}.
+// Turns size arguments (numeric, logical or objects over such arrays) into dimensions: one argument
+// is a size vector, two or more are one dimension each. One scalar n means n-by-n: {n, n}; an empty
+// size vector means 0-by-0. Negative values count as 0. Returns the number of dimensions; only the
+// first `capacity` are written, so that a caller whose buffer was too small asks again with a larger
+// one. Host errors: "TALVOR:size:NotNumeric", "TALVOR:size:NotReal", "TALVOR:size:NotVector",
+// "TALVOR:size:NotScalar", "TALVOR:size:NotFinite", "TALVOR:size:NotWhole", "TALVOR:size:TooLarge".
 TV_EXPORT std::size_t txGetDims(std::size_t nArgs, txArray const* const* args,
                                 std::uint64_t* dims, std::size_t capacity);
-// A non-negative double as an integer, truncated; too large a value or NaN is an error.
+// A non-negative double as an integer, truncated. Host errors: "TALVOR:index:Negative",
+// "TALVOR:index:TooLarge" (2^53 and beyond), "TALVOR:index:NaN".
 TV_EXPORT std::uint64_t txCheckIndex(double value);
-// Checks that argument `position` (from 1) is a real scalar whole number >= 0 and returns it.
+// Checks that argument `position` (from 1) is a real scalar whole number from 0 to 2^53 - 1 and
+// returns it. Host errors: "TALVOR:index:NotIndex", "TALVOR:index:TooLarge".
 TV_EXPORT std::uint64_t txArgMustBeIndices(txArray const& array, int position);

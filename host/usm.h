@@ -1,7 +1,9 @@
 #pragma once
 
 // The host's per-VM state manager: one store of records for each virtual machine. A record is
-// reached only from its VM's thread; the manager destroys the records when the VM ends.
+// reached only from its VM's thread; the manager destroys the records, newest first, when the VM
+// ends. On a thread without a VM there are no records, and making one is the host error
+// "TALVOR:vm:NoVirtualMachine".
 
 #include <cstddef>
 #include <typeinfo>

@@ -1,0 +1,112 @@
+#include "embedded_host/dispatcher.h"
+
+#include <algorithm>
+
+#include "embedded_host/text.h"
+#include "embedded_host/vm_context.h"
+#include "host/tcos.h"
+#include "host/tdispatcher.h"
+
+namespace embedded_host {
+
+namespace {
+
+// The number of insertions, deletions, replacements and swaps of neighbours between two names.
+std::size_t editDistance(std::string_view a, std::string_view b) {
+  std::vector<std::vector<std::size_t>> cost(a.size() + 1, std::vector<std::size_t>(b.size() + 1));
+  for (std::size_t i = 0; i <= a.size(); ++i) {
+    for (std::size_t j = 0; j <= b.size(); ++j) {
+      if (i == 0 || j == 0) {
+        cost[i][j] = i + j;
+        continue;
+      }
+      std::size_t const replaced = equalIgnoringAsciiCase(a.substr(i - 1, 1), b.substr(j - 1, 1));
+      cost[i][j] = std::min({cost[i - 1][j] + 1, cost[i][j - 1] + 1,
+                             cost[i - 1][j - 1] + (replaced ? 0 : 1)});
+      if (i > 1 && j > 1 && a[i - 1] == b[j - 2] && a[i - 2] == b[j - 1]) {
+        cost[i][j] = std::min(cost[i][j], cost[i - 2][j - 2] + 1);
+      }
+    }
+  }
+  return cost[a.size()][b.size()];
+}
+
+}  // namespace
+
+void Functions::add(std::string name, Function function) {
+  functions_.insert_or_assign(std::move(name), std::move(function));
+}
+
+bool Functions::remove(std::string_view name) {
+  auto const found = functions_.find(name);
+  if (found == functions_.end()) return false;
+  functions_.erase(found);
+  return true;
+}
+
+Function const* Functions::find(std::string_view name) const {
+  auto const found = functions_.find(name);
+  return found == functions_.end() ? nullptr : &found->second;
+}
+
+std::vector<std::string> Functions::names() const {
+  std::vector<std::string> result;
+  result.reserve(functions_.size());
+  for (auto const& [name, function] : functions_) result.push_back(name);
+  return result;
+}
+
+void callFunction(Function const& function, int nlhs, txArrayPtr* plhs,
+                  std::span<txArray const* const> args) {
+  // The builtin signature lets a callee replace its argument pointers, so it gets its own.
+  constexpr std::size_t kFew = 8;
+  txArray const* few[kFew];
+  std::vector<txArray const*> many(args.size() > kFew ? args.size() : 0);
+  txArray const** const own = many.empty() ? few : many.data();
+  std::copy(args.begin(), args.end(), own);
+  function(nlhs, plhs, static_cast<int>(args.size()), own);
+}
+
+bool dispatch(std::string_view name, int nlhs, txArrayPtr* plhs,
+              std::span<txArray const* const> args) {
+  for (txArray const* argument : args) {
+    ClassPtr const definition = classOf(*argument);
+    if (!definition) continue;
+    auto const method = definition->methods.find(name);
+    if (method == definition->methods.end()) continue;
+    callFunction(method->second, nlhs, plhs, args);
+    return true;
+  }
+  return Tdispatcher::call(name, nlhs, plhs, args);
+}
+
+std::string closestName(std::string_view name, std::span<std::string const> known) {
+  constexpr std::size_t kMostEdits = 2;
+  std::string_view best;
+  std::size_t fewest = std::min(kMostEdits, (name.size() - 1) / 2) + 1;
+  if (name.empty()) return {};
+  for (std::string const& candidate : known) {
+    std::size_t const edits = editDistance(name, candidate);
+    if (edits >= fewest) continue;
+    fewest = edits;
+    best = candidate;
+  }
+  return std::string(best);
+}
+
+}  // namespace embedded_host
+
+bool Tdispatcher::call(std::string_view name, int nlhs, txArrayPtr* plhs,
+                       std::span<txArray const* const> args) {
+  using namespace embedded_host;
+  VmContext* const vm = VmContext::current();
+  if (!vm) return false;
+  if (Function const* const function = vm->functions().find(name)) {
+    callFunction(*function, nlhs, plhs, args);
+    return true;
+  }
+  ClassPtr const definition = vm->classes().find(name);
+  if (!definition || !definition->constructor) return false;
+  callFunction(definition->constructor, nlhs, plhs, args);
+  return true;
+}

@@ -1,0 +1,49 @@
+#pragma once
+
+// The functions of one VM by name: what Tdispatcher (host/tdispatcher.h) calls.
+
+#include <functional>
+#include <map>
+#include <span>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "host/export.h"
+#include "host/tx_array.h"
+
+namespace embedded_host {
+
+// A builtin or native method; any callable of the builtin signature, a plain txBuiltin included.
+using Function = std::function<void(int nlhs, txArrayPtr* plhs, int nrhs, txArray const** prhs)>;
+
+class TV_EXPORT Functions {
+ public:
+  // Adds or replaces.
+  void add(std::string name, Function function);
+  // Returns false when there was none.
+  bool remove(std::string_view name);
+  // Null when there is none. The function stays alive while it is in the table.
+  Function const* find(std::string_view name) const;
+  // In alphabetical order.
+  std::vector<std::string> names() const;
+
+ private:
+  std::map<std::string, Function, std::less<>> functions_;
+};
+
+// Calls with the arguments in the form that the builtin signature wants.
+TV_EXPORT void callFunction(Function const& function, int nlhs, txArrayPtr* plhs,
+                            std::span<txArray const* const> args);
+
+// What a call name(args...) in the host language means: the method of the first argument that is an
+// object whose class has that method, else the function, else the constructor of the class of that
+// name. Returns false, with nothing called, when there is none.
+TV_EXPORT bool dispatch(std::string_view name, int nlhs, txArrayPtr* plhs,
+                        std::span<txArray const* const> args);
+
+// The known name closest to `name` (at most two edits, and fewer than half of its letters), for
+// "did you mean" texts; empty when none is close.
+TV_EXPORT std::string closestName(std::string_view name, std::span<std::string const> known);
+
+}  // namespace embedded_host

@@ -1,0 +1,56 @@
+// Elements of full arrays: inside the array or in a shared block.
+
+#include <cstring>
+#include <new>
+
+#include "embedded_host/array_impl.h"
+
+namespace embedded_host {
+
+Elements::Elements(std::size_t bytes) : bytes_(bytes) {
+  if (!isInside()) block_ = new (txMallocEx(sizeof(Block) + bytes)) Block;
+}
+
+Elements::Elements(Elements const& other) noexcept : bytes_(other.bytes_) {
+  if (isInside()) {
+    std::memcpy(inside_, other.inside_, bytes_);
+  } else {
+    block_ = other.block_;
+    block_->owners.fetch_add(1, std::memory_order_relaxed);
+  }
+}
+
+Elements::Elements(Elements&& other) noexcept : bytes_(other.bytes_) {
+  if (isInside()) {
+    std::memcpy(inside_, other.inside_, bytes_);
+  } else {
+    block_ = other.block_;
+    other.bytes_ = 0;
+  }
+}
+
+Elements& Elements::operator=(Elements other) noexcept {
+  this->~Elements();
+  return *new (this) Elements(std::move(other));
+}
+
+Elements::~Elements() {
+  if (isInside()) return;
+  if (block_->owners.fetch_sub(1, std::memory_order_acq_rel) == 1) txFreeEx(block_);
+}
+
+void const* Elements::data() const noexcept {
+  return isInside() ? static_cast<void const*>(inside_) : block_ + 1;
+}
+
+void* Elements::writable() {
+  if (isInside()) return inside_;
+  if (block_->owners.load(std::memory_order_acquire) != 1) {
+    Elements own(bytes_);
+    std::memcpy(own.block_ + 1, block_ + 1, bytes_);
+    *this = std::move(own);
+  }
+  return block_ + 1;
+}
+
+}  // namespace embedded_host
