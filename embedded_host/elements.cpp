@@ -47,7 +47,7 @@ void* Elements::writable() {
   if (isInside()) return inside_;
   if (block_->owners.load(std::memory_order_acquire) != 1) {
     Elements own(bytes_);
-    std::memcpy(own.block_ + 1, block_ + 1, bytes_);
+    std::memcpy(own.writable(), data(), bytes_);
     *this = std::move(own);
   }
   return block_ + 1;

@@ -5,6 +5,7 @@
 #include <toml++/toml.h>
 
 #include <algorithm>
+#include <charconv>
 #include <functional>
 #include <map>
 
@@ -25,7 +26,21 @@ namespace {
 struct Message {
   std::string text;
   std::string hint;
+  std::size_t arguments;  // one more than the highest {0}, {1}, ... of both
 };
+
+std::size_t countArguments(std::string_view pattern) {
+  std::size_t count = 0;
+  for (std::size_t at = pattern.find('{'); at != std::string_view::npos;
+       at = pattern.find('{', at + 1)) {
+    std::size_t number = 0;
+    if (std::from_chars(pattern.data() + at + 1, pattern.data() + pattern.size(), number).ec ==
+        std::errc()) {
+      count = std::max(count, number + 1);
+    }
+  }
+  return count;
+}
 
 // The catalogue by identifier. The file groups its rows by path: a table "path" holds key.text and
 // key.hint, or `same = "other path"`, which gives it that path's rows where it has none of its own.
@@ -49,6 +64,12 @@ class Catalogue {
     return row == rows_.end() ? nullptr : &row->second;
   }
 
+  // The row of an identifier that comes with the arguments it needs. Null without one.
+  Message const* find(MessageId const& id) const {
+    Message const* const message = find(id.identifier());
+    return message && message->arguments <= id.arguments().size() ? message : nullptr;
+  }
+
   std::vector<std::string> identifiers() const {
     std::vector<std::string> result;
     for (auto const& [identifier, message] : rows_) result.push_back(identifier);
@@ -70,10 +91,10 @@ class Catalogue {
     for (auto const& [key, node] : rows) {
       toml::table const* const row = node.as_table();
       if (!row) continue;  // same = ...
+      std::string const text = (*row)["text"].value_or(std::string());
+      std::string const hint = (*row)["hint"].value_or(std::string());
       rows_.try_emplace(std::string(path) + ':' + std::string(key.str()),
-                        Message{row->get("text")->value_or(std::string()),
-                                row->contains("hint") ? row->get("hint")->value_or(std::string())
-                                                      : std::string()});
+                        Message{text, hint, countArguments(text + hint)});
     }
   }
 
@@ -81,7 +102,7 @@ class Catalogue {
 };
 
 // Fills {0}, {1}, ... with the arguments and {family} with the last part of the path: the function,
-// generator or method that the identifier belongs to.
+// generator or method that the identifier belongs to. Needs all arguments that the pattern has.
 std::string fillIn(std::string const& pattern, MessageId const& id) {
   fmt::dynamic_format_arg_store<fmt::format_context> values;
   for (Argument const& argument : id.arguments()) {
@@ -109,22 +130,15 @@ bool hasMessage(std::string_view identifier) {
 }
 
 std::string renderHint(MessageId const& id) {
-  Message const* const message = Catalogue::instance().find(id.identifier());
+  Message const* const message = Catalogue::instance().find(id);
   return message ? fillIn(message->hint, id) : std::string();
 }
 
 std::vector<std::string> messageIdentifiers() { return Catalogue::instance().identifiers(); }
 
-int messageArguments(std::string_view identifier) {
+std::size_t messageArguments(std::string_view identifier) {
   Message const* const message = Catalogue::instance().find(identifier);
-  if (!message) return 0;
-  std::string const both = message->text + message->hint;
-  int count = 0;
-  for (std::size_t at = both.find('{'); at != std::string::npos; at = both.find('{', at + 1)) {
-    char const next = both[at + 1];
-    if (next >= '0' && next <= '9') count = std::max(count, next - '0' + 1);
-  }
-  return count;
+  return message ? message->arguments : 0;
 }
 
 HostKey::HostKey(std::string_view identifier, std::vector<Argument> arguments)
@@ -138,11 +152,6 @@ void raiseHostKey(HostKey const& key) { txErrMsgId(key); }
 
 std::string renderMessage(MessageId const& id) {
   using namespace embedded_host;
-  Message const* const message = Catalogue::instance().find(id.identifier());
-  if (!message) return bareText(id);
-  try {
-    return fillIn(message->text, id);
-  } catch (fmt::format_error const&) {
-    return bareText(id);
-  }
+  Message const* const message = Catalogue::instance().find(id);
+  return message ? fillIn(message->text, id) : bareText(id);
 }

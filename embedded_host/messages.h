@@ -25,7 +25,7 @@ TV_EXPORT std::string renderHint(foundation::core::except::MessageId const& id);
 TV_EXPORT std::vector<std::string> messageIdentifiers();
 
 // The number of {0}, {1}, ... that the identifier's text and hint use: one more than the highest.
-TV_EXPORT int messageArguments(std::string_view identifier);
+TV_EXPORT std::size_t messageArguments(std::string_view identifier);
 
 // The key type of the host's own errors.
 class TV_EXPORT HostKey final : public foundation::core::except::MessageId {
