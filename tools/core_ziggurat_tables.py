@@ -1,7 +1,7 @@
 #!/usr/bin/env python3
 """Prints the tables of the core generators' normal ziggurat, computed with 60 digits.
 
-    tools/core_ziggurat_tables.py | clang-format > tfl_rng/core_ziggurat_tables.h
+    tools/core_ziggurat_tables.py > tfl_rng/core_ziggurat_tables.h
 
 256 layers of equal area v under f(x) = exp(-x^2/2). The tail start r is the one for which the
 layers, built from the tail up, close exactly at the peak.
@@ -49,6 +49,7 @@ def main():
     x = [mpf(0)] + list(edges(r, LAYERS - 2))[::-1] + [area(r) / f(r)]
     print("#pragma once\n")
     print("// Tables of core_ziggurat.h. Written by tools/core_ziggurat_tables.py.\n")
+    print("// clang-format off\n")
     print("namespace tfl_rng::ziggurat {\n")
     print(f"inline constexpr double kTailStart = {float(r).hex()};")
     print(f"inline constexpr double kInverseTailStart = {float(1 / r).hex()};\n")

@@ -1,0 +1,111 @@
+// The twisters' ziggurat: its tables, and the distribution of its normals.
+
+#include "tfl_rng/core_ziggurat.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cmath>
+#include <vector>
+
+#include "tests/support/known_answers.h"
+#include "tfl_rng/dsfmt19937.h"
+#include "tfl_rng/mt19937ar.h"
+
+namespace {
+
+using namespace tfl_rng;
+
+// Columns 4 and 5 of the file hold the exact construction to 25 digits.
+TEST(CoreZiggurat, TablesAreTheExactConstructionRounded) {
+  const auto rows = known_answers::block("ziggurat256.txt", "").rows;
+  ASSERT_EQ(rows.size(), 257u);
+  for (std::size_t i = 0; i < rows.size(); ++i) {
+    EXPECT_EQ(ziggurat::kX[i], std::stod(rows[i][3])) << i;
+    EXPECT_EQ(ziggurat::kF[i], std::stod(rows[i][4])) << i;
+  }
+  EXPECT_EQ(ziggurat::kTailStart, ziggurat::kX[255]);
+  EXPECT_NEAR(ziggurat::kInverseTailStart * ziggurat::kTailStart, 1, 0x1p-52);
+}
+
+double distribution(double x) { return 0.5 * std::erfc(-x * std::sqrt(0.5)); }
+
+template <class Core>
+class NativeNormals : public testing::Test {
+ protected:
+  static constexpr std::size_t kCount = 4'000'000;
+
+  NativeNormals() : values(kCount) { Core(20240607, true).randn(values.data(), kCount); }
+
+  std::vector<double> values;
+};
+
+using Twisters = testing::Types<mt19937ar, dsfmt19937>;
+TYPED_TEST_SUITE(NativeNormals, Twisters);
+
+// Bins of equal probability; chi-square with many degrees of freedom is close to normal.
+TYPED_TEST(NativeNormals, AreSpreadLikeTheNormalDistribution) {
+  constexpr int kBins = 2000;
+  std::vector<double> counts(kBins);
+  for (double value : this->values)
+    ++counts[std::min(kBins - 1, static_cast<int>(distribution(value) * kBins))];
+  const double expected = static_cast<double>(this->kCount) / kBins;
+  double chiSquare = 0;
+  for (double count : counts) chiSquare += (count - expected) * (count - expected) / expected;
+  EXPECT_NEAR(chiSquare, kBins - 1, 4 * std::sqrt(2.0 * (kBins - 1)));
+}
+
+TYPED_TEST(NativeNormals, HaveTheRightMoments) {
+  double sums[5] = {};
+  for (double value : this->values) {
+    double power = 1;
+    for (double& sum : sums) sum += power, power *= value;
+  }
+  const double n = sums[0];
+  const double deviations = 4 / std::sqrt(n);
+  EXPECT_NEAR(sums[1] / n, 0, deviations);
+  EXPECT_NEAR(sums[2] / n, 1, deviations * std::sqrt(2.0));
+  EXPECT_NEAR(sums[3] / n, 0, deviations * std::sqrt(15.0));
+  EXPECT_NEAR(sums[4] / n, 3, deviations * std::sqrt(96.0));
+}
+
+// The tail is drawn by another method than the rest: its weight on both sides, and within it the
+// conditional distribution (Kolmogorov-Smirnov).
+TYPED_TEST(NativeNormals, HaveTheRightTail) {
+  const double start = ziggurat::kTailStart;
+  const double weight = 2 * distribution(-start);
+  std::vector<double> tail;
+  double left = 0;
+  for (double value : this->values) {
+    if (std::fabs(value) <= start) continue;
+    tail.push_back(1 - 2 * distribution(-std::fabs(value)) / weight);
+    left += value < 0;
+  }
+  const double expected = weight * static_cast<double>(this->kCount);
+  const double count = static_cast<double>(tail.size());
+  EXPECT_NEAR(count, expected, 4 * std::sqrt(expected));
+  EXPECT_NEAR(left, count / 2, 2 * std::sqrt(count));
+  std::sort(tail.begin(), tail.end());
+  double distance = 0;
+  for (std::size_t i = 0; i < tail.size(); ++i)
+    distance = std::max({distance, tail[i] - static_cast<double>(i) / count,
+                         static_cast<double>(i + 1) / count - tail[i]});
+  EXPECT_LT(distance * std::sqrt(count), 1.95);  // one in a thousand
+}
+
+// Candidates that are rejected for ever end in an error instead of a hang.
+struct Stuck {
+  std::uint32_t layer;
+  double u;
+  ziggurat::Candidate candidate() const { return {layer, false, 1 - 0x1p-53}; }
+  double uniform() const { return u; }
+};
+
+TEST(CoreZiggurat, EndlessRejectionEnds) {
+  Stuck wedge{100, 1 - 0x1p-53};
+  EXPECT_THROW(ziggurat::normal(wedge), RejectionLimit);
+  Stuck tail{ziggurat::kBaseLayer, 0x1p-53};
+  EXPECT_THROW(ziggurat::normal(tail), RejectionLimit);
+}
+
+}  // namespace

@@ -1,0 +1,270 @@
+// mt19937ar and dsfmt19937 against their published outputs, and what holds for both.
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <bit>
+#include <cmath>
+#include <cstdio>
+#include <random>
+#include <string>
+#include <vector>
+
+#include "tests/support/known_answers.h"
+#include "tfl_rng/dsfmt19937.h"
+#include "tfl_rng/mt19937ar.h"
+
+namespace {
+
+using tfl_rng::dsfmt19937;
+using tfl_rng::mt19937ar;
+
+template <class Core>
+std::vector<double> draw(Core& core, std::size_t n) {
+  std::vector<double> values(n);
+  core.randu(values.data(), n);
+  return values;
+}
+
+// A core that stands right after the published seeding.
+template <class Core>
+Core seeded(std::uint32_t seed, bool fullPrecision = true) {
+  Core core(1, fullPrecision);
+  core.setState(Core::seeded(seed));
+  return core;
+}
+
+// A block that starts with "<name> <seed>" gives its seed, others nothing.
+bool seedOf(known_answers::Block const& block, char const* name, std::uint32_t& seed) {
+  char rest;
+  return std::sscanf(block.title.c_str(), (std::string(name) + " %u%c").c_str(), &seed, &rest) >= 1;
+}
+
+// The words behind doubles of reduced precision, (w + 0.5) * 2^-32.
+std::vector<std::uint64_t> wordsOf(std::vector<double> const& values) {
+  std::vector<std::uint64_t> words;
+  for (double value : values) words.push_back(static_cast<std::uint64_t>(value * 0x1p32 - 0.5));
+  return words;
+}
+
+TEST(Mt19937ar, PublishedWords) {
+  int blocks = 0;
+  for (auto const& block : known_answers::read("mt19937_u32.txt")) {
+    std::uint32_t seed = 0;
+    if (!seedOf(block, "init_genrand", seed)) continue;
+    const auto expected = block.words(16);
+    auto core = seeded<mt19937ar>(seed, false);
+    EXPECT_EQ(wordsOf(draw(core, expected.size())), expected) << block.title;
+    ++blocks;
+  }
+  EXPECT_EQ(blocks, 6);
+}
+
+TEST(Mt19937ar, PublishedWordFarOut) {
+  auto core = seeded<mt19937ar>(5489, false);
+  EXPECT_EQ(wordsOf(draw(core, 10000)).back(),
+            known_answers::block("mt19937_u32.txt", "nth init_genrand 5489").words(16)[0]);
+}
+
+TEST(Mt19937ar, PublishedSeeding) {
+  const auto expected =
+      known_answers::block("mt19937_u32.txt", "state init_genrand 5489").words(16);
+  const auto state = mt19937ar::seeded(5489);
+  EXPECT_TRUE(std::ranges::equal(state.words, expected));
+  EXPECT_EQ(state.position, mt19937ar::kWords);
+}
+
+TEST(Mt19937ar, PublishedDoubles) {
+  int blocks = 0;
+  for (auto const& block : known_answers::read("mt19937_res53.txt")) {
+    std::uint32_t seed = 0;
+    if (!seedOf(block, "res53 init_genrand", seed)) continue;
+    const auto expected = block.doubles();
+    auto core = seeded<mt19937ar>(seed);
+    EXPECT_EQ(draw(core, expected.size()), expected) << block.title;
+    ++blocks;
+  }
+  EXPECT_EQ(blocks, 4);
+}
+
+TEST(Mt19937ar, SeedZeroIsThePublishedDefault) {
+  EXPECT_EQ(mt19937ar(0, true).state(), mt19937ar::seeded(5489));
+  mt19937ar core(7, true);
+  core.reset(0);
+  EXPECT_EQ(core.state(), mt19937ar::seeded(5489));
+  core.reset(7);
+  EXPECT_EQ(core.state(), mt19937ar::seeded(7));
+}
+
+TEST(Mt19937ar, DoublesStayInsideTheOpenInterval) {
+  mt19937ar::State state{};  // tempering keeps 0, and this word becomes 0xffffffff
+  state.words[2] = state.words[3] = 0x12dd9bb3;
+  state.position = 0;
+  auto core = seeded<mt19937ar>(1, false);
+  core.setState(state);
+  const auto reduced = draw(core, 4);
+  EXPECT_EQ(reduced[0], 0x1p-33);
+  ASSERT_EQ(wordsOf(reduced)[2], 0xffffffffu);
+  EXPECT_EQ(reduced[2], 1 - 0x1p-33);
+  core.setState(state);
+  core.setFullPrecision(true);
+  EXPECT_EQ(draw(core, 2), (std::vector<double>{0x1p-53, 1 - 0x1p-53}));
+}
+
+double openOpen(std::uint64_t word) { return std::bit_cast<double>(word | 1) - 1; }
+
+TEST(Dsfmt19937, PublishedWords) {
+  int blocks = 0;
+  for (auto const& block : known_answers::read("dsfmt19937_words.txt")) {
+    std::uint32_t seed = 0;
+    if (!seedOf(block, "init_gen_rand", seed)) continue;
+    std::vector<double> expected;
+    for (std::uint64_t word : block.words(16)) expected.push_back(openOpen(word));
+    for (bool full : {true, false}) {
+      auto core = seeded<dsfmt19937>(seed, full);
+      EXPECT_EQ(draw(core, expected.size()), expected) << block.title;
+    }
+    ++blocks;
+  }
+  EXPECT_EQ(blocks, 5);
+}
+
+TEST(Dsfmt19937, PublishedWordFarOut) {
+  for (std::uint32_t seed : {0u, 5489u}) {
+    const auto block = known_answers::block("dsfmt19937_words.txt",
+                                            "nth init_gen_rand " + std::to_string(seed) + " ");
+    auto core = seeded<dsfmt19937>(seed);
+    EXPECT_EQ(draw(core, 100000).back(), openOpen(block.words(16)[0]));
+  }
+}
+
+TEST(Dsfmt19937, PublishedSeeding) {
+  for (std::uint32_t seed : {0u, 5489u}) {
+    const auto block = known_answers::block("dsfmt19937_words.txt",
+                                            "state init_gen_rand " + std::to_string(seed) + " ");
+    const dsfmt19937 core(seed, true);
+    EXPECT_TRUE(std::ranges::equal(core.state().words, block.words(16)));
+    EXPECT_EQ(core.state().position, dsfmt19937::kOutputs);
+  }
+}
+
+// The reference output as its authors print it: under "init_gen_rand(5) generated randoms (0, 1]"
+// rows of four values with 15 decimals.
+TEST(Dsfmt19937, PublishedReferenceOutput) {
+  int blocks = 0;
+  std::string interval;
+  dsfmt19937 core(1, true);
+  const auto block = known_answers::block("dsfmt19937_published_extract.txt", "");
+  for (auto const& row : block.rows) {
+    std::uint32_t seed = 0;
+    if (std::sscanf(row[0].c_str(), "init_gen_rand(%u)", &seed) == 1) {
+      interval = row[3] + row[4];
+      core = seeded<dsfmt19937>(seed);
+      ++blocks;
+    } else if (row[0] == "init_by_array") {
+      break;  // a seeding that the core does not have
+    } else if (blocks > 0) {
+      for (auto const& field : row) {
+        const double printed = std::stod(field);
+        const double uniform = interval == "[1,2)"   ? printed - 1
+                               : interval == "(0,1]" ? 1 - printed
+                                                     : printed;
+        ASSERT_NEAR(draw(core, 1)[0], uniform, 1e-15) << seed << interval;
+      }
+    }
+  }
+  EXPECT_EQ(blocks, 21);
+}
+
+TEST(Dsfmt19937, AnyStateIsKeptAndSafe) {
+  std::mt19937_64 bits(1);
+  for (std::uint32_t position : {0u, 381u, 382u, 383u, 765u, 0x7fffffffu, 0xffffffffu}) {
+    dsfmt19937::State state;
+    for (auto& word : state.words) word = bits();
+    state.words[5] = ~std::uint64_t{0};
+    state.words[6] = 0;
+    state.position = position;
+    for (auto& word : state.reserved) word = static_cast<std::uint32_t>(bits());
+    dsfmt19937 core(1, true);
+    core.setState(state);
+    core.randu(nullptr, 0);
+    EXPECT_EQ(core.state(), state);
+    for (double value : draw(core, 2000)) {
+      ASSERT_GT(value, 0);
+      ASSERT_LT(value, 1);
+    }
+    EXPECT_LE(core.state().position, dsfmt19937::kOutputs);
+    EXPECT_EQ(core.state().reserved, state.reserved);
+
+    // Beyond the table a position counts modulo its length and one.
+    dsfmt19937 reduced(1, true);
+    state.position %= dsfmt19937::kOutputs + 1;
+    reduced.setState(state);
+    draw(reduced, 2000);
+    EXPECT_EQ(core.state(), reduced.state());
+    std::vector<double> normals(2000);
+    core.randn(normals.data(), normals.size());
+    for (double value : normals) ASSERT_TRUE(std::isfinite(value));
+  }
+}
+
+template <class Core>
+class Twister : public testing::Test {};
+
+using Twisters = testing::Types<mt19937ar, dsfmt19937>;
+TYPED_TEST_SUITE(Twister, Twisters);
+
+// Sizes around the vector lengths of kernels and the batch lengths 312, 382 and 624, several times
+// round, so that every parity of the position occurs.
+std::vector<std::size_t> pieceSizes() {
+  std::vector<std::size_t> sizes;
+  for (std::size_t n = 0; n < 40; ++n) sizes.push_back(n);
+  for (std::size_t n : {100, 311, 312, 313, 381, 382, 383, 623, 624, 625, 764, 1247, 1, 5000, 3})
+    sizes.push_back(n);
+  return sizes;
+}
+
+TYPED_TEST(Twister, RequestsOfAnySizesGiveOneSequence) {
+  for (bool full : {true, false}) {
+    for (auto method : {&TypeParam::randu, &TypeParam::randn}) {
+      TypeParam parts(42, full), whole(42, full);
+      // In reduced precision a first odd draw leaves the normals an odd position.
+      draw(parts, 1);
+      draw(whole, 1);
+      std::vector<double> pieces;
+      for (std::size_t n : pieceSizes()) {
+        std::vector<double> piece(n + 1, -7);
+        (parts.*method)(piece.data(), n);
+        ASSERT_EQ(piece.back(), -7) << "written past the end of " << n;
+        pieces.insert(pieces.end(), piece.begin(), piece.end() - 1);
+      }
+      std::vector<double> expected(pieces.size());
+      (whole.*method)(expected.data(), expected.size());
+      EXPECT_EQ(pieces, expected);
+      EXPECT_EQ(parts.state(), whole.state());
+    }
+  }
+}
+
+TYPED_TEST(Twister, StateRestoresTheSequenceAtEveryPosition) {
+  for (bool full : {true, false}) {
+    TypeParam core(3, full), other(4, full);
+    for (int i = 0; i < 800; ++i) {
+      draw(core, 1);
+      other.setState(core.state());
+      TypeParam copy = core;
+      ASSERT_EQ(draw(other, 700), draw(copy, 700)) << i;
+      ASSERT_EQ(other.state(), copy.state());
+    }
+  }
+}
+
+TYPED_TEST(Twister, NormalsDoNotDependOnThePrecisionMode) {
+  TypeParam full(8, true), reduced(8, false);
+  std::vector<double> a(2000), b(2000);
+  full.randn(a.data(), a.size());
+  reduced.randn(b.data(), b.size());
+  EXPECT_EQ(a, b);
+}
+
+}  // namespace
