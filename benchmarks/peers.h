@@ -1,0 +1,145 @@
+#pragma once
+
+// Generators of other libraries in the form in which their users write them: a callable () that
+// returns one value.
+
+#ifdef __SSE2__
+#define HAVE_SSE2 1  // as libdsfmt is compiled in Debian on x86-64
+#endif
+#define DSFMT_MEXP 19937
+#include <dSFMT.h>
+#include <gsl/gsl_randist.h>
+#include <gsl/gsl_rng.h>
+
+#include <Random123/philox.h>
+#include <Random123/threefry.h>
+#include <Random123/uniform.hpp>
+#include <array>
+#include <boost/random/generate_canonical.hpp>
+#include <boost/random/mersenne_twister.hpp>
+#include <boost/random/normal_distribution.hpp>
+#include <boost/random/uniform_01.hpp>
+#include <cstdint>
+#include <cstring>
+#include <memory>
+#include <random>
+#include <utility>
+
+namespace peers {
+
+// A distribution of the standard library or of Boost with its engine.
+template <class Engine, class Distribution>
+struct Drawn {
+  Engine engine{};
+  Distribution distribution{};
+  auto operator()() { return distribution(engine); }
+};
+
+// 53 bits by hand from one 64-bit word or two 32-bit words.
+template <class Engine>
+struct ByHand53 {
+  Engine engine{};
+  double operator()() {
+    if constexpr (Engine::word_size == 64) {
+      return static_cast<double>(engine() >> 11) * 0x1p-53;
+    } else {
+      const std::uint64_t high = engine() >> 5;
+      const std::uint64_t low = engine() >> 6;
+      return static_cast<double>(high << 26 | low) * 0x1p-53;
+    }
+  }
+};
+
+template <class Real, int bits>
+struct BoostCanonical {
+  boost::random::mt19937 engine{};
+  Real operator()() { return boost::random::generate_canonical<Real, bits>(engine); }
+};
+
+// The standard library's minimal-standard engine with its usual conversion, one step a value.
+struct MinimalStandard {
+  std::minstd_rand0 engine{};
+  double operator()() { return static_cast<double>(engine()) * 4.656612875245797e-10; }
+};
+
+// The textbook form of L'Ecuyer's MRG32k3a in 64-bit integers (Operations Research 47, 1999).
+struct TextbookMrg32k3a {
+  static constexpr std::int64_t kM1 = 4294967087;
+  static constexpr std::int64_t kM2 = 4294944443;
+  std::array<std::int64_t, 3> x{12345, 12345, 12345};
+  std::array<std::int64_t, 3> y{12345, 12345, 12345};
+
+  double operator()() {
+    std::int64_t p = (1403580 * x[1] - 810728 * x[0]) % kM1;
+    if (p < 0) p += kM1;
+    x = {x[1], x[2], p};
+    std::int64_t q = (527612 * y[2] - 1370589 * y[0]) % kM2;
+    if (q < 0) q += kM2;
+    y = {y[1], y[2], q};
+    return static_cast<double>(p > q ? p - q : p - q + kM1) * 2.328306549295728e-10;
+  }
+};
+
+// A generator of GSL with one of its functions of a generator.
+template <double (*function)(gsl_rng const*)>
+class Gsl {
+ public:
+  explicit Gsl(gsl_rng_type const* type) : rng_(gsl_rng_alloc(type)) {}
+  double operator()() { return function(rng_.get()); }
+
+ private:
+  struct Free {
+    void operator()(gsl_rng* rng) const noexcept { gsl_rng_free(rng); }
+  };
+  std::unique_ptr<gsl_rng, Free> rng_;
+};
+inline double gslUniform(gsl_rng const* rng) { return gsl_rng_uniform(rng); }
+inline double gslNormal(gsl_rng const* rng) { return gsl_ran_gaussian_ziggurat(rng, 1.0); }
+
+// A counter generator of Random123: its blocks as 64-bit words, each one double.
+template <class Generator>
+class Random123 {
+ public:
+  void operator()(double* out, std::size_t n) {
+    constexpr std::size_t kWords = sizeof(typename Generator::ctr_type) / sizeof(std::uint64_t);
+    for (std::size_t i = 0; i < n; i += kWords) {
+      const auto block = generator_(counter_, key_);
+      counter_.incr();
+      std::array<std::uint64_t, kWords> words;
+      std::memcpy(words.data(), &block, sizeof block);
+      for (std::size_t k = 0; k < kWords && i + k < n; ++k)
+        out[i + k] = r123::u01<double>(words[k]);
+    }
+  }
+
+ private:
+  Generator generator_{};
+  typename Generator::ctr_type counter_{};
+  typename Generator::key_type key_{{1}};
+};
+
+// libdsfmt: whole arrays where it allows them, else one value at a time.
+class Dsfmt {
+ public:
+  Dsfmt() : state_(new dsfmt_t) { dsfmt_init_gen_rand(state_.get(), 0); }
+  void operator()(double* out, std::size_t n) {
+    if (n >= static_cast<std::size_t>(dsfmt_get_min_array_size()) && n % 2 == 0) {
+      dsfmt_fill_array_open_open(state_.get(), out, static_cast<int>(n));
+    } else {
+      for (std::size_t i = 0; i < n; ++i) out[i] = dsfmt_genrand_open_open(state_.get());
+    }
+  }
+
+ private:
+  std::unique_ptr<dsfmt_t> state_;
+};
+
+// Fills an array by calls of a generator.
+template <class Draw>
+auto filling(Draw draw) {
+  return [draw = std::move(draw)](auto* out, std::size_t n) mutable {
+    for (std::size_t i = 0; i < n; ++i) out[i] = draw();
+  };
+}
+
+}  // namespace peers
