@@ -70,6 +70,8 @@ void addMemory();
 void addUniform();
 void addNormal();
 void addOneValue();
+void addIntegers();
+void addPermutations();
 void addJumps();
 
 }  // namespace benchmarks

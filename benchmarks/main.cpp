@@ -5,6 +5,8 @@ int main(int argc, char** argv) {
   benchmarks::addUniform();
   benchmarks::addNormal();
   benchmarks::addOneValue();
+  benchmarks::addIntegers();
+  benchmarks::addPermutations();
   benchmarks::addJumps();
   benchmark::AddCustomContext("compiler", TV_BENCHMARK_COMPILER);
   benchmark::AddCustomContext("flags", TV_BENCHMARK_FLAGS_TEXT);
