@@ -31,19 +31,21 @@ def run(command, core):
     """Runs a benchmark program on one core and returns its JSON report."""
     with tempfile.TemporaryDirectory() as folder:
         out = pathlib.Path(folder, "out.json")
-        subprocess.run(
+        done = subprocess.run(
             [*command, f"--benchmark_out={out}", "--benchmark_out_format=json"],
-            check=True,
-            stdout=subprocess.DEVNULL,
+            capture_output=True,
+            text=True,
             preexec_fn=lambda: os.sched_setaffinity(0, {core}),
         )
+        if done.returncode != 0:
+            sys.exit(f"{command[0]} failed:\n{done.stderr}")
         return json.loads(out.read_text())
 
 
 def times(report):
-    """Nanoseconds a value of each repetition, by Name."""
+    """Nanoseconds a value of each repetition, by Name, in the order of the program's list."""
     found = collections.defaultdict(list)
-    for entry in report["benchmarks"]:
+    for entry in sorted(report["benchmarks"], key=lambda entry: entry.get("family_index", 0)):
         if entry.get("run_type") == "iteration":
             assert entry["time_unit"] == "ns", entry
             work, generator, who, n = entry["run_name"].split("/")
@@ -91,16 +93,13 @@ def rows(names, medians):
     labels = dict.fromkeys(
         (name.generator, name.who) for name in names if name.generator in order
     )
-    if len(sizes) == 1:
-        yield "| | ns (ratio) |", "|---|---:|"
-    else:
-        head = "".join(f" {n:,} |" for n in sizes)
-        yield "| values a call |" + head, "|---|" + "---:|" * len(sizes)
+    head = "".join(f" {n:,} |" for n in sizes)
+    yield "| values a call |" + head, "|---|" + "---:|" * len(sizes)
     for generator, who in sorted(labels, key=lambda label: (order[label[0]], label[1] != OURS)):
         times_of = [cell(Name(names[0].work, generator, who, n), medians) for n in sizes]
         label = f"**{generator}**" if who == OURS else who
         yield (f"| {label} | " + " | ".join(times_of) + " |",)
-    if yardstick in medians and len(sizes) > 1:
+    if yardstick in medians:
         times_of = [cell(yardstick._replace(n=n), medians) for n in sizes]
         yield ("| memset | " + " | ".join(times_of) + " |",)
 

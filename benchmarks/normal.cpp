@@ -52,6 +52,10 @@ void addNormal() {
       ziggurat, "Boost, mt19937_64");
   add<double>(ziggurat, kAny, "GSL, mt19937", kSizes,
               [] { return peers::filling(peers::Gsl<peers::gslNormal>(gsl_rng_mt19937)); });
+  add<float>(ziggurat + " single", kAny, "Boost, mt19937", kSizes, [] {
+    using Draw = peers::Drawn<boost::random::mt19937, boost::random::normal_distribution<float>>;
+    return peers::filling(Draw{});
+  });
   addPeer<peers::Drawn<std::mt19937, std::normal_distribution<double>>>(polar, "std::mt19937");
   addPeer<peers::Drawn<std::mt19937_64, std::normal_distribution<double>>>(polar,
                                                                            "std::mt19937_64");

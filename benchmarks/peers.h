@@ -13,7 +13,8 @@
 
 #include <Random123/philox.h>
 #include <Random123/threefry.h>
-#include <Random123/uniform.hpp>
+#include <Random123/u01fixedpt.h>
+#include <algorithm>
 #include <array>
 #include <boost/random/generate_canonical.hpp>
 #include <boost/random/mersenne_twister.hpp>
@@ -36,17 +37,18 @@ struct Drawn {
   auto operator()() { return distribution(engine); }
 };
 
-// 53 bits by hand from one 64-bit word or two 32-bit words.
+// 53 bits by hand from one 64-bit word or two 32-bit words. The conversion is that of a signed
+// integer, which is one instruction everywhere.
 template <class Engine>
 struct ByHand53 {
   Engine engine{};
   double operator()() {
     if constexpr (Engine::word_size == 64) {
-      return static_cast<double>(engine() >> 11) * 0x1p-53;
+      return static_cast<double>(static_cast<std::int64_t>(engine() >> 11)) * 0x1p-53;
     } else {
-      const std::uint64_t high = engine() >> 5;
-      const std::uint64_t low = engine() >> 6;
-      return static_cast<double>(high << 26 | low) * 0x1p-53;
+      const std::int64_t high = static_cast<std::int64_t>(engine() >> 5);
+      const std::int64_t low = static_cast<std::int64_t>(engine() >> 6);
+      return static_cast<double>((high << 26) + low) * 0x1p-53;
     }
   }
 };
@@ -102,18 +104,27 @@ template <class Generator>
 class Random123 {
  public:
   void operator()(double* out, std::size_t n) {
-    constexpr std::size_t kWords = sizeof(typename Generator::ctr_type) / sizeof(std::uint64_t);
-    for (std::size_t i = 0; i < n; i += kWords) {
-      const auto block = generator_(counter_, key_);
-      counter_.incr();
-      std::array<std::uint64_t, kWords> words;
-      std::memcpy(words.data(), &block, sizeof block);
-      for (std::size_t k = 0; k < kWords && i + k < n; ++k)
-        out[i + k] = r123::u01<double>(words[k]);
+    std::size_t i = 0;
+    for (; i + kWords <= n; i += kWords) writeBlock(out + i);
+    if (i < n) {
+      std::array<double, kWords> last;
+      writeBlock(last.data());
+      std::copy_n(last.data(), n - i, out + i);
     }
   }
 
  private:
+  static constexpr std::size_t kWords =
+      sizeof(typename Generator::ctr_type) / sizeof(std::uint64_t);
+
+  void writeBlock(double* out) {
+    const auto block = generator_(counter_, key_);
+    counter_.incr();
+    std::array<std::uint64_t, kWords> words;
+    std::memcpy(words.data(), &block, sizeof block);
+    for (std::size_t k = 0; k < kWords; ++k) out[k] = u01fixedpt_open_open_64_double(words[k]);
+  }
+
   Generator generator_{};
   typename Generator::ctr_type counter_{};
   typename Generator::key_type key_{{1}};

@@ -55,7 +55,7 @@ class Table(unittest.TestCase):
         table = [line for line in lines if line.startswith("|")]
         self.assertEqual(
             table,
-            ["| | ns (ratio) |", "|---|---:|", "| **g** | 2 (3.00x) |", "| only g | 6 |",
+            ["| values a call | 1 |", "|---|---:|", "| **g** | 2 (3.00x) |", "| only g | 6 |",
              "| **h** | 4 (2.00x) |", "| everyone | 8 |"],
         )
 
