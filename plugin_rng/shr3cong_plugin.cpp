@@ -2,21 +2,19 @@
 
 #include "plugin_rng/factories.h"
 #include "plugin_rng/plugin_rng.h"
+#include "plugin_rng/saved_state.h"
 #include "tfl_rng/convert.h"
 
 namespace plugin_rng {
 namespace {
 
-// The state is the congruential and the shift-register word, as doubles.
 class shr3cong_plugin final : public PluginRNGRandn<tfl_rng::shr3cong, IPluginRNG::doubleState> {
  public:
   explicit shr3cong_plugin(boost::shared_ptr<tfl_rng::shr3cong> generator)
-      : PluginRNGRandn(std::move(generator), 2, "Ziggurat") {}
+      : PluginRNGRandn(std::move(generator), kShr3congStateLen, "Ziggurat") {}
 
   void getStateComponents(void* const* buffers) const override {
-    auto* state = static_cast<double*>(buffers[0]);
-    state[0] = core->state().congruential;
-    state[1] = core->state().shiftRegister;
+    saveState(*core, static_cast<double*>(buffers[0]));
   }
 
   void setStateComponents(void const* const* buffers) override {
@@ -30,6 +28,11 @@ class shr3cong_plugin final : public PluginRNGRandn<tfl_rng::shr3cong, IPluginRN
 };
 
 }  // namespace
+
+void saveState(tfl_rng::shr3cong const& core, double* state) {
+  state[0] = core.state().congruential;
+  state[1] = core.state().shiftRegister;
+}
 
 IPluginRNG* make_shr3cong(std::size_t numStreams, std::size_t streamIndex, std::uint32_t seed,
                           double const* /*params*/, std::size_t nParams) {

@@ -144,7 +144,9 @@ std::ostream& operator<<(std::ostream& out, Offer const& o) { return out << o.wh
 class OfferedState : public testing::TestWithParam<Offer> {};
 
 TEST_P(OfferedState, IsLoadedAsToldOrRefusedWithoutATrace) {
-  auto const& [what, generator, offered, loaded] = GetParam();
+  auto const& generator = GetParam().generator;
+  auto const& offered = GetParam().offered;
+  auto const& loaded = GetParam().loaded;
   PluginPtr plugin(generator.make(1, 0, 99, nullptr, 0));
   PluginPtr untouched(generator.make(1, 0, 99, nullptr, 0));
   auto const error = identifierOf([&] { load(*plugin, offered); });

@@ -1,0 +1,135 @@
+#include "plugin_rng/legacy_plugin.h"
+
+#include <strings.h>
+
+#include <algorithm>
+
+#include "errors/keys.h"
+#include "plugin_rng/exchange_halves.h"
+#include "plugin_rng/saved_state.h"
+#include "tfl_rng/convert.h"
+#include "tfl_rng/mcg16807.h"
+#include "tfl_rng/minimal_standard.h"
+
+namespace plugin_rng {
+namespace {
+
+constexpr char kV4NormalName[] = "V4 (polar)";
+constexpr char kV5NormalName[] = "V5 (ziggurat)";
+
+struct ComponentType {
+  IPluginRNG::pluginStateClassID classID;
+  std::size_t length;
+};
+
+constexpr ComponentType kTypes[legacy_plugin::kComponents] = {
+    {IPluginRNG::uint32State, 2},
+    {IPluginRNG::doubleState, 1},
+    {IPluginRNG::doubleState, kSwb2712StateLen},
+    {IPluginRNG::uint32State, kMt19937arStateLen},
+    {IPluginRNG::doubleState, 1},
+    {IPluginRNG::doubleState, kShr3congStateLen},
+};
+
+}  // namespace
+
+std::uint32_t legacy_plugin::v4Seeded(std::uint32_t seed) noexcept {
+  const std::uint32_t word = exchangeHalves(seed);
+  if (word == 0) return tfl_rng::kMinimalStandardDefault;
+  return std::min(word, tfl_rng::kMinimalStandardModulus - 1);
+}
+
+void legacy_plugin::randu(double* out, std::size_t n) {
+  switch (generators_.uniformSelector) {
+    case kV4:
+      for (std::size_t i = 0; i < n; ++i) {
+        generators_.v4UniformWord = tfl_rng::minimalStandardStep(generators_.v4UniformWord);
+        out[i] = tfl_rng::minimalStandardUniform(generators_.v4UniformWord);
+      }
+      return;
+    case kV5:
+      return generators_.v5Uniform.randu(out, n);
+    default:
+      return generators_.twister.randu(out, n);
+  }
+}
+
+void legacy_plugin::randn(double* out, std::size_t n) {
+  if (generators_.normalSelector != kV4) return generators_.v5Normal.randn(out, n);
+  for (std::size_t i = 0; i < n; ++i) {
+    out[i] = tfl_rng::minimalStandardNormalPair(generators_.v4NormalWord).first;
+  }
+}
+
+void legacy_plugin::reset(std::uint32_t seed) {
+  switch (generators_.uniformSelector) {
+    case kV4:
+      generators_.v4UniformWord = v4Seeded(seed);
+      break;
+    case kV5:
+      generators_.v5Uniform.reset(seed);
+      break;
+    default:
+      generators_.twister.reset(seed);
+  }
+  if (generators_.normalSelector == kV4) {
+    generators_.v4NormalWord = v4Seeded(seed);
+  } else {
+    generators_.v5Normal.reset(seed);
+  }
+}
+
+void legacy_plugin::getStateComponentTypes(std::size_t /*nComponents*/, txClassID* classes,
+                                           std::size_t* lengths) const {
+  for (std::size_t i = 0; i < kComponents; ++i) {
+    classes[i] = static_cast<txClassID>(kTypes[i].classID);
+    lengths[i] = kTypes[i].length;
+  }
+}
+
+void legacy_plugin::getStateComponents(void* const* buffers) const {
+  auto const& g = generators_;
+  auto const words = [&](Component i) { return static_cast<std::uint32_t*>(buffers[i]); };
+  auto const doubles = [&](Component i) { return static_cast<double*>(buffers[i]); };
+  words(kSelectors)[0] = g.uniformSelector;
+  words(kSelectors)[1] = g.normalSelector;
+  doubles(kV4Uniform)[0] = exchangeHalves(g.v4UniformWord);
+  saveState(g.v5Uniform, doubles(kV5Uniform));
+  saveState(g.twister, words(kTwisterUniform));
+  doubles(kV4Normal)[0] = exchangeHalves(g.v4NormalWord);
+  saveState(g.v5Normal, doubles(kV5Normal));
+}
+
+void legacy_plugin::setStateComponents(void const* const* buffers) {
+  auto const words = [&](Component i) { return static_cast<std::uint32_t const*>(buffers[i]); };
+  auto const doubles = [&](Component i) { return static_cast<double const*>(buffers[i]); };
+  Generators g;  // a refused component must leave all of them as they are
+  g.uniformSelector = words(kSelectors)[0];
+  g.normalSelector = words(kSelectors)[1];
+  g.v4UniformWord = v4Seeded(tfl_rng::toLow32(doubles(kV4Uniform)[0]));
+  loadState(g.v5Uniform, doubles(kV5Uniform));
+  loadState(g.twister, words(kTwisterUniform));
+  g.v4NormalWord = v4Seeded(tfl_rng::toLow32(doubles(kV4Normal)[0]));
+  auto const* normal = doubles(kV5Normal);
+  g.v5Normal.setState({tfl_rng::toLow32(normal[0]), tfl_rng::toLow32(normal[1])});
+  generators_ = g;
+}
+
+void legacy_plugin::setFullPrecision(bool /*on*/) {
+  errors::raise(TALVOR::RandStream::set::LegacyPrecision());
+}
+
+bool legacy_plugin::setRandnAlg(char const* algorithm) {
+  char const* name = algorithm ? algorithm : "";
+  const std::uint32_t selector = generators_.normalSelector;
+  const bool matches = (selector == kV4 && strcasecmp(name, kV4NormalName) == 0) ||
+                       (selector == kV5 && strcasecmp(name, kV5NormalName) == 0);
+  if (!matches) errors::raise(TALVOR::RandStream::set::LegacyNormalTransform());
+  return true;
+}
+
+char const* legacy_plugin::getDefaultRandnAlg() const {
+  return generators_.normalSelector == kV4 ? kV4NormalName : kV5NormalName;
+}
+
+}  // namespace plugin_rng
