@@ -9,6 +9,7 @@
 
 // x = rand(), rand(n), rand(m, n, ...), rand([m n ...]), each followed by nothing, a class name
 // ('double', 'single') or 'like' and a prototype: uniforms in (0,1) from the global stream.
+// rand(keyword), rand(keyword, value): see legacy_syntax.h.
 TV_EXPORT void mathrngRandFcn(int nlhs, txArrayPtr* plhs, int nrhs, txArray const** prhs);
 // The same with standard normals; a complex one has variance 1.
 TV_EXPORT void mathrngRandnFcn(int nlhs, txArrayPtr* plhs, int nrhs, txArray const** prhs);

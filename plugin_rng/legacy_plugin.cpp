@@ -14,9 +14,6 @@
 namespace plugin_rng {
 namespace {
 
-constexpr char kV4NormalName[] = "V4 (polar)";
-constexpr char kV5NormalName[] = "V5 (ziggurat)";
-
 struct ComponentType {
   IPluginRNG::pluginStateClassID classID;
   std::size_t length;
@@ -32,6 +29,10 @@ constexpr ComponentType kTypes[legacy_plugin::kComponents] = {
 };
 
 }  // namespace
+
+char const* legacy_plugin::normalName(std::uint32_t normalSelector) noexcept {
+  return normalSelector == kV4 ? "V4 (polar)" : "V5 (ziggurat)";
+}
 
 std::uint32_t legacy_plugin::v4Seeded(std::uint32_t seed) noexcept {
   const std::uint32_t word = exchangeHalves(seed);
@@ -120,16 +121,15 @@ void legacy_plugin::setFullPrecision(bool /*on*/) {
 }
 
 bool legacy_plugin::setRandnAlg(char const* algorithm) {
-  char const* name = algorithm ? algorithm : "";
   const std::uint32_t selector = generators_.normalSelector;
-  const bool matches = (selector == kV4 && strcasecmp(name, kV4NormalName) == 0) ||
-                       (selector == kV5 && strcasecmp(name, kV5NormalName) == 0);
+  const bool matches = (selector == kV4 || selector == kV5) &&
+                       strcasecmp(algorithm ? algorithm : "", normalName(selector)) == 0;
   if (!matches) errors::raise(TALVOR::RandStream::set::LegacyNormalTransform());
   return true;
 }
 
 char const* legacy_plugin::getDefaultRandnAlg() const {
-  return generators_.normalSelector == kV4 ? kV4NormalName : kV5NormalName;
+  return normalName(generators_.normalSelector);
 }
 
 }  // namespace plugin_rng

@@ -33,6 +33,10 @@ class legacy_plugin final : public IPluginRNGRandn {
     kComponents,
   };
 
+  // The name of a normal generator as a method for normals: "V4 (polar)" for kV4, else
+  // "V5 (ziggurat)".
+  static char const* normalName(std::uint32_t normalSelector) noexcept;
+
   // Twister and V5 normals selected, every generator seeded as by seed 0.
   legacy_plugin() = default;
 
