@@ -20,9 +20,9 @@ std::size_t editDistance(std::string_view a, std::string_view b) {
         cost[i][j] = i + j;
         continue;
       }
-      std::size_t const replaced = equalIgnoringAsciiCase(a.substr(i - 1, 1), b.substr(j - 1, 1));
-      cost[i][j] = std::min({cost[i - 1][j] + 1, cost[i][j - 1] + 1,
-                             cost[i - 1][j - 1] + (replaced ? 0 : 1)});
+      bool const same = equalIgnoringAsciiCase(a.substr(i - 1, 1), b.substr(j - 1, 1));
+      cost[i][j] = std::min(
+          {cost[i - 1][j] + 1, cost[i][j - 1] + 1, cost[i - 1][j - 1] + (same ? 0 : 1)});
       if (i > 1 && j > 1 && a[i - 1] == b[j - 2] && a[i - 2] == b[j - 1]) {
         cost[i][j] = std::min(cost[i][j], cost[i - 2][j - 2] + 1);
       }
@@ -82,9 +82,9 @@ bool dispatch(std::string_view name, int nlhs, txArrayPtr* plhs,
 
 std::string closestName(std::string_view name, std::span<std::string const> known) {
   constexpr std::size_t kMostEdits = 2;
+  if (name.empty()) return {};
   std::string_view best;
   std::size_t fewest = std::min(kMostEdits, (name.size() - 1) / 2) + 1;
-  if (name.empty()) return {};
   for (std::string const& candidate : known) {
     std::size_t const edits = editDistance(name, candidate);
     if (edits >= fewest) continue;

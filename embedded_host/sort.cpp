@@ -15,8 +15,10 @@ void mathcoreSortFcn(int nlhs, txArrayPtr* plhs, int nrhs, txArray const** prhs)
   if (nrhs > 1) matrix::detail::error_maxrhs();
   if (nrhs < 1) matrix::detail::error_minrhs();
   txArray const& values = *prhs[0];
-  if (values.classID() != txClassDouble || values.isComplex() || values.isSparse()) {
-    embedded_host::raiseHostError("TALVOR:sort:NotDoubleVector", tcos::className(values));
+  bool const isVector = values.dims().size() == 2 && (values.dims()[0] == 1 ||
+                                                      values.dims()[1] == 1 || values.isEmpty());
+  if (values.classID() != txClassDouble || values.isComplex() || values.isSparse() || !isVector) {
+    embedded_host::raiseHostError("TALVOR:sort:NotDoubleVector");
   }
   std::uint64_t const count = values.numel();
   double const* const from = values.dataAs<double>();

@@ -1,0 +1,92 @@
+#include "embedded_host/allocator.h"
+
+#include <gtest/gtest.h>
+
+#include <cstdint>
+#include <thread>
+
+#include "embedded_host/array.h"
+#include "embedded_host/host_allocator.h"
+#include "host/allocator.h"
+#include "tests/embedded_host/host_error.h"
+
+using namespace embedded_host;
+
+namespace {
+
+TEST(Allocator, AlignsEveryBlockForAnyVectorType) {
+  for (std::size_t bytes : {0, 1, 63, 64, 100, 4096, 100'000, 5'000'000}) {
+    txBuffer<char> const block = txMakeBuffer<char>(bytes);
+    ASSERT_NE(block.get(), nullptr);
+    EXPECT_EQ(reinterpret_cast<std::uintptr_t>(block.get()) % 64, 0u) << bytes;
+    // Every byte is there to be written; a sanitizer sees one too many.
+    std::fill_n(block.get(), bytes, 'x');
+  }
+}
+
+TEST(Allocator, CountsLiveBlocksAndPeak) {
+  AllocationCounts const before = allocationCounts();
+  resetPeakBytes();
+  std::int64_t const base = peakBytes();
+  {
+    txBuffer<double> const one = txMakeBuffer<double>(1'000'000);
+    EXPECT_EQ(allocationCounts().liveBlocks, before.liveBlocks + 1);
+    EXPECT_GE(allocationCounts().liveBytes, before.liveBytes + 8'000'000);
+  }
+  EXPECT_EQ(allocationCounts().liveBlocks, before.liveBlocks);
+  EXPECT_EQ(allocationCounts().liveBytes, before.liveBytes);
+  EXPECT_GE(peakBytes() - base, 8'000'000);
+  EXPECT_LT(peakBytes() - base, 8'100'000);
+}
+
+TEST(Allocator, FailsExactlyTheRequestItIsToldTo) {
+  FailingAllocation const second(2);
+  txBuffer<char> const first = txMakeBuffer<char>(1);
+  EXPECT_FALSE(second.happened());
+  EXPECT_EQ(errorOf([] { txMakeBuffer<char>(1); }), "TALVOR:nomem");
+  EXPECT_TRUE(second.happened());
+  EXPECT_EQ(errorOf([] { txMakeBuffer<char>(1); }), "no error");
+}
+
+TEST(Allocator, FailureOfOneThreadLeavesTheOthersAlone) {
+  FailingAllocation const next(1);
+  std::string elsewhere;
+  std::thread([&] { elsewhere = errorOf([] { txMakeBuffer<char>(1); }); }).join();
+  EXPECT_EQ(elsewhere, "no error");
+  EXPECT_EQ(errorOf([] { txMakeBuffer<char>(1); }), "TALVOR:nomem");
+}
+
+TEST(Allocator, RequestsBeyondTheAddressSpaceFail) {
+  EXPECT_EQ(errorOf([] { txMallocEx(SIZE_MAX); }), "TALVOR:nomem");
+  EXPECT_EQ(errorOf([] { txMakeBuffer<double>(SIZE_MAX / 4); }), "TALVOR:nomem");
+  EXPECT_EQ(errorOf([] { HostAllocator<double>().allocate(SIZE_MAX / 4); }), "TALVOR:nomem");
+}
+
+// Each operation below allocates several times; whichever request fails, nothing may stay behind
+// and the operands stay whole.
+TEST(Allocator, FailedArrayOperationsLeaveNothingBehind) {
+  txArrayPtr const cell = txCreateCell(std::vector<std::uint64_t>{1, 3});
+  cell->setCell(0, makeRow({1., 2., 3., 4.}));
+  cell->setCell(2, makeString(u"a text too long to live inside its string object"));
+  txArrayPtr const deep = makeZeros(std::vector<std::uint64_t>{2, 1, 2, 1, 2}, txClassInt32);
+  std::int64_t const before = allocationCounts().liveBlocks;
+  std::uint64_t k = 0;
+  for (bool failed = true; failed;) {
+    FailingAllocation const failure(++k);
+    std::string const error = errorOf([&] {
+      txArrayPtr const copy = txShare(*cell);
+      copy->setCell(1, txShare(*deep));
+      txArrayPtr const numbers = txToDouble(*copy->cell(1));
+      numbers->dataAs<double>()[7] = 1;
+      txArrayPtr const sparse = toSparse(*makeRow({0., 1., 2.}));
+      txToFull(*sparse);
+    });
+    failed = failure.happened();
+    EXPECT_EQ(error, failed ? "TALVOR:nomem" : "no error") << k;
+    EXPECT_EQ(allocationCounts().liveBlocks, before) << k;
+  }
+  EXPECT_GT(k, 10u);
+  EXPECT_EQ(cell->cell(1), nullptr);
+}
+
+}  // namespace
