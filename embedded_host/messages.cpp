@@ -80,10 +80,8 @@ class Catalogue {
   Catalogue() {
     toml::table const file = toml::parse(kMessages);
     for (auto const& [path, node] : file) {
-      addRows(path.str(), *node.as_table());
-      if (auto const other = node.as_table()->get("same")) {
-        addRows(path.str(), *file.get(*other->value<std::string>())->as_table());
-      }
+      toml::table const* rows = node.as_table();
+      for (; rows; rows = file[(*rows)["same"].value_or("")].as_table()) addRows(path.str(), *rows);
     }
   }
 
