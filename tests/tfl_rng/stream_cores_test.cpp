@@ -6,6 +6,8 @@
 #include <set>
 #include <vector>
 
+#include "tfl_rng/mlfg6331_64.h"
+#include "tfl_rng/mrg32k3a.h"
 #include "tfl_rng/philox4x32.h"
 #include "tfl_rng/threefry4x64.h"
 #include "tfl_rng/uint128.h"
@@ -22,7 +24,8 @@ std::vector<double> draw(Core& core, std::size_t n) {
 template <class Core>
 class StreamCore : public testing::Test {};
 
-using Cores = testing::Types<tfl_rng::philox4x32, tfl_rng::threefry4x64>;
+using Cores = testing::Types<tfl_rng::mlfg6331_64, tfl_rng::mrg32k3a, tfl_rng::philox4x32,
+                             tfl_rng::threefry4x64>;
 TYPED_TEST_SUITE(StreamCore, Cores);
 
 TYPED_TEST(StreamCore, RequestsOfAnySizesGiveOneSequence) {

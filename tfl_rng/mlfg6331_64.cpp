@@ -1,0 +1,143 @@
+#include "tfl_rng/mlfg6331_64.h"
+
+#include <algorithm>
+#include <bit>
+
+#include "tfl_rng/modular.h"
+#include "tfl_rng/odd_power.h"
+#include "tfl_rng/splitmix.h"
+#include "tfl_rng/to_double.h"
+
+namespace tfl_rng {
+namespace {
+
+using Table = mlfg6331_64::Table;
+using Trinomial = ModularTrinomial<mlfg6331_64::kLag, mlfg6331_64::kLag - mlfg6331_64::kShortLag>;
+using Polynomial = Trinomial::Polynomial;
+
+constexpr std::size_t kLag = mlfg6331_64::kLag;
+constexpr std::size_t kAfterShortLag = kLag - mlfg6331_64::kShortLag;
+
+// Longest way that is stepped rather than jumped: about as many steps as a jump takes time.
+constexpr std::size_t kMostSteps = 16384;
+
+// Powers of two of t: as far as the last substream's start lies from the first.
+constexpr std::size_t kPowers = mlfg6331_64::kLog2SubstreamLen + 64;
+
+// A microsecond or so each, when the first jump asks for them.
+std::array<Polynomial, kPowers> const& powers() {
+  static const auto table = Trinomial::squarings<kPowers>();
+  return table;
+}
+
+// A table as exponents and signs.
+struct Powers {
+  std::array<std::uint64_t, kLag> exponents;
+  std::array<std::uint64_t, kLag> signs;  // modulo 2
+};
+
+// The 63 terms that `steps` = t^n leads to from those of `terms`: each is the sum of 63 consecutive
+// ones weighted by the coefficients.
+void apply(Polynomial const& steps, std::array<std::uint64_t, kLag>& terms) noexcept {
+  std::array<std::uint64_t, 2 * kLag - 1> y;
+  std::ranges::copy(terms, y.begin());
+  for (std::size_t i = kLag; i < y.size(); ++i) y[i] = y[i - kLag] + y[i - mlfg6331_64::kShortLag];
+  terms.fill(0);
+  for (std::size_t j = 0; j < kLag; ++j) {
+    for (std::size_t i = 0; i < kLag; ++i) terms[i] += steps[j] * y[i + j];
+  }
+}
+
+// One step of the ring; the word it makes.
+std::uint64_t step(Table& ring, std::size_t& position) noexcept {
+  const std::size_t other = position + kAfterShortLag;
+  const std::uint64_t word = ring[position] * ring[other < kLag ? other : other - kLag];
+  ring[position] = word;
+  position = position + 1 < kLag ? position + 1 : 0;
+  return word;
+}
+
+// The canonical table of a seed and a stream; see the header.
+Table canonicalTable(std::uint32_t seed, std::size_t streamIndex) noexcept {
+  constexpr std::uint64_t kOdd = 0x9E3779B97F4A7C15;  // scatters neighbouring indices
+  constexpr std::uint64_t kSeedBits = 0x1FFFFFFFE;    // bits 1 to 32
+  SplitMix64 source(mix64(mix64(streamIndex) + seed));
+  Table table;
+  for (std::size_t i = 0; i < kLag; ++i) {
+    std::uint64_t exponent = source.next() & ~std::uint64_t{1};
+    if (i == 0) exponent |= 1;
+    if (i == 1) exponent = streamIndex * kOdd << 1;
+    if (i == 2) exponent = (exponent & ~kSeedBits) | std::uint64_t{seed} << 1;
+    if (i == 15) exponent = 0;
+    table[i] = wordOf({exponent, source.next() >> 63 != 0});
+  }
+  return table;
+}
+
+}  // namespace
+
+mlfg6331_64::mlfg6331_64(std::uint32_t seed, std::size_t streamIndex, bool fullPrecision)
+    : CoreStreamRNG(streamIndex, fullPrecision) {
+  reset(seed);
+}
+
+bool mlfg6331_64::jump(Table& table, std::uint64_t count, unsigned log2Steps) {
+  if (std::ranges::any_of(table, [](std::uint64_t word) { return word % 2 == 0; })) return false;
+  Powers terms;
+  for (std::size_t i = 0; i < kLag; ++i) {
+    const OddPower power = powerOf(table[i]);
+    terms.exponents[i] = power.exponent;
+    terms.signs[i] = power.negative;
+  }
+  for (; count != 0; count &= count - 1) {
+    auto const& steps = powers()[log2Steps + static_cast<unsigned>(std::countr_zero(count))];
+    apply(steps, terms.exponents);
+    apply(steps, terms.signs);
+  }
+  for (std::size_t i = 0; i < kLag; ++i) {
+    table[i] = wordOf({terms.exponents[i], terms.signs[i] % 2 != 0});
+  }
+  return true;
+}
+
+void mlfg6331_64::reset(std::uint32_t seed) {
+  state_.start = canonicalTable(seed, streamIndex());
+  setSubstream(0);
+}
+
+void mlfg6331_64::randu(double* out, std::size_t n) {
+  std::size_t position = state_.position;
+  for (std::size_t i = 0; i < n; ++i) out[i] = open52(step(state_.ring, position));
+  state_.position = position;
+}
+
+errorID mlfg6331_64::advance(std::size_t n) {
+  if (n <= kMostSteps) {
+    std::size_t position = state_.position;
+    for (std::size_t i = 0; i < n; ++i) step(state_.ring, position);
+    state_.position = position;
+    return ok;
+  }
+  // Word i of the ring is overwritten in the steps i, i + 63, and so on from the position, so that
+  // the oldest word afterwards stands n places on.
+  Table table;
+  std::rotate_copy(state_.ring.begin(), state_.ring.begin() + state_.position, state_.ring.end(),
+                   table.begin());
+  if (!jump(table, n, 0)) return cannotComputeState;
+  state_.position = (state_.position + n % kLag) % kLag;
+  std::rotate_copy(table.begin(), table.end() - state_.position, table.end(),
+                   state_.ring.begin());
+  return ok;
+}
+
+errorID mlfg6331_64::setSubstream(std::size_t index) {
+  if (index >= kNumSubstreams) return indexOutOfRange;
+  Table table = state_.start;
+  if (index != 0 && !jump(table, index, kLog2SubstreamLen)) return cannotComputeState;
+  state_.ring = table;
+  state_.position = 0;
+  noteSubstream(index);
+  return ok;
+}
+
+}  // namespace tfl_rng
