@@ -57,14 +57,14 @@ class mlfg6331_64_plugin final : public PluginRNGSubstreams<Core, IPluginRNG::ui
     state.position = words[kPosition];
     core->setState(state);
   }
+
+ private:
+  [[noreturn]] void cannotJump() const override {
+    errors::raise(TALVOR::RandStream::mlfg6331_64::UnableToComputeALFGState());
+  }
 };
 
 }  // namespace
-
-template <>
-void cannotJumpError<Core>() {
-  errors::raise(TALVOR::RandStream::mlfg6331_64::UnableToComputeALFGState());
-}
 
 IPluginRNG* make_mlfg6331_64(std::size_t numStreams, std::size_t streamIndex, std::uint32_t seed,
                              double const* /*params*/, std::size_t nParams) {

@@ -17,19 +17,6 @@ namespace plugin_rng {
 template <class Core>
 [[noreturn]] TV_EXPORT void OutOfRangeError();
 
-// Raises the error of a core that cannot compute the state it was to jump to. A core that can fail
-// so brings its own specialisation.
-template <class Core>
-[[noreturn]] void cannotJumpError() {
-  throw std::runtime_error("the generator cannot jump ahead");
-}
-
-// Moves `core` by n draws, or raises.
-template <class Core>
-void advanceCore(Core& core, std::size_t n) {
-  if (core.advance(n) != tfl_rng::ok) cannotJumpError<Core>();
-}
-
 // A generator with streams and substreams. Requests of more than `serialLimit` draws are filled in
 // parallel.
 template <class Core, IPluginRNG::pluginStateClassID id>
@@ -59,11 +46,11 @@ class PluginRNGSubstreams : public PluginRNG<Core, id>, public IPluginRNGSubstre
       case tfl_rng::indexOutOfRange:
         OutOfRangeError<Core>();
       default:
-        cannotJumpError<Core>();
+        cannotJump();
     }
   }
   std::size_t getSubstream() const override { return this->core->substream(); }
-  void advance(std::size_t n) override { advanceCore(*this->core, n); }
+  void advance(std::size_t n) override { move(*this->core, n); }
   std::pair<std::uint64_t, std::uint64_t> getStreamLimits() const override {
     return {numStreams, log2StreamLen};
   }
@@ -76,7 +63,9 @@ class PluginRNGSubstreams : public PluginRNG<Core, id>, public IPluginRNGSubstre
   template <class Finish>
   void fill(double* out, std::size_t n, Split split, Finish finish) {
     if (n > serialLimit_) {
-      fillInParallel(*this->core, out, n, split, advanceCore<Core>, finish);
+      fillInParallel(
+          *this->core, out, n, split, [this](Core& copy, std::size_t by) { move(copy, by); },
+          finish);
     } else {
       this->core->randu(out, n);
       finish(out, n);
@@ -89,6 +78,15 @@ class PluginRNGSubstreams : public PluginRNG<Core, id>, public IPluginRNGSubstre
   std::uint64_t log2SubstreamLen;
 
  private:
+  // Raises the error of a core that cannot compute the state it was to jump to, where the generator
+  // has an identifier for it.
+  [[noreturn]] virtual void cannotJump() const {
+    throw std::runtime_error("the generator cannot jump ahead");
+  }
+  void move(Core& generator, std::size_t n) const {
+    if (generator.advance(n) != tfl_rng::ok) cannotJump();
+  }
+
   std::size_t serialLimit_;
 };
 
