@@ -1,0 +1,67 @@
+#include "language/session.h"
+
+#include <csignal>
+
+#include "language/evaluator.h"
+#include "language/functions.h"
+#include "language/interrupt.h"
+#include "language/lexer.h"
+#include "language/parser.h"
+
+namespace language {
+
+namespace {
+volatile std::sig_atomic_t interruptRequested = 0;
+}
+
+void requestInterrupt() noexcept { interruptRequested = 1; }
+
+bool takeInterrupt() noexcept {
+  if (interruptRequested == 0) return false;
+  interruptRequested = 0;
+  return true;
+}
+
+Session::Session(embedded_host::VmContext& vm, Output& output) : vm_(vm), output_(output) {
+  registerFunctions(*this);
+}
+
+Session::~Session() {
+  embedded_host::EnterVm const entered(vm_);  // values may be objects with destroyers
+  variables_.clear();
+  lastValue_.reset();
+  unregisterFunctions(*this);
+}
+
+void Session::run(std::string_view source) {
+  interruptRequested = 0;
+  callInProgress_.reset();
+  Block const program = parse(source);
+  Evaluator(*this).run(program);
+}
+
+txArrayPtr Session::call(std::string_view name, std::span<txArray const* const> arguments) {
+  txArrayPtr result[1];
+  if (!embedded_host::dispatch(name, 1, result, arguments)) {
+    raiseFault("unknownName", "There is no function '" + std::string(name) + "'.");
+  }
+  return std::move(result[0]);
+}
+
+txArray const* Session::variable(std::string_view name) const {
+  auto const found = variables_.find(name);
+  return found == variables_.end() ? nullptr : found->second.get();
+}
+
+void Session::setVariable(std::string_view name, txArrayPtr value) {
+  variables_.insert_or_assign(std::string(name), std::move(value));
+}
+
+std::vector<std::string> Session::knownNames() const {
+  std::vector<std::string> names = vm_.functions().names();
+  for (auto& name : vm_.classes().names()) names.push_back(std::move(name));
+  for (auto const& [name, value] : variables_) names.push_back(name);
+  return names;
+}
+
+}  // namespace language

@@ -1,0 +1,73 @@
+#include <algorithm>
+
+#include "language/fault.h"
+#include "language/indexing.h"
+
+namespace language {
+
+namespace {
+
+[[noreturn]] void badIndex(std::string const& what, int position) {
+  raiseFault("index", what, "indices are whole numbers from 1 up, a logical mask, or :", position);
+}
+
+std::string indexText(double value) {
+  char buffer[40];
+  std::snprintf(buffer, sizeof buffer, "%.15g", value);
+  return buffer;
+}
+
+}  // namespace
+
+Subscript::Subscript(txArray const* index, int position) : whole_(!index), position_(position) {
+  if (!index) return;
+  if (!hasElements(index->classID()) || index->isComplex()) {
+    if (index->isText() && isScalarText(*index) && utf8Of(*index) == ":") {
+      whole_ = true;
+      return;
+    }
+    badIndex("A " + describe(*index) + " is no index.", position);
+  }
+  txArrayPtr const full = txToFull(*index);
+  std::uint64_t const count = full->numel();
+  if (full->isLogical()) {
+    bool const* mask = std::as_const(*full).dataAs<bool>();
+    for (std::uint64_t i = 0; i < count; ++i) {
+      if (mask[i]) at_.push_back(i);
+    }
+    bool const row = isMatrix(*full) && full->dims()[0] == 1 && full->dims()[1] != 1;
+    shape_ = row ? Shape{1, at_.size()} : Shape{at_.size(), 1};
+  } else {
+    at_.resize(count);
+    visitElementType(full->classID(), [&]<class T>(T) {
+      T const* from = std::as_const(*full).template dataAs<T>();
+      for (std::uint64_t i = 0; i < count; ++i) {
+        bool whole = from[i] >= T(1);
+        if constexpr (std::is_floating_point_v<T>) {
+          whole = whole && from[i] == std::floor(from[i]) && from[i] < T(0x1p63);
+        }
+        if (!whole) {
+          badIndex(indexText(static_cast<double>(from[i])) + " is no index.", position);
+        }
+        at_[i] = static_cast<std::uint64_t>(from[i]) - 1;
+      }
+    });
+    shape_ = shapeOf(*full);
+  }
+  if (!at_.empty()) reach_ = *std::max_element(at_.begin(), at_.end()) + 1;
+}
+
+Shape foldedExtents(txArray const& value, std::size_t count) {
+  Dims const dims = value.dims();
+  Shape extents(count, 1);
+  for (std::size_t d = 0; d < dims.size(); ++d) {
+    if (d < count) {
+      extents[d] = dims[d];
+    } else {
+      extents[count - 1] *= dims[d];
+    }
+  }
+  return extents;
+}
+
+}  // namespace language
