@@ -47,14 +47,16 @@ void Evaluator::runAssignment(Assignment const& node) {
   Values values = evaluateMany(*node.value, static_cast<int>(node.targets.size()));
   std::size_t wanted = node.targets.size();
   if (values.size() < wanted) {
-    raiseFaultAt(node.value->span, "fewValues", std::to_string(wanted) + " values were expected, " +
-                                  std::to_string(values.size()) + " came.");
+    raiseFaultAt(node.value->span, "fewValues",
+                 std::to_string(wanted) + " values were expected, " +
+                     std::to_string(values.size()) + " came.");
   }
   for (std::size_t i = 0; i < wanted; ++i) {
     Expression const& target = *node.targets[i];
     if (std::holds_alternative<Ignored>(target.node)) continue;
     if (!values[i]) {
-      raiseFaultAt(node.value->span, "fewValues", "Value " + std::to_string(i + 1) + " did not come.");
+      raiseFaultAt(node.value->span, "fewValues",
+                   "Value " + std::to_string(i + 1) + " did not come.");
     }
     assign(target, std::move(values[i]), false);
     std::string const root = rootOf(target);
@@ -88,8 +90,9 @@ void Evaluator::assignPath(txArrayPtr& slot, std::span<Expression const* const> 
   bool const last = path.size() == 1;
   if (auto const* member = std::get_if<Member>(&step.node)) {
     if (!slot || slot->classID() != txClassObject) {
-      raiseFaultAt(step.span, "member", slot ? "A " + describe(*slot) + " has no properties."
-                                  : std::string("There is no object here."));
+      raiseFaultAt(step.span, "member",
+                   slot ? "A " + describe(*slot) + " has no properties."
+                        : std::string("There is no object here."));
     }
     txArrayPtr part;
     if (!last) {
@@ -100,8 +103,7 @@ void Evaluator::assignPath(txArrayPtr& slot, std::span<Expression const* const> 
       part = std::move(value);
     }
     auto const outer = std::exchange(session_.callInProgress_, step.span);
-    located(member->nameSpan,
-            [&] { embedded_host::setProperty(*slot, member->name, *part); });
+    located(member->nameSpan, [&] { embedded_host::setProperty(*slot, member->name, *part); });
     session_.callInProgress_ = outer;
     return;
   }
@@ -114,7 +116,8 @@ void Evaluator::assignPath(txArrayPtr& slot, std::span<Expression const* const> 
       txArrayPtr part;
       bool exists = slot != nullptr && !slot->isEmpty();
       Shape const extents = exists ? foldedExtents(*slot, list.size()) : Shape(list.size(), 0);
-      for (std::size_t d = 0; d < list.size(); ++d) exists = exists && list[d].reach() <= extents[d];
+      for (std::size_t d = 0; d < list.size(); ++d)
+        exists = exists && list[d].reach() <= extents[d];
       if (exists) {
         Values parts;
         if (index.brace) {

@@ -16,10 +16,31 @@ struct Expression;
 using ExpressionPtr = std::unique_ptr<Expression>;
 
 enum class Operator : std::uint8_t {
-  add, subtract, multiply, elementMultiply, divide, elementDivide, leftDivide, elementLeftDivide,
-  power, elementPower, equal, notEqual, less, lessEqual, greater, greaterEqual, elementAnd,
-  elementOr, andAlso, orElse,                              // two operands
-  plus, negate, logicalNot, transpose, conjugateTranspose  // one operand
+  add,
+  subtract,
+  multiply,
+  elementMultiply,
+  divide,
+  elementDivide,
+  leftDivide,
+  elementLeftDivide,
+  power,
+  elementPower,
+  equal,
+  notEqual,
+  less,
+  lessEqual,
+  greater,
+  greaterEqual,
+  elementAnd,
+  elementOr,
+  andAlso,
+  orElse,  // two operands
+  plus,
+  negate,
+  logicalNot,
+  transpose,
+  conjugateTranspose  // one operand
 };
 
 struct Number {

@@ -17,11 +17,11 @@ Broadcast::Broadcast(txArray const& left, txArray const& right, char const* what
     std::uint64_t const n = d < b.size() ? b[d] : 1;
     if (m != n && m != 1 && n != 1) {
       bool const text = left.isText() || right.isText();
-      raiseFault("sizes",
-                 std::string("The sizes ") + sizeText(a) + " and " + sizeText(b) +
-                     " do not go together in " + what + ".",
-                 text ? "to compare whole texts use same(a,b)"
-                      : "extents are equal, or one of them is 1");
+      raiseFault(
+          "sizes",
+          std::string("The sizes ") + sizeText(a) + " and " + sizeText(b) +
+              " do not go together in " + what + ".",
+          text ? "to compare whole texts use same(a,b)" : "extents are equal, or one of them is 1");
     }
     std::uint64_t const extent = m == 1 ? n : m;
     result_.push_back(extent);

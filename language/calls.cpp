@@ -116,8 +116,7 @@ Values Evaluator::memberValues(Member const& node, SourceSpan whole,
                  "elementwise operators have the point before them: .* ./ .^");
   }
   // The property wins over a method of its name.
-  txArrayPtr property =
-      located(whole, [&] { return txGetProperty(*object, node.name); });
+  txArrayPtr property = located(whole, [&] { return txGetProperty(*object, node.name); });
   if (property) {
     if (list) {
       Arguments const arguments = evaluateArguments(*list, property.get(), true);

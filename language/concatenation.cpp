@@ -38,9 +38,10 @@ txClassID commonClass(std::span<txArrayPtr const> values) {
     if (rank(value->classID()) > rank(common)) common = value->classID();
   }
   if (rank(common) == 7) {
-    raiseFault("concatenation", "Values of class " + describe(*values.front()) +
-                                    " cannot be put together in a matrix.",
-               "cells hold anything: {a, b}");
+    raiseFault(
+        "concatenation",
+        "Values of class " + describe(*values.front()) + " cannot be put together in a matrix.",
+        "cells hold anything: {a, b}");
   }
   return common;
 }
@@ -73,10 +74,12 @@ Shape jointShape(std::span<txArrayPtr const> values, std::size_t dimension) {
         raiseFault("sizes",
                    "A " + sizeText(values.front()->dims()) + " and a " + sizeText(value->dims()) +
                        " do not fit " +
-                       (below ? "one above the other."
-                              : dimension == 1 ? "side by side." : "together."),
-                   below ? "rows of one matrix have the same number of columns"
-                   : dimension == 1 ? "parts side by side have the same number of rows" : "");
+                       (below            ? "one above the other."
+                        : dimension == 1 ? "side by side."
+                                         : "together."),
+                   below            ? "rows of one matrix have the same number of columns"
+                   : dimension == 1 ? "parts side by side have the same number of rows"
+                                    : "");
       }
     }
   }

@@ -67,11 +67,10 @@ Evaluator::Flow Evaluator::runFor(For const& node) {
   std::uint64_t const columns = extents[0] == 0 ? 0 : extents[1];
   for (std::uint64_t j = 0; j < columns; ++j) {
     txArrayPtr const column = makeDouble(static_cast<double>(j + 1));
-    session_.setVariable(node.variable,
-                         located(node.values->span, [&] {
-                           return readElements(*values, {Subscript(nullptr, 1),
-                                                         Subscript(column.get(), 2)});
-                         }));
+    session_.setVariable(
+        node.variable, located(node.values->span, [&] {
+          return readElements(*values, {Subscript(nullptr, 1), Subscript(column.get(), 2)});
+        }));
     checkInterrupt(node.values->span);
     if (runBlock(node.body) == Flow::breakLoop) break;
   }

@@ -18,27 +18,26 @@ struct BinaryRow {
 constexpr int kRangePower = 6;
 constexpr int kUnaryPower = 9;
 constexpr int kPowerPower = 10;
-constexpr BinaryRow kBinary[] = {
-    {orElse, Operator::orElse, 1},
-    {andAlso, Operator::andAlso, 2},
-    {elementOr, Operator::elementOr, 3},
-    {elementAnd, Operator::elementAnd, 4},
-    {equal, Operator::equal, 5},
-    {notEqual, Operator::notEqual, 5},
-    {less, Operator::less, 5},
-    {lessEqual, Operator::lessEqual, 5},
-    {greater, Operator::greater, 5},
-    {greaterEqual, Operator::greaterEqual, 5},
-    {plus, Operator::add, 7},
-    {minus, Operator::subtract, 7},
-    {times, Operator::multiply, 8},
-    {elementTimes, Operator::elementMultiply, 8},
-    {divide, Operator::divide, 8},
-    {elementDivide, Operator::elementDivide, 8},
-    {leftDivide, Operator::leftDivide, 8},
-    {elementLeftDivide, Operator::elementLeftDivide, 8},
-    {power, Operator::power, kPowerPower},
-    {elementPower, Operator::elementPower, kPowerPower}};
+constexpr BinaryRow kBinary[] = {{orElse, Operator::orElse, 1},
+                                 {andAlso, Operator::andAlso, 2},
+                                 {elementOr, Operator::elementOr, 3},
+                                 {elementAnd, Operator::elementAnd, 4},
+                                 {equal, Operator::equal, 5},
+                                 {notEqual, Operator::notEqual, 5},
+                                 {less, Operator::less, 5},
+                                 {lessEqual, Operator::lessEqual, 5},
+                                 {greater, Operator::greater, 5},
+                                 {greaterEqual, Operator::greaterEqual, 5},
+                                 {plus, Operator::add, 7},
+                                 {minus, Operator::subtract, 7},
+                                 {times, Operator::multiply, 8},
+                                 {elementTimes, Operator::elementMultiply, 8},
+                                 {divide, Operator::divide, 8},
+                                 {elementDivide, Operator::elementDivide, 8},
+                                 {leftDivide, Operator::leftDivide, 8},
+                                 {elementLeftDivide, Operator::elementLeftDivide, 8},
+                                 {power, Operator::power, kPowerPower},
+                                 {elementPower, Operator::elementPower, kPowerPower}};
 
 BinaryRow const* binaryRow(TokenKind kind) {
   auto const row = std::find_if(std::begin(kBinary), std::end(kBinary),
@@ -201,8 +200,7 @@ ExpressionPtr ExpressionParser::member(ExpressionPtr base) {
               Member{std::move(base), std::string(reader_.spelling(word)), word.span});
 }
 
-ExpressionParser::Arguments ExpressionParser::arguments(Token const& opening,
-                                                        TokenKind closing) {
+ExpressionParser::Arguments ExpressionParser::arguments(Token const& opening, TokenKind closing) {
   Restore const context(context_, Context::plain);
   Restore const depth(indexDepth_, indexDepth_ + 1);
   std::vector<ExpressionPtr> list;

@@ -15,9 +15,8 @@ txArrayPtr numberValue(Number const& node) {
 
 txArrayPtr integerValue(IntegerLiteral const& node) {
   txArrayPtr result = embedded_host::makeUninitialized(Shape{1, 1}, node.classID);
-  visitElementType(node.classID, [&]<class T>(T) {
-    result->dataAs<T>()[0] = static_cast<T>(node.bits);
-  });
+  visitElementType(node.classID,
+                   [&]<class T>(T) { result->dataAs<T>()[0] = static_cast<T>(node.bits); });
   return result;
 }
 
@@ -66,43 +65,43 @@ Values Evaluator::evaluateMany(Expression const& expression, int outputs) {
   };
   SourceSpan const span = expression.span;
   return std::visit(
-      Overloaded{
-          [&](Number const& node) { return one(numberValue(node)); },
-          [&](IntegerLiteral const& node) { return one(integerValue(node)); },
-          [&](Text const& node) { return one(textValue(node)); },
-          [&](Name const& node) {
-            if (txArray const* value = session_.variable(node.name)) return one(txShare(*value));
-            return callFunction(node.name, span, span, {}, outputs);
-          },
-          [&](Unary const& node) {
-            Operand const value = operand(*node.operand);
-            return one(located(span, [&] { return applyUnary(node.op, *value); }));
-          },
-          [&](Binary const& node) {
-            if (node.op == Operator::andAlso || node.op == Operator::orElse) {
-              bool const stops = node.op == Operator::orElse;
-              bool const answer =
-                  isTrueAt(*node.left) == stops ? stops : isTrueAt(*node.right);
-              return one(txCreateLogical(answer));
-            }
-            Operand const left = operand(*node.left);
-            Operand const right = operand(*node.right);
-            return one(located(span, [&] { return applyBinary(node.op, *left, *right); }));
-          },
-          [&](Range const& node) {
-            txArrayPtr const first = evaluate(*node.first);
-            txArrayPtr const step = node.step ? evaluate(*node.step) : nullptr;
-            txArrayPtr const last = evaluate(*node.last);
-            return one(located(span, [&] { return makeRange(*first, step.get(), *last); }));
-          },
-          [&](Index const& node) { return evaluateIndex(expression, node, outputs); },
-          [&](Member const& node) { return memberValues(node, span, nullptr, outputs); },
-          [&](Matrix const& node) {
-            return one(located(span, [&] { return evaluateMatrix(node); }));
-          },
-          [&](WholeDimension const&) { return one(makeText(":")); },
-          [&](EndValue const&) { return one(endValue(span)); },
-          [&](Ignored const&) { return Values(); }},
+      Overloaded{[&](Number const& node) { return one(numberValue(node)); },
+                 [&](IntegerLiteral const& node) { return one(integerValue(node)); },
+                 [&](Text const& node) { return one(textValue(node)); },
+                 [&](Name const& node) {
+                   if (txArray const* value = session_.variable(node.name))
+                     return one(txShare(*value));
+                   return callFunction(node.name, span, span, {}, outputs);
+                 },
+                 [&](Unary const& node) {
+                   Operand const value = operand(*node.operand);
+                   return one(located(span, [&] { return applyUnary(node.op, *value); }));
+                 },
+                 [&](Binary const& node) {
+                   if (node.op == Operator::andAlso || node.op == Operator::orElse) {
+                     bool const stops = node.op == Operator::orElse;
+                     bool const answer =
+                         isTrueAt(*node.left) == stops ? stops : isTrueAt(*node.right);
+                     return one(txCreateLogical(answer));
+                   }
+                   Operand const left = operand(*node.left);
+                   Operand const right = operand(*node.right);
+                   return one(located(span, [&] { return applyBinary(node.op, *left, *right); }));
+                 },
+                 [&](Range const& node) {
+                   txArrayPtr const first = evaluate(*node.first);
+                   txArrayPtr const step = node.step ? evaluate(*node.step) : nullptr;
+                   txArrayPtr const last = evaluate(*node.last);
+                   return one(located(span, [&] { return makeRange(*first, step.get(), *last); }));
+                 },
+                 [&](Index const& node) { return evaluateIndex(expression, node, outputs); },
+                 [&](Member const& node) { return memberValues(node, span, nullptr, outputs); },
+                 [&](Matrix const& node) {
+                   return one(located(span, [&] { return evaluateMatrix(node); }));
+                 },
+                 [&](WholeDimension const&) { return one(makeText(":")); },
+                 [&](EndValue const&) { return one(endValue(span)); },
+                 [&](Ignored const&) { return Values(); }},
       expression.node);
 }
 

@@ -36,9 +36,8 @@ Shape sizeArguments(Call const& call, std::size_t first, std::size_t end) {
   auto const arguments = call.arguments().subspan(first, end - first);
   for (std::size_t i = 0; i < arguments.size(); ++i) {
     if (!hasElements(arguments[i]->classID())) {
-      raiseFault("numbersExpected",
-                 "Sizes were expected, not a " + describe(*arguments[i]) + ".", "",
-                 static_cast<int>(first + i) + 1);
+      raiseFault("numbersExpected", "Sizes were expected, not a " + describe(*arguments[i]) + ".",
+                 "", static_cast<int>(first + i) + 1);
     }
   }
   Shape shape(8);
@@ -52,7 +51,8 @@ Shape sizeArguments(Call const& call, std::size_t first, std::size_t end) {
 std::size_t dimensionArgument(Call const& call, std::size_t at, txArray const& value) {
   if (call.size() > at) {
     std::uint64_t const d = countArgument(call[at], static_cast<int>(at) + 1, 1);
-    if (d > 64) raiseFault("countExpected", "There is no such dimension.", "", static_cast<int>(at) + 1);
+    if (d > 64)
+      raiseFault("countExpected", "There is no such dimension.", "", static_cast<int>(at) + 1);
     return d - 1;
   }
   Dims const dims = value.dims();

@@ -15,7 +15,8 @@ namespace language {
 // One call of a function: its arguments, and the place for its results.
 class Call {
  public:
-  Call(Session& session, int outputs, txArrayPtr* results, std::span<txArray const* const> arguments)
+  Call(Session& session, int outputs, txArrayPtr* results,
+       std::span<txArray const* const> arguments)
       : session_(session), outputs_(outputs), results_(results), arguments_(arguments) {}
 
   Session& session() const { return session_; }
@@ -36,8 +37,8 @@ class Call {
 struct FunctionRow {
   char const* name;
   void (*body)(Call&);
-  int fewest;       // arguments
-  int most;         // -1: any number
+  int fewest;  // arguments
+  int most;    // -1: any number
   int mostOutputs;
   char const* what;     // for help
   char const* example;  // runs as it stands

@@ -12,13 +12,13 @@ void checkReach(txArray const& value, Subscripts const& subscripts, Shape const&
     if (subscripts[d].reach() <= extents[d]) continue;
     std::string const index = std::to_string(subscripts[d].reach());
     bool const linear = subscripts.size() == 1;
-    raiseFault("bounds",
-               "Index " + index + " is beyond the end: " +
-                   (linear ? "the array has " + std::to_string(extents[d]) + " elements."
-                           : "dimension " + std::to_string(d + 1) + " of " +
-                                 sizeText(value.dims()) + " has " + std::to_string(extents[d]) +
-                                 "."),
-               "", subscripts[d].position());
+    raiseFault(
+        "bounds",
+        "Index " + index + " is beyond the end: " +
+            (linear ? "the array has " + std::to_string(extents[d]) + " elements."
+                    : "dimension " + std::to_string(d + 1) + " of " + sizeText(value.dims()) +
+                          " has " + std::to_string(extents[d]) + "."),
+        "", subscripts[d].position());
   }
 }
 
@@ -63,9 +63,7 @@ txArrayPtr readElements(txArray const& value, Subscripts const& subscripts) {
     return embedded_host::reshape(value, shape);
   }
   txArrayPtr result = makeBlank(value, shape);
-  copyElements(*result, value, [&](auto&& copy) {
-    forEachSelected(extents, subscripts, copy);
-  });
+  copyElements(*result, value, [&](auto&& copy) { forEachSelected(extents, subscripts, copy); });
   return result;
 }
 
@@ -92,8 +90,7 @@ txArrayPtr makeBlank(txArray const& value, Shape const& shape) {
       return embedded_host::makeStrings(shape);
     default:
       return embedded_host::makeZeros(
-          shape, value.classID(),
-          value.isComplex() ? txComplexity::complex : txComplexity::real);
+          shape, value.classID(), value.isComplex() ? txComplexity::complex : txComplexity::real);
   }
 }
 

@@ -23,9 +23,7 @@ txClassID jointClass(txArray const& target, txArray const& value) {
     return a.classID();
   }
   if (hasElements(a.classID()) && hasElements(b.classID())) {
-    auto const sample = [](txClassID id) {
-      return embedded_host::makeZeros(Shape{1, 1}, id);
-    };
+    auto const sample = [](txClassID id) { return embedded_host::makeZeros(Shape{1, 1}, id); };
     std::array<txArrayPtr, 2> const samples{sample(a.classID()), sample(b.classID())};
     return concatenate(samples, 1)->classID();
   }
@@ -214,8 +212,9 @@ void deleteElements(txArrayPtr& target, Subscripts const& subscripts) {
   for (std::size_t d = 0; d < subscripts.size(); ++d) {
     bool const whole = subscripts[d].whole();
     if (subscripts[d].reach() > extents[d]) {
-      raiseFault("bounds", "Index " + std::to_string(subscripts[d].reach()) +
-                               " is beyond the end: there are " + std::to_string(extents[d]) + ".",
+      raiseFault("bounds",
+                 "Index " + std::to_string(subscripts[d].reach()) +
+                     " is beyond the end: there are " + std::to_string(extents[d]) + ".",
                  "", subscripts[d].position());
     }
     if (whole && (shrinking != subscripts.size() || d + 1 < subscripts.size())) continue;

@@ -16,24 +16,46 @@ namespace {
 using enum TokenKind;
 
 constexpr std::pair<std::string_view, TokenKind> kKeywords[] = {
-    {"if", kwIf},       {"elseif", kwElseif}, {"else", kwElse}, {"end", kwEnd},
-    {"for", kwFor},     {"while", kwWhile},   {"try", kwTry},   {"catch", kwCatch},
+    {"if", kwIf},       {"elseif", kwElseif},    {"else", kwElse}, {"end", kwEnd},
+    {"for", kwFor},     {"while", kwWhile},      {"try", kwTry},   {"catch", kwCatch},
     {"break", kwBreak}, {"continue", kwContinue}};
 
 // Longest first: the first that matches is the operator.
-constexpr std::pair<std::string_view, TokenKind> kOperators[] = {
-    {"==", equal},         {"~=", notEqual},      {"!=", notEqual},
-    {"<=", lessEqual},     {">=", greaterEqual},  {"&&", andAlso},
-    {"||", orElse},        {".*", elementTimes},  {"./", elementDivide},
-    {".\\", elementLeftDivide}, {".^", elementPower}, {".'", transpose},
-    {"=", assign},         {"+", plus},           {"-", minus},
-    {"*", times},          {"/", divide},         {"\\", leftDivide},
-    {"^", power},          {"<", less},           {">", greater},
-    {"&", elementAnd},     {"|", elementOr},      {"~", logicalNot},
-    {"!", logicalNot},     {":", colon},          {".", dot},
-    {",", comma},          {";", semicolon},      {"(", openParen},
-    {")", closeParen},     {"[", openSquare},     {"]", closeSquare},
-    {"{", openBrace},      {"}", closeBrace}};
+constexpr std::pair<std::string_view, TokenKind> kOperators[] = {{"==", equal},
+                                                                 {"~=", notEqual},
+                                                                 {"!=", notEqual},
+                                                                 {"<=", lessEqual},
+                                                                 {">=", greaterEqual},
+                                                                 {"&&", andAlso},
+                                                                 {"||", orElse},
+                                                                 {".*", elementTimes},
+                                                                 {"./", elementDivide},
+                                                                 {".\\", elementLeftDivide},
+                                                                 {".^", elementPower},
+                                                                 {".'", transpose},
+                                                                 {"=", assign},
+                                                                 {"+", plus},
+                                                                 {"-", minus},
+                                                                 {"*", times},
+                                                                 {"/", divide},
+                                                                 {"\\", leftDivide},
+                                                                 {"^", power},
+                                                                 {"<", less},
+                                                                 {">", greater},
+                                                                 {"&", elementAnd},
+                                                                 {"|", elementOr},
+                                                                 {"~", logicalNot},
+                                                                 {"!", logicalNot},
+                                                                 {":", colon},
+                                                                 {".", dot},
+                                                                 {",", comma},
+                                                                 {";", semicolon},
+                                                                 {"(", openParen},
+                                                                 {")", closeParen},
+                                                                 {"[", openSquare},
+                                                                 {"]", closeSquare},
+                                                                 {"{", openBrace},
+                                                                 {"}", closeBrace}};
 
 bool isDigit(char c) { return c >= '0' && c <= '9'; }
 bool isLetter(char c) { return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || c == '_'; }
@@ -127,7 +149,8 @@ class Lexer {
         if (at_ < source_.size()) {
           ++at_;
         } else {
-          raiseSyntax(span(at_ - 1, at_), "The line goes on after '...', but the source ends.", "", true);
+          raiseSyntax(span(at_ - 1, at_), "The line goes on after '...', but the source ends.", "",
+                      true);
         }
       } else if (c == '\n' && !brackets_.empty() && brackets_.back() == '(') {
         ++at_;
@@ -197,16 +220,18 @@ class Lexer {
       while (isDigit(peek())) ++at_;
     }
     double value = 0;
-    auto const [end, status] = std::from_chars(source_.data() + begin_, source_.data() + at_, value);
+    auto const [end, status] =
+        std::from_chars(source_.data() + begin_, source_.data() + at_, value);
     if (status == std::errc::result_out_of_range) {
       // Too large or too small: the exponent, or else the number of digits, tells which.
       std::string_view const digits = source_.substr(begin_, at_ - begin_);
       std::size_t const exponent = digits.find_first_of("eE");
-      bool const small = exponent != std::string_view::npos ? digits[exponent + 1] == '-'
-                                                            : digits.front() == '0';
+      bool const small =
+          exponent != std::string_view::npos ? digits[exponent + 1] == '-' : digits.front() == '0';
       value = small ? 0.0 : HUGE_VAL;
     }
-    bool const imaginary = (peek() == 'i' || peek() == 'j') && !isLetter(peek(1)) && !isDigit(peek(1));
+    bool const imaginary =
+        (peek() == 'i' || peek() == 'j') && !isLetter(peek(1)) && !isDigit(peek(1));
     if (imaginary) ++at_;
     endOfNumber();
     Token& token = push(TokenKind::number);
@@ -230,7 +255,8 @@ class Lexer {
     int used = 0;
     int digits = 0;
     for (; hexDigit(peek()) >= 0 && hexDigit(peek()) < (1 << bitsPerDigit); ++at_, ++digits) {
-      if (value >> (64 - bitsPerDigit) != 0) raiseSyntax(span(begin_, at_ + 1), "More than 64 bits.");
+      if (value >> (64 - bitsPerDigit) != 0)
+        raiseSyntax(span(begin_, at_ + 1), "More than 64 bits.");
       value = (value << bitsPerDigit) | static_cast<std::uint64_t>(hexDigit(peek()));
     }
     for (std::uint64_t rest = value; rest != 0; rest >>= 1) ++used;
@@ -243,7 +269,8 @@ class Lexer {
       while (isDigit(peek()) && suffix < 100) suffix = suffix * 10 + (source_[at_++] - '0');
       bool const known = suffix == 8 || suffix == 16 || suffix == 32 || suffix == 64;
       if (!known) {
-        raiseSyntax(span(begin_, at_), "This is no number.", "the suffixes are u8 to u64 and s8 to s64");
+        raiseSyntax(span(begin_, at_), "This is no number.",
+                    "the suffixes are u8 to u64 and s8 to s64");
       }
       if (suffix < width && used > suffix) {
         raiseSyntax(span(begin_, at_), "The number has more bits than its class.");
@@ -359,8 +386,9 @@ class Lexer {
     }
     bool const curlyQuote = decoded->point >= 0x2018 && decoded->point <= 0x201F;
     raiseSyntax(span(at_, decoded->next), "This character is no part of the language.",
-                curlyQuote ? "texts stand in straight quotes: 'text'"
-                : peek() == '#' ? "comments start with %" : "");
+                curlyQuote      ? "texts stand in straight quotes: 'text'"
+                : peek() == '#' ? "comments start with %"
+                                : "");
   }
 
   std::string_view source_;

@@ -67,8 +67,7 @@ class Operand {
  public:
   explicit Operand(txArray const& array) {
     if constexpr (std::is_same_v<T, Complex> || std::is_same_v<T, ComplexSingle>) {
-      constexpr txClassID kClass =
-          std::is_same_v<T, Complex> ? txClassDouble : txClassSingle;
+      constexpr txClassID kClass = std::is_same_v<T, Complex> ? txClassDouble : txClassSingle;
       held_ = toComplex(*convertClass(array, kClass));
       data_ = held_->dataAs<T>();
     } else if constexpr (std::is_same_v<T, long double>) {
@@ -103,8 +102,8 @@ txArrayPtr store(std::vector<T> const& from, Shape const& shape, txClassID targe
 }
 
 template <class T, class Op>
-txArrayPtr arithmetic(txArray const& left, txArray const& right, txClassID target,
-                      char const* name, Op op) {
+txArrayPtr arithmetic(txArray const& left, txArray const& right, txClassID target, char const* name,
+                      Op op) {
   Broadcast const walk(left, right, name);
   Operand<T> const a(left);
   Operand<T> const b(right);
@@ -199,8 +198,8 @@ txArrayPtr compare(Operator op, txArray const& a, txArray const& b) {
 // A negative base with a fractional exponent has a complex power.
 bool powerIsComplex(txArray const& base, txArray const& exponent) {
   if (!hasElements(base.classID()) || !hasElements(exponent.classID()) ||
-      isIntegerClass(base.classID()) || isIntegerClass(exponent.classID()) ||
-      base.isComplex() || exponent.isComplex()) {
+      isIntegerClass(base.classID()) || isIntegerClass(exponent.classID()) || base.isComplex() ||
+      exponent.isComplex()) {
     return false;
   }
   Operand<double> const b(base);
@@ -219,9 +218,8 @@ txArrayPtr multiplyMatrices(txArray const& left, txArray const& right, txClassID
   std::uint64_t const columns = right.dims()[1];
   Operand<T> const a(left);
   Operand<T> const b(right);
-  txArrayPtr result =
-      embedded_host::makeZeros(Shape{rows, columns}, target,
-                               kComplex ? txComplexity::complex : txComplexity::real);
+  txArrayPtr result = embedded_host::makeZeros(
+      Shape{rows, columns}, target, kComplex ? txComplexity::complex : txComplexity::real);
   T* out = result->dataAs<T>();
   for (std::uint64_t j = 0; j < columns; ++j) {
     for (std::uint64_t k = 0; k < inner; ++k) {
@@ -259,7 +257,7 @@ txArrayPtr matrixProduct(txArray const& left, txArray const& right) {
 }
 
 void refuseMatrixOperator(Operator op, txArray const& left, txArray const& right) {
-  bool const division = op == Operator::divide ? !right.isScalar()
+  bool const division = op == Operator::divide       ? !right.isScalar()
                         : op == Operator::leftDivide ? !left.isScalar()
                                                      : false;
   bool const matrixPower = op == Operator::power && (!left.isScalar() || !right.isScalar());

@@ -130,7 +130,8 @@ class StatementParser {
       return {span, ExpressionStatement{std::move(expression), endOfStatement()}};
     }
     if (!many && !isTarget(*targets.front())) {
-      raiseSyntax(targets.front()->span, "To this nothing can be assigned.", "to compare, write ==");
+      raiseSyntax(targets.front()->span, "To this nothing can be assigned.",
+                  "to compare, write ==");
     }
     reader_.take();
     ExpressionPtr value = expressions_.parse();
@@ -165,8 +166,8 @@ class StatementParser {
   ExpressionPtr condition(char const* keyword) {
     ExpressionPtr expression = expressions_.parse();
     if (reader_.at(assign)) {
-      raiseSyntax(reader_.peek().span, std::string("A condition of '") + keyword +
-                                           "' is no assignment.",
+      raiseSyntax(reader_.peek().span,
+                  std::string("A condition of '") + keyword + "' is no assignment.",
                   "to compare, write ==");
     }
     return expression;

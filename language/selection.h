@@ -60,8 +60,8 @@ inline std::size_t bytesPerElement(txArray const& value) {
 
 // An array of `value`'s class and complexity: zeros, unset cells or empty texts.
 txArrayPtr makeBlank(txArray const& value, Shape const& shape);
-// Copies elements between arrays of the same class and complexity. `walk` gets a function (to, from)
-// and calls it for each pair of positions.
+// Copies elements between arrays of the same class and complexity. `walk` gets a function (to,
+// from) and calls it for each pair of positions.
 template <class Walk>
 void copyElements(txArray& to, txArray const& from, Walk&& walk) {
   switch (to.classID()) {

@@ -68,8 +68,9 @@ txArrayPtr applyToStrings(Operator op, txArray const& left, txArray const& right
   txArrayPtr result = joins ? embedded_host::makeStrings(walk.result())
                             : embedded_host::makeUninitialized(walk.result(), txClassLogical);
   std::vector<Pair> pairs(result->numel());
-  walk.run(pairs.data(), positions.data(), positions.data(),
-           [](std::uint64_t i, std::uint64_t j) { return Pair{i, j}; });
+  walk.run(pairs.data(), positions.data(), positions.data(), [](std::uint64_t i, std::uint64_t j) {
+    return Pair{i, j};
+  });
   for (std::size_t i = 0; i < pairs.size(); ++i) {
     auto const x = embedded_host::stringAt(*a, pairs[i].left);
     auto const y = embedded_host::stringAt(*b, pairs[i].right);

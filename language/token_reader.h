@@ -58,8 +58,8 @@ class TokenReader {
     TokenReader& reader_;
   };
   [[noreturn]] static void tooDeep(SourceSpan span) {
-    raiseSyntax(span, "This is nested too deeply (more than " + std::to_string(kMaxNesting) +
-                          " levels).");
+    raiseSyntax(
+        span, "This is nested too deeply (more than " + std::to_string(kMaxNesting) + " levels).");
   }
 
  private:

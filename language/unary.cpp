@@ -21,9 +21,11 @@ using embedded_host::makeUninitialized;
 txArrayPtr negate(txArray const& operand) {
   txClassID const id = operand.classID();
   if (!isFloatClass(id)) {
-    txArrayPtr const number = isIntegerClass(id) ? txShare(operand) : convertClass(operand, txClassDouble);
-    return isIntegerClass(id) ? applyBinary(Operator::subtract, *convertClass(*makeDouble(0), id), *number)
-                              : negate(*number);
+    txArrayPtr const number =
+        isIntegerClass(id) ? txShare(operand) : convertClass(operand, txClassDouble);
+    return isIntegerClass(id)
+               ? applyBinary(Operator::subtract, *convertClass(*makeDouble(0), id), *number)
+               : negate(*number);
   }
   txArrayPtr result = makeUninitialized(
       operand.dims(), id, operand.isComplex() ? txComplexity::complex : txComplexity::real);
@@ -63,7 +65,8 @@ txArrayPtr transpose(txArray const& operand, bool conjugate) {
   if (operand.classID() == txClassCell) {
     txArrayPtr result = txCreateCell(shape);
     for (std::uint64_t i = 0, at = 0; i < rows; ++i) {
-      for (std::uint64_t j = 0; j < columns; ++j, ++at) copyCell(*result, at, operand, j * rows + i);
+      for (std::uint64_t j = 0; j < columns; ++j, ++at)
+        copyCell(*result, at, operand, j * rows + i);
     }
     return result;
   }
@@ -78,8 +81,8 @@ txArrayPtr transpose(txArray const& operand, bool conjugate) {
   }
   bool const complex = operand.isComplex();
   if ((rows == 1 || columns == 1) && !complex) return embedded_host::reshape(operand, shape);
-  txArrayPtr result = makeUninitialized(
-      shape, operand.classID(), complex ? txComplexity::complex : txComplexity::real);
+  txArrayPtr result = makeUninitialized(shape, operand.classID(),
+                                        complex ? txComplexity::complex : txComplexity::real);
   visitElementType(operand.classID(), [&]<class T>(T) {
     if constexpr (std::is_floating_point_v<T>) {
       if (complex) {

@@ -23,9 +23,7 @@ std::string describe(txArray const& value) {
   return sizeText(value.dims()) + ' ' + classText(value);
 }
 
-bool sameDims(txArray const& a, txArray const& b) {
-  return std::ranges::equal(a.dims(), b.dims());
-}
+bool sameDims(txArray const& a, txArray const& b) { return std::ranges::equal(a.dims(), b.dims()); }
 
 txArrayPtr convertClass(txArray const& value, txClassID target) {
   if (value.isSparse()) return convertClass(*txToFull(value), target);
@@ -57,8 +55,7 @@ txArrayPtr toComplex(txArray const& value) {
   if (value.isComplex()) return txShare(value);
   txClassID const target = value.classID() == txClassSingle ? txClassSingle : txClassDouble;
   txArrayPtr const real = convertClass(value, target);
-  txArrayPtr result =
-      embedded_host::makeUninitialized(value.dims(), target, txComplexity::complex);
+  txArrayPtr result = embedded_host::makeUninitialized(value.dims(), target, txComplexity::complex);
   auto const fill = [&]<class T>(T) {
     T const* from = real->dataAs<T>();
     T* to = result->dataAs<T>();
