@@ -1,0 +1,26 @@
+#include "rng/mr_functions.h"
+
+#include "rng/global_stream.h"
+#include "rng/stream_handle.h"
+#include "tfl_rng/minimal_standard.h"
+
+randstream* mrGetGlobalStream() { return acquireGlobalRandStream().get(); }
+
+void mrRandu(double* out, unsigned long n) { acquireGlobalRandStream()->randuFcn(out, n); }
+
+void mrRandn(double* out, unsigned long n) { acquireGlobalRandStream()->randnFcn(out, n, false); }
+
+void mrRandi(double* out, unsigned long n, double lo, double hi) {
+  acquireGlobalRandStream()->randiFcn(lo, hi, out, n);
+}
+
+void mrRandperm(double* out, unsigned long n) { acquireGlobalRandStream()->randpermFcn(out, n); }
+
+void mrRandkperm(double* out, unsigned long k, double n) {
+  acquireGlobalRandStream()->randkpermFcn(out, k, n);
+}
+
+randstream* mrGetCPPRandStreamFromTxArray(txArray const* object) {
+  if (!object || object->isEmpty()) return mrGetGlobalStream();
+  return streamOfObject(*object).get();
+}
