@@ -24,3 +24,8 @@ randstream* mrGetCPPRandStreamFromTxArray(txArray const* object) {
   if (!object || object->isEmpty()) return mrGetGlobalStream();
   return streamOfObject(*object).get();
 }
+
+double mrV4Urand(unsigned int* state) {
+  *state = tfl_rng::minimalStandardStep(*state);
+  return tfl_rng::minimalStandardUniform(*state);
+}
