@@ -143,7 +143,7 @@ INSTANTIATE_TEST_SUITE_P(
         Failure{"standard", [] { throw std::bad_alloc(); },
                 "TALVOR:RandStream:UnexpectedPluginError", ""},
         Failure{"foreign", [] { throw 42; }, "TALVOR:RandStream:UnexpectedPluginError", ""}),
-    [](auto const& info) { return info.param.name; });
+    [](auto const& row) { return row.param.name; });
 
 TEST(Stream, RefusedDefaultMethodIsAConstructionErrorThatKeepsThePluginAlive) {
   struct Refusing : ScriptedNormalPlugin {

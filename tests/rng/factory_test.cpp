@@ -107,14 +107,14 @@ TEST_P(Factory, ResetReturnsToTheStartOfTheSeed) {
 
 constexpr bool Single = false;
 constexpr bool Substreams = true;
-INSTANTIATE_TEST_SUITE_P(Generators, Factory,
-                         ::testing::ValuesIn(std::vector<Row>{
 #define TFL_GENERATOR(name, core, otherSpelling, family, stateClass, stateLen, normals, period) \
-  {#name, otherSpelling, family, stateClass, stateLen, normals},
+  Row{#name, otherSpelling, family, stateClass, stateLen, normals},
+const std::vector<Row> kGenerators = {
 #include "tfl_rng/generators.def"
+};
 #undef TFL_GENERATOR
-                         }),
-                         [](auto const& info) { return info.param.name; });
+INSTANTIATE_TEST_SUITE_P(Generators, Factory, ::testing::ValuesIn(kGenerators),
+                         [](auto const& row) { return row.param.name; });
 
 TEST(FactoryNames, UnknownNamesAreReportedAsGiven) {
   for (char const* name : {"twister", "legacy", "mt19937ar ", "", "MT 19937"}) {

@@ -3,9 +3,7 @@
 #include <gmock/gmock.h>
 
 #include "embedded_host/vm_context.h"
-#include "rng/stream_handle.h"
 #include "tests/support/identifiers.h"
-#include "tests/support/known_answers.h"
 
 namespace {
 
@@ -54,18 +52,6 @@ TEST_F(PlainFunctions, StreamOfAnEmptyArrayIsTheGlobalOneAndOfANumberNone) {
   const txArrayPtr number = txCreateDouble(1);
   EXPECT_EQ(identifierOf([&] { mrGetCPPRandStreamFromTxArray(number.get()); }),
             "TALVOR:RandStream:InvalidHandle");
-}
-
-TEST_F(PlainFunctions, HandleKeepsItsStreamUntilReleased) {
-  std::shared_ptr<randstream> stream(std::move(twin));
-  const txArrayPtr handle = makeStreamHandle(stream);
-  EXPECT_EQ(streamOfHandle(*handle), stream);
-  EXPECT_EQ(stream.use_count(), 2);
-  releaseStreamHandle(*handle);
-  EXPECT_EQ(stream.use_count(), 1);
-  const txArrayPtr number = txCreateDouble(1);
-  releaseStreamHandle(*number);
-  EXPECT_EQ(identifierOf([&] { streamOfHandle(*number); }), "TALVOR:RandStream:InvalidHandle");
 }
 
 TEST(LegacyStep, FollowsThePublishedSequence) {

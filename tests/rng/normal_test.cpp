@@ -19,7 +19,8 @@ using testing_support::ScriptedPlugin;
 struct Tables {
   std::vector<double> x, f;
   Tables() {
-    for (auto const& row : known_answers::read("ziggurat256.txt")[0].rows) {
+    const auto blocks = known_answers::read("ziggurat256.txt");
+    for (auto const& row : blocks[0].rows) {
       x.push_back(std::stod(row[1]));
       f.push_back(std::stod(row[2]));
     }
@@ -47,6 +48,11 @@ class Normal : public ::testing::Test {
   }
   // A uniform that selects layer i.
   static double layer(int i) { return (i + 0.5) / 256; }
+  // A uniform that puts the candidate of layer i half-way into its wedge.
+  static double wedge(int i) {
+    const auto at = static_cast<std::size_t>(i);
+    return (1 + (tables().x[at] + tables().x[at + 1]) / 2 / tables().x[at + 1]) / 2;
+  }
 
   Script script;
   std::unique_ptr<randstream> stream;
@@ -63,26 +69,23 @@ TEST_F(Ziggurat, InnerPartOfALayerIsAcceptedAtOnce) {
 }
 
 TEST_F(Ziggurat, WedgeTakesAThirdUniformAndTheLeftoverStaysInFront) {
-  const double edge = 1 - 0x1p-53;
   // The third uniform accepts near 0; the fourth is left over and selects the next layer.
-  over("ziggurat", {layer(50), edge, 0x1p-30, layer(7), 0.5});
-  EXPECT_THAT(draw(2), ElementsAre((2 * edge - 1) * tables().x[51], 0.0));
+  over("ziggurat", {layer(50), wedge(50), 0x1p-30, layer(7), 0.5});
+  EXPECT_THAT(draw(2), ElementsAre((2 * wedge(50) - 1) * tables().x[51], 0.0));
   EXPECT_THAT(script.requests, ElementsAre(4, 1));
 }
 
 TEST_F(Ziggurat, WedgeRejectsAboveTheCurveAndRefillsForWhatIsMissing) {
-  const double edge = 1 - 0x1p-53;
   // Attempt 1 rejected, its wedge uniform drawn alone; attempt 2 accepted.
-  over("ziggurat", {layer(50), edge, edge, layer(9), 0.25});
+  over("ziggurat", {layer(50), wedge(50), 1 - 0x1p-53, layer(9), 0.25});
   EXPECT_THAT(draw(1), ElementsAre(-0.5 * tables().x[10]));
   EXPECT_THAT(script.requests, ElementsAre(2, 1, 2));
 }
 
 TEST_F(Ziggurat, WedgeRefillLeavesRoomForTheOutputsToCome) {
-  const double edge = 1 - 0x1p-53;
   // Two inner values, then a wedge that finds the store empty: it asks for 2*1-1 uniforms.
-  over("ziggurat", {layer(1), 0.5, layer(2), 0.5, layer(50), edge, 0x1p-30});
-  EXPECT_THAT(draw(3), ElementsAre(0.0, 0.0, (2 * edge - 1) * tables().x[51]));
+  over("ziggurat", {layer(1), 0.5, layer(2), 0.5, layer(50), wedge(50), 0x1p-30});
+  EXPECT_THAT(draw(3), ElementsAre(0.0, 0.0, (2 * wedge(50) - 1) * tables().x[51]));
   EXPECT_THAT(script.requests, ElementsAre(6, 1));
 }
 
@@ -246,9 +249,10 @@ TEST_F(Normal, RefusedMethodLeavesTheStreamDrawingAsBefore) {
 }
 
 TEST_F(Normal, EndlessRejectionEndsWithAnErrorInsteadOfHanging) {
+  // Polar: outside the circle; ziggurat: a point of a wedge above the curve.
   struct Constant : ScriptedPlugin {
     using ScriptedPlugin::ScriptedPlugin;
-    void randu(double* out, std::size_t n) override { std::fill_n(out, n, 1 - 0x1p-53); }
+    void randu(double* out, std::size_t n) override { std::fill_n(out, n, 254.99 / 256); }
   };
   for (char const* method : {"polar", "ziggurat"}) {
     over<Constant>(method, {});

@@ -14,6 +14,7 @@ using testing_support::ScriptedPlugin;
 class Uniform : public ::testing::Test {
  protected:
   randstream& over(std::vector<double> uniforms) {
+    script = {};
     script.uniforms = std::move(uniforms);
     stream = std::make_unique<randstream>("scripted", 0, new ScriptedPlugin(script), 1, 0);
     return *stream;
