@@ -29,8 +29,9 @@ class mt19937ar_plugin final : public PluginRNGRandn<Core, IPluginRNG::uint32Sta
 }  // namespace
 
 void saveState(Core const& core, std::uint32_t* state) {
-  state = std::copy(core.state().words.begin(), core.state().words.end(), state);
-  *state = core.state().position;
+  const Core::State saved = core.state();
+  state = std::copy(saved.words.begin(), saved.words.end(), state);
+  *state = saved.position;
 }
 
 void loadState(Core& core, std::uint32_t const* state) {

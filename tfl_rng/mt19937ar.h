@@ -15,12 +15,13 @@
 #include <cstdint>
 
 #include "tfl_rng/core_rng.h"
+#include "tfl_rng/kernels/mt19937.h"
 
 namespace tfl_rng {
 
 class mt19937ar final : public CoreNormalRNG {
  public:
-  static constexpr std::size_t kWords = 624;
+  static constexpr std::size_t kWords = mt19937::kWords;
 
   // The published batch form at any time: a whole vector, and how many of its words are used up.
   struct State {
@@ -37,15 +38,22 @@ class mt19937ar final : public CoreNormalRNG {
   void randu(double* out, std::size_t n) override;
   void randn(double* out, std::size_t n) override;
 
-  State const& state() const noexcept { return state_; }
+  State state() const noexcept;
   // The position must be at most 624 and the words not all zero.
-  void setState(State const& state) noexcept { state_ = state; }
+  void setState(State const& state) noexcept;
 
   // The state right after the published init_genrand(seed), for any seed.
   static State seeded(std::uint32_t seed) noexcept;
 
  private:
-  State state_;
+  struct NormalSource;
+
+  template <class Precision>
+  void fill(Precision precision, double* out, std::size_t n);
+  std::uint32_t nextWord();
+
+  mt19937::Batch batch_;
+  std::size_t position_;
 };
 
 }  // namespace tfl_rng
