@@ -17,7 +17,7 @@ struct HostAllocator {
 
   HostAllocator() = default;
   template <class U>
-  HostAllocator(HostAllocator<U> const&) noexcept {}
+  HostAllocator(HostAllocator<U> const&) noexcept {}  // NOLINT(google-explicit-constructor)
 
   T* allocate(std::size_t count) {
     // A count beyond the address space becomes the largest request, which fails as any other.

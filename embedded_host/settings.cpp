@@ -52,7 +52,7 @@ class Group final : public settings::core::Settings {
   }
 
   toml::node_view<toml::node const> find(std::string_view key, std::string_view level) const {
-    if (level != "" && level != "factory") {
+    if (!level.empty() && level != "factory") {
       raiseHostError("TALVOR:settings:UnknownLevel", level);
     }
     auto const in = [&](toml::table const& values) {
@@ -96,7 +96,7 @@ std::optional<std::filesystem::path> userSettingsFile() {
     char const* const value = std::getenv(name);
     return value && *value ? std::optional<std::filesystem::path>(value) : std::nullopt;
   };
-  if (auto const file = variable("TVRNG_SETTINGS")) return file;
+  if (auto file = variable("TVRNG_SETTINGS")) return file;
   if (auto const folder = variable("XDG_CONFIG_HOME")) return *folder / "tvrng/settings.toml";
   if (auto const home = variable("HOME")) return *home / ".config/tvrng/settings.toml";
   return std::nullopt;

@@ -24,7 +24,7 @@ class Key : public foundation::core::except::MessageId {
 template <std::size_t n>
 class PathText {
  public:
-  consteval PathText(char const (&qualified)[n]) {
+  consteval PathText(char const (&qualified)[n]) {  // NOLINT(google-explicit-constructor)
     for (std::size_t i = 0; i + 1 < n; ++i) {
       if (qualified[i] == ' ') continue;
       if (qualified[i] == ':' && size_ > 0 && text_[size_ - 1] == ':') continue;
