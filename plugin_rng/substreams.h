@@ -40,14 +40,9 @@ class PluginRNGSubstreams : public PluginRNG<Core, id>, public IPluginRNGSubstre
                                                                          : tfl_rng::tooManyStreams;
   }
   void setSubstream(std::size_t index) override {
-    switch (this->core->setSubstream(index)) {
-      case tfl_rng::ok:
-        return;
-      case tfl_rng::indexOutOfRange:
-        OutOfRangeError<Core>();
-      default:
-        cannotJump();
-    }
+    const auto status = this->core->setSubstream(index);
+    if (status == tfl_rng::indexOutOfRange) OutOfRangeError<Core>();
+    if (status != tfl_rng::ok) cannotJump();
   }
   std::size_t getSubstream() const override { return this->core->substream(); }
   void advance(std::size_t n) override { move(*this->core, n); }
