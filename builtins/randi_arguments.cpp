@@ -1,7 +1,7 @@
 #include "builtins/randi_arguments.h"
 
 #include "builtins/arguments.h"
-#include "errors/keys.h"
+#include "host/except.h"
 #include "rng/element_types.h"
 
 namespace builtins {
@@ -17,16 +17,11 @@ Limits parseLimits(txArray const& limits, void (*invalid)(int position), int pos
 }
 
 void checkRange(Limits const& limits, int position) {
-  namespace keys = TALVOR::RandStream::randi;
-  using foundation::core::except::Exception;
   try {
     checkRandiLimits(limits.low, limits.high);
-  } catch (Exception<keys::invalidLimits> const& error) {
-    errors::raise(error.key(), position);
-  } catch (Exception<keys::LimitsTooLarge> const& error) {
-    errors::raise(error.key(), position);
-  } catch (Exception<keys::RangeTooLarge> const& error) {
-    errors::raise(error.key(), position);
+  } catch (foundation::core::except::AnyException& error) {
+    error.setFaultyArgument(position);
+    throw;
   }
 }
 

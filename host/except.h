@@ -47,6 +47,7 @@ class TV_EXPORT AnyException {
  public:
   virtual std::string GetID() const = 0;
   virtual MessageId const& GetBaseMsgIDObj() const noexcept = 0;
+  virtual void setFaultyArgument(int position) noexcept = 0;
   virtual const char* text() const noexcept = 0;
   [[noreturn]] virtual void rethrow() const = 0;
   virtual std::unique_ptr<AnyException> clone() const = 0;
@@ -69,6 +70,7 @@ class Exception final : public Base, public AnyException {
   const char* text() const noexcept override { return message_.c_str(); }
   std::string GetID() const override { return key_.identifier(); }
   MessageId const& GetBaseMsgIDObj() const noexcept override { return key_; }
+  void setFaultyArgument(int position) noexcept override { key_.setFaultyArgument(position); }
   [[noreturn]] void rethrow() const override { throw *this; }
   std::unique_ptr<AnyException> clone() const override {
     return std::make_unique<Exception>(*this);

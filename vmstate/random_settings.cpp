@@ -5,6 +5,7 @@
 
 #include "host/settings.h"
 #include "host/tfl_rng.h"
+#include "vmstate/generator_aliases.h"
 
 namespace {
 
@@ -16,16 +17,6 @@ constexpr std::string_view kSeed = "DefaultSeed";
 constexpr std::string_view kInEffect = "";
 constexpr std::string_view kFactory = "factory";
 
-struct Alias {
-  std::u16string_view alias;
-  std::u16string_view name;
-};
-constexpr Alias kAliases[] = {
-    {u"twister", u"mt19937ar"},      {u"simdTwister", u"dsfmt19937"},
-    {u"combRecursive", u"mrg32k3a"}, {u"multFibonacci", u"mlfg6331_64"},
-    {u"philox", u"philox4x32_10"},   {u"threefry", u"threefry4x64_20"},
-};
-
 std::u16string readAlgorithm(Settings const& group, std::string_view level) {
   std::u16string name = group.get<std::u16string>(kAlgorithm, level);
   canonicalGeneratorName(name);
@@ -33,15 +24,6 @@ std::u16string readAlgorithm(Settings const& group, std::string_view level) {
 }
 
 }  // namespace
-
-void canonicalGeneratorName(std::u16string& name) {
-  for (Alias const& row : kAliases) {
-    if (name == row.alias) {
-      name = row.name;
-      return;
-    }
-  }
-}
 
 DefaultStreamSettings readDefaultStreamSettings() {
   std::shared_ptr<Settings> const root = settings::standalone::getSettingsRoot();

@@ -1,7 +1,8 @@
 #pragma once
 
 // What the host's settings say about random numbers: group "talvor.general.randomnumbers", keys
-// "DefaultAlgorithm" and "DefaultSeed". Errors of the settings store propagate.
+// "DefaultAlgorithm" (a generator or an alias of one) and "DefaultSeed". Errors of the settings
+// store propagate.
 
 #include <cstdint>
 #include <string>
@@ -17,6 +18,3 @@ DefaultStreamSettings readDefaultStreamSettings();
 
 // The canonical name of the generator that the host was shipped with.
 std::u16string readFactoryDefaultAlgorithm();
-
-// Replaces a user alias ("twister", exact case) by the generator's name; leaves other names alone.
-void canonicalGeneratorName(std::u16string& name);

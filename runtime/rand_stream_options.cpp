@@ -1,0 +1,173 @@
+#include "runtime/rand_stream_options.h"
+
+#include <algorithm>
+#include <cmath>
+#include <optional>
+#include <random>
+#include <string_view>
+
+#include "embedded_host/array.h"
+#include "embedded_host/dispatcher.h"
+#include "embedded_host/messages.h"
+#include "embedded_host/text.h"
+#include "errors/keys.h"
+#include "vmstate/generator_aliases.h"
+#include "vmstate/global_stream.h"
+
+namespace runtime {
+namespace {
+
+namespace keys = TALVOR::RandStream::create;
+using embedded_host::equalIgnoringAsciiCase;
+
+struct GeneratorName {
+  std::string_view spelling;
+  char const* name;
+};
+constexpr GeneratorName kGenerators[] = {
+#define TFL_GENERATOR(name, core, otherSpelling, ...) {#name, #name}, {otherSpelling, #name},
+#include "tfl_rng/generators.def"
+#undef TFL_GENERATOR
+};
+
+// Raises the error of a key, its text followed by the known name that was probably meant.
+template <class Key>
+[[noreturn]] void raiseUnknown(Key key, std::string const& given, int position,
+                               std::vector<std::string> const& known) {
+  std::string text = renderMessage(key);
+  std::string const closest = embedded_host::closestName(given, known);
+  if (!closest.empty()) text += " Did you mean \"" + closest + "\"?";
+  key.setFaultyArgument(position);
+  throw foundation::core::except::Exception<Key>(std::move(key), std::move(text));
+}
+
+std::optional<std::string> textOf(txArray const& value) {
+  std::optional<std::u16string> const text = value.scalarText();
+  if (!text) return std::nullopt;
+  return embedded_host::utf16ToUtf8(*text);
+}
+
+std::string parseType(txArray const& value) {
+  std::optional<std::u16string> given = value.scalarText();
+  if (!given) errors::raise(keys::InvalidRNGType(), 1);
+  canonicalGeneratorName(*given);
+  std::string const name = embedded_host::utf16ToUtf8(*given);
+  std::vector<std::string> known;
+  for (GeneratorName const& row : kGenerators) {
+    if (!row.spelling.empty() && equalIgnoringAsciiCase(row.spelling, name)) return row.name;
+    if (!row.spelling.empty()) known.emplace_back(row.spelling);
+  }
+  raiseUnknown(keys::UnknownRNGType(name.c_str()), name, 1, known);
+}
+
+std::string shippedType() {
+  txArrayPtr type;
+  getFactoryDefaultRandStreamType(1, &type, 0, nullptr);
+  return parseType(*type);
+}
+
+// The elements of a real numeric array as whole numbers of [low, high]; nothing when one is not.
+std::optional<std::vector<std::uint64_t>> toCounts(txArray const& value, std::uint64_t low,
+                                                   std::uint64_t high) {
+  if (!value.isNumeric() || value.isComplex()) return std::nullopt;
+  std::vector<std::uint64_t> counts(value.numel());
+  if (value.classID() == txClassUint64) {
+    std::ranges::copy(embedded_host::elementsOf<std::uint64_t>(value), counts.begin());
+  } else {
+    txArrayPtr const doubles = txToDouble(value);
+    for (std::size_t i = 0; i < counts.size(); ++i) {
+      double const element = std::as_const(*doubles).dataAs<double>()[i];
+      if (!(element >= 0 && element < 0x1p64) || element != std::trunc(element))
+        return std::nullopt;
+      counts[i] = static_cast<std::uint64_t>(element);
+    }
+  }
+  bool const inside = std::ranges::all_of(
+      counts, [&](std::uint64_t count) { return count >= low && count <= high; });
+  return inside && !counts.empty() ? std::optional(std::move(counts)) : std::nullopt;
+}
+
+std::optional<std::uint64_t> toCount(txArray const& value, std::uint64_t low, std::uint64_t high) {
+  auto const counts = toCounts(value, low, high);
+  return counts && counts->size() == 1 ? std::optional(counts->front()) : std::nullopt;
+}
+
+constexpr std::uint64_t kAnyCount = ~std::uint64_t{0};
+
+void setSeed(RandStreamOptions& options, txArray const& value, int position) {
+  std::optional<std::string> const text = textOf(value);
+  if (text && equalIgnoringAsciiCase(*text, "entropy")) {
+    options.seed = std::random_device()();
+    return;
+  }
+  std::optional<std::uint64_t> const seed = toCount(value, 0, 0xFFFFFFFF);
+  if (!seed) errors::raise(keys::BadSeed(), position);
+  options.seed = static_cast<std::uint32_t>(*seed);
+}
+
+void setNumStreams(RandStreamOptions& options, txArray const& value, int position) {
+  std::optional<std::uint64_t> const count = toCount(value, 1, kAnyCount);
+  if (!count) errors::raise(keys::BadNumStreams(), position);
+  options.numStreams = *count;
+}
+
+void setStreamIndices(RandStreamOptions& options, txArray const& value, int position) {
+  auto indices = toCounts(value, 1, kAnyCount);
+  if (!indices) errors::raise(keys::BadStreamIndex(), position);
+  options.streamIndices = std::move(*indices);
+}
+
+void setCellOutput(RandStreamOptions& options, txArray const& value, int /*position*/) {
+  options.cellOutput = txToLogical(value);
+}
+
+// An option, or a native property of the stream (no parser).
+struct Option {
+  char const* name;
+  void (*parse)(RandStreamOptions& options, txArray const& value, int position);
+};
+constexpr Option kOptions[] = {
+    {"Seed", setSeed},
+    {"NumStreams", setNumStreams},
+    {"StreamIndices", setStreamIndices},
+    {"CellOutput", setCellOutput},
+    {"RandnAlg", nullptr},
+    {"Antithetic", nullptr},
+    {"FullPrecision", nullptr},
+    {"Substream", nullptr},
+};
+
+Option const& findOption(txArray const& given, int position) {
+  std::string const name = textOf(given).value_or("");
+  std::vector<std::string> known;
+  for (Option const& option : kOptions) {
+    if (equalIgnoringAsciiCase(option.name, name)) return option;
+    known.emplace_back(option.name);
+  }
+  raiseUnknown(embedded_host::HostKey("TALVOR:RandStream:create:UnknownOption", {name}), name,
+               position, known);
+}
+
+}  // namespace
+
+RandStreamOptions parseRandStreamOptions(std::span<txArray const* const> args) {
+  RandStreamOptions options;
+  options.type = args.empty() ? shippedType() : parseType(*args[0]);
+  int indicesPosition = 0;
+  for (std::size_t i = 1; i < args.size(); i += 2) {
+    int const position = static_cast<int>(i) + 1;
+    Option const& option = findOption(*args[i], position);
+    if (i + 1 == args.size())
+      embedded_host::raiseHostError("TALVOR:RandStream:create:MissingValue", option.name);
+    if (option.parse == setStreamIndices) indicesPosition = position + 1;
+    if (option.parse)
+      option.parse(options, *args[i + 1], position + 1);
+    else
+      options.settings.push_back({option.name, args[i + 1], position + 1});
+  }
+  if (std::ranges::max(options.streamIndices) > options.numStreams)
+    errors::raise(keys::BadStreamIndex(), indicesPosition);
+  return options;
+}
+
+}  // namespace runtime

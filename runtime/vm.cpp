@@ -1,0 +1,59 @@
+#include "runtime/vm.h"
+
+#include <algorithm>
+#include <string>
+#include <utility>
+
+#include "embedded_host/dispatcher.h"
+#include "embedded_host/messages.h"
+#include "embedded_host/text.h"
+#include "host/tcos.h"
+#include "runtime/loaded.h"
+
+namespace runtime {
+namespace {
+
+bool callNamed(std::string_view name, int nlhs, txArrayPtr* plhs,
+               std::span<txArray const* const> args) {
+  std::size_t const dot = name.find('.');
+  if (dot != std::string_view::npos &&
+      tcos::callStaticMethod(embedded_host::utf8ToUtf16(name.substr(0, dot)), name.substr(dot + 1),
+                             nlhs, plhs, args))
+    return true;
+  return embedded_host::dispatch(name, nlhs, plhs, args);
+}
+
+}  // namespace
+
+Vm::Vm()
+    : context_(std::make_unique<embedded_host::VmContext>()),
+      loaded_(std::make_shared<Loaded>(Loaded{context_.get()})) {
+  addFunctions(loaded_);
+  addRandStreamClass(loaded_);
+}
+
+Vm::~Vm() {
+  {
+    embedded_host::EnterVm const inside(*context_);
+    loaded_->globalObject.reset();
+  }
+  context_.reset();
+  loaded_->vm = nullptr;
+}
+
+std::vector<txArrayPtr> Vm::call(std::string_view name, std::span<txArray const* const> args,
+                                 int nlhs) {
+  embedded_host::EnterVm const inside(*context_);
+  std::vector<txArrayPtr> outputs(static_cast<std::size_t>(std::max(nlhs, 1)));
+  if (!callNamed(name, nlhs, outputs.data(), args))
+    embedded_host::raiseHostError("TALVOR:UndefinedFunction", name);
+  return outputs;
+}
+
+txArrayPtr Vm::call(std::string_view name, std::initializer_list<txArray const*> args) {
+  return std::move(call(name, std::span(args.begin(), args.size()), 1).front());
+}
+
+std::uint64_t Vm::streamActivity() const noexcept { return loaded_->streamActivity; }
+
+}  // namespace runtime

@@ -1,0 +1,52 @@
+#pragma once
+
+// One virtual machine of the embedded host with the random-number library loaded: what a C++
+// program includes to have all of it.
+
+#include <cstdint>
+#include <initializer_list>
+#include <memory>
+#include <span>
+#include <string_view>
+#include <vector>
+
+#include "embedded_host/vm_context.h"
+#include "host/export.h"
+#include "host/tx_array.h"
+
+namespace runtime {
+
+struct Loaded;
+
+// VMs are independent of each other, and each is used by one thread at a time. Its calls enter the
+// VM; code that calls the library's functions itself enters it with embedded_host::EnterVm. Stream
+// objects may outlive their VM, where they keep their stream but can do no more than be destroyed.
+class TV_EXPORT Vm {
+ public:
+  Vm();
+  ~Vm();
+  Vm(Vm const&) = delete;
+  Vm& operator=(Vm const&) = delete;
+
+  embedded_host::VmContext& context() noexcept { return *context_; }
+
+  // Calls name(args...) as the host language does: a method of an argument's class, else a
+  // function, else the constructor of a class; "RandStream.global" is a static method. Returns
+  // max(nlhs, 1) outputs, null where the callee made none. Errors: "TALVOR:UndefinedFunction" and
+  // those of the callee.
+  std::vector<txArrayPtr> call(std::string_view name, std::span<txArray const* const> args,
+                               int nlhs);
+  // The same for one output.
+  txArrayPtr call(std::string_view name, std::initializer_list<txArray const*> args = {});
+
+  // Counts the calls that may have moved a stream, by drawing from it or otherwise, or that have
+  // replaced the global stream. Unchanged means that nothing was drawn; a call refused for its
+  // arguments leaves it unchanged.
+  std::uint64_t streamActivity() const noexcept;
+
+ private:
+  std::unique_ptr<embedded_host::VmContext> context_;
+  std::shared_ptr<Loaded> loaded_;
+};
+
+}  // namespace runtime
