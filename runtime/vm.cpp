@@ -50,8 +50,8 @@ std::vector<txArrayPtr> Vm::call(std::string_view name, std::span<txArray const*
   return outputs;
 }
 
-txArrayPtr Vm::call(std::string_view name, std::initializer_list<txArray const*> args) {
-  return std::move(call(name, std::span(args.begin(), args.size()), 1).front());
+txArrayPtr Vm::call(std::string_view name, std::initializer_list<txArray const*> args, int nlhs) {
+  return std::move(call(name, std::span(args.begin(), args.size()), nlhs).front());
 }
 
 std::uint64_t Vm::streamActivity() const noexcept { return loaded_->streamActivity; }

@@ -36,8 +36,9 @@ class TV_EXPORT Vm {
   // those of the callee.
   std::vector<txArrayPtr> call(std::string_view name, std::span<txArray const* const> args,
                                int nlhs);
-  // The same for one output.
-  txArrayPtr call(std::string_view name, std::initializer_list<txArray const*> args = {});
+  // The same for the first output.
+  txArrayPtr call(std::string_view name, std::initializer_list<txArray const*> args = {},
+                  int nlhs = 1);
 
   // Counts the calls that may have moved a stream, by drawing from it or otherwise, or that have
   // replaced the global stream. Unchanged means that nothing was drawn; a call refused for its

@@ -11,6 +11,7 @@
 #include "embedded_host/allocator.h"
 #include "tests/support/calls.h"
 #include "tests/support/identifiers.h"
+#include "vmstate/global_stream.h"
 
 namespace {
 
@@ -25,7 +26,8 @@ constexpr double kInf = std::numeric_limits<double>::infinity();
 constexpr double kNaN = std::numeric_limits<double>::quiet_NaN();
 
 txArrayPtr textMatrix() {
-  return embedded_host::makeArray<char16_t>(std::array<std::uint64_t, 2>{2, 3}, std::u16string_view(u"sdiong"));
+  return embedded_host::makeArray<char16_t>(std::array<std::uint64_t, 2>{2, 3},
+                                            std::u16string_view(u"sdiong"));
 }
 
 struct Accepted {
@@ -152,8 +154,7 @@ Refused const kBadReals[] = {
     {CALL(rand, 2, cellOf(nullptr), "single"), "TALVOR:rand:inputType", 2},
     {CALL(rand, 1, 1, 1, 1, 1, 1, 1, 1, cellOf(nullptr)), "TALVOR:rand:inputType", 9},
     {CALL(rand, 2.5), "TALVOR:size:NotWhole", 0, "1.000000|2.500000"},
-    {CALL(rand, 1, 1, 1, 1, 1, 1, 1, 1, 1, 2.5), "TALVOR:size:NotWhole", 0,
-     "10.000000|2.500000"},
+    {CALL(rand, 1, 1, 1, 1, 1, 1, 1, 1, 1, 2.5), "TALVOR:size:NotWhole", 0, "10.000000|2.500000"},
     {CALL(rand, kNaN, 1), "TALVOR:size:NotFinite", 0, "1.000000|nan"},
     {CALL(rand, kInf), "TALVOR:size:NotFinite", 0, "1.000000|inf"},
     {CALL(randn, 2, "int8"), "TALVOR:randn:invalidOutputType", 2},
@@ -228,14 +229,14 @@ TEST_F(Builtins, FreshMachineStartsWithPublishedSequence) {
 
 TEST_F(Builtins, ComplexUniformsAreTwiceAsManyInterleaved) {
   std::vector<double> const complex = numbers(*call(rand, args(2, 2, "like", imaginary(1))));
-  vm.call("clearGlobalRandStream");
+  call(clearGlobalRandStream, {}, 0);
   EXPECT_EQ(complex, numbers(*call(rand, args(8, 1))));
 }
 
 // The parts have half the variance each; dividing by sqrt(2) is exact to a rounding.
 TEST_F(Builtins, ComplexNormalsHaveVarianceOne) {
   std::vector<double> const parts = numbers(*call(randn, args(50, 1, "like", imaginary(1))));
-  vm.call("clearGlobalRandStream");
+  call(clearGlobalRandStream, {}, 0);
   std::vector<double> const real = numbers(*call(randn, args(100, 1)));
   for (std::size_t i = 0; i < 100; ++i) EXPECT_NEAR(parts[i], real[i] / std::sqrt(2.0), 1e-15);
 }
@@ -291,7 +292,7 @@ TEST_F(Builtins, CallOutOfMemoryLeavesStreamAndMemoryAlone) {
       EXPECT_EQ(globalState(), before) << "request " << k;
       EXPECT_EQ(embedded_host::allocationCounts().liveBlocks, blocks);
     }
-    vm.call("clearGlobalRandStream");
+    call(clearGlobalRandStream, {}, 0);
     ASSERT_EQ(globalState(), before);
   }
 }
