@@ -21,7 +21,7 @@ class dsfmt19937_plugin final : public PluginRNGRandn<Core, IPluginRNG::uint32St
 
   void getStateComponents(void* const* buffers) const override {
     auto* words = static_cast<std::uint32_t*>(buffers[0]);
-    Core::State const& state = core->state();
+    const Core::State state = core->state();
     for (std::uint64_t word : state.words) {
       *words++ = static_cast<std::uint32_t>(word);
       *words++ = static_cast<std::uint32_t>(word >> 32);

@@ -14,12 +14,13 @@
 #include <cstdint>
 
 #include "tfl_rng/core_rng.h"
+#include "tfl_rng/kernels/dsfmt19937.h"
 
 namespace tfl_rng {
 
 class dsfmt19937 final : public CoreNormalRNG {
  public:
-  static constexpr std::size_t kOutputs = 382;  // words of one regeneration
+  static constexpr std::size_t kOutputs = dsfmt::kWords;  // of one regeneration
 
   // The published block: 191 pairs of output words and the pair called lung, as 32-bit words the
   // low half of each first. Any content is kept as it stands and is safe to draw from: a position
@@ -38,14 +39,20 @@ class dsfmt19937 final : public CoreNormalRNG {
   void randu(double* out, std::size_t n) override;
   void randn(double* out, std::size_t n) override;
 
-  State const& state() const noexcept { return state_; }
-  void setState(State const& state) noexcept { state_ = state; }
+  State state() const noexcept;
+  void setState(State const& state) noexcept;
 
   // The state right after the published init_gen_rand(seed).
   static State seeded(std::uint32_t seed) noexcept;
 
  private:
-  State state_;
+  struct NormalSource;
+
+  std::uint64_t nextWord();
+
+  dsfmt::Batch batch_;
+  std::size_t position_;
+  std::array<std::uint32_t, 7> reserved_;
 };
 
 }  // namespace tfl_rng
