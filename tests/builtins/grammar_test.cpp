@@ -117,7 +117,7 @@ void PrintTo(Refused const& row, std::ostream* out) { *out << row.call; }
 class RefusedCall : public VmTest, public testing::WithParamInterface<Refused> {};
 
 TEST_P(RefusedCall, NamesFaultyArgumentAndLeavesStreamAlone) {
-  std::string const before = globalState();
+  std::size_t const before = globalState();
   std::uint64_t const activity = vm.streamActivity();
   auto const attempt = [] { call(GetParam().builtin, GetParam().arguments()); };
   try {
@@ -275,7 +275,7 @@ TEST_F(Builtins, CallOutOfMemoryLeavesStreamAndMemoryAlone) {
       {randperm, args(100, 50)},
       {randperm, args(100, 100)},
   };
-  std::string const before = globalState();
+  std::size_t const before = globalState();
   for (Row const& row : rows) {
     SCOPED_TRACE(&row - rows);
     auto const blocks = embedded_host::allocationCounts().liveBlocks;
