@@ -3,20 +3,10 @@
 #include <cmath>
 
 #include "tfl_rng/elementary.h"
+#include "tfl_rng/kernels/mcg16807.h"
 #include "tfl_rng/minimal_standard.h"
 
 namespace tfl_rng {
-namespace {
-
-double fullPrecisionDraw(std::uint32_t& word) noexcept {
-  const std::uint32_t first = minimalStandardStep(word);
-  word = minimalStandardStep(first);
-  const std::uint64_t bits = (std::uint64_t{(first - 1) >> 5} << 26) | ((word - 1) >> 5);
-  return (static_cast<double>(bits) + 0.5) * 0x1p-52;
-}
-
-}  // namespace
-
 mcg16807::mcg16807(std::uint32_t seed, bool fullPrecision) : CoreNormalRNG(fullPrecision) {
   mcg16807::reset(seed);
 }
@@ -27,16 +17,9 @@ void mcg16807::reset(std::uint32_t seed) {
 }
 
 void mcg16807::randu(double* out, std::size_t n) {
-  std::uint32_t word = word_;
-  if (fullPrecision()) {
-    for (std::size_t i = 0; i < n; ++i) out[i] = fullPrecisionDraw(word);
-  } else {
-    for (std::size_t i = 0; i < n; ++i) {
-      word = minimalStandardStep(word);
-      out[i] = minimalStandardUniform(word);
-    }
-  }
-  word_ = word;
+  namespace kernels = minimal_standard;
+  word_ = fullPrecision() ? kernels::fill(kernels::Full{}, word_, out, n)
+                          : kernels::fill(kernels::Reduced{}, word_, out, n);
 }
 
 void mcg16807::randn(double* out, std::size_t n) {

@@ -14,15 +14,14 @@ inline constexpr std::uint32_t kMinimalStandardDefault = 1144108930;
 // 1 / (2^31 - 1): a word times this is a uniform in (0,1).
 inline constexpr double kMinimalStandardScale = 4.656612875245797e-10;
 
-// The word after `word`, by Schrage's method. Any 32-bit word is legal; words from 2^31 - 1 on are
-// no states of the generator, and their successor is that of the published 32-bit arithmetic.
+// The word after `word`. Any 32-bit word is legal; those from 2^31 - 1 on are no states of the
+// generator and stand for their residue.
 inline std::uint32_t minimalStandardStep(std::uint32_t word) noexcept {
-  constexpr std::uint32_t multiplier = 16807;
-  constexpr std::uint32_t quotient = kMinimalStandardModulus / multiplier;   // 127773
-  constexpr std::uint32_t remainder = kMinimalStandardModulus % multiplier;  // 2836
-  const std::uint32_t high = word / quotient;
-  const std::uint32_t next = multiplier * (word - high * quotient) - remainder * high;
-  return next >> 31 ? next + kMinimalStandardModulus : next;
+  // 2^31 is 1 modulo 2^31 - 1: the high and low 31 bits of the product add up to the same residue.
+  const std::uint64_t product = std::uint64_t{word} * 16807;
+  const auto sum =
+      static_cast<std::uint32_t>((product & kMinimalStandardModulus) + (product >> 31));
+  return sum < kMinimalStandardModulus ? sum : sum - kMinimalStandardModulus;
 }
 
 // The uniform of a word.

@@ -54,16 +54,16 @@ void swb2712::randu(double* out, std::size_t n) {
 double swb2712::draw() noexcept {
   auto& [lags, borrow, position, counter] = state_;
   // The ring holds the last 32 values: 12 back is 20 on, 27 back is 5 on.
-  std::int64_t z =
+  const std::int64_t difference =
       toUnits(lags[(position + 20) % kLags]) - toUnits(lags[(position + 5) % kLags]) - borrow;
-  borrow = z < 0;
-  if (borrow) z += kUnits;
-  lags[position] = toFraction(static_cast<std::uint64_t>(z));
+  borrow = difference < 0;
+  const std::uint64_t z = static_cast<std::uint64_t>(difference) % kUnits;
+  lags[position] = toFraction(z);
   position = (position + 1) % kLags;
 
   counter += kWeylStep;
   const std::uint64_t mask = mix32(counter) | std::uint64_t{mix32(~counter) >> 11} << 32;
-  return toFraction(static_cast<std::uint64_t>(z) ^ mask);
+  return toFraction(z ^ mask);
 }
 
 }  // namespace tfl_rng

@@ -42,9 +42,11 @@ TEST(MinimalStandard, StepsAlsoNearTheModulus) {
   EXPECT_EQ(checked, 4);
 }
 
-TEST(MinimalStandard, ZeroStaysZero) {
-  EXPECT_EQ(minimalStandardStep(0), 0u);
-  EXPECT_EQ(minimalStandardStep(tfl_rng::kMinimalStandardModulus), 0u);
+TEST(MinimalStandard, AnyWordStandsForItsResidue) {
+  for (const std::uint32_t word : {0u, 0x7fffffffu, 0x80000000u, 0x80000001u, 0xfffffffeu,
+                                   0xffffffffu, 127772u, 127773u, 127774u}) {
+    EXPECT_EQ(minimalStandardStep(word), std::uint64_t{16807} * word % 2147483647) << word;
+  }
 }
 
 TEST(Mcg16807, SeedIsTakenModuloTheModulus) {
