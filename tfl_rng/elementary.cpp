@@ -10,7 +10,7 @@ namespace tfl_rng {
 using namespace elementary;
 
 // Every line below is one rounded operation a time, in the order of the parentheses; the vector
-// form in kernels/elementary-inl.h repeats it line by line.
+// form of the logarithm in kernels/elementary-inl.h repeats it line by line.
 
 double pinnedLog(double x) noexcept {
   // x = 2^k m with m in the interval of table row i, split at 1 so that log(1 + tiny) is exact.

@@ -4,6 +4,8 @@
 // a fixed order, so that every machine and compiler returns the same bits. The C library's own
 // functions differ between machines and must not stand on a drawing path.
 
+#include <cstddef>
+
 namespace tfl_rng {
 
 // exp(x) for -708 <= x <= 708. Largest error seen: 0.533 ulp.
@@ -12,5 +14,8 @@ double pinnedExp(double x) noexcept;
 // Natural logarithm of a positive, normal x. Largest error seen: 0.534 ulp.
 // (Both over 2 * 10^7 arguments in each of several intervals, tools/measure_elementary.cpp.)
 double pinnedLog(double x) noexcept;
+
+// Replaces each of values[0, n) by its pinnedLog.
+void pinnedLogInPlace(double* values, std::size_t n) noexcept;
 
 }  // namespace tfl_rng

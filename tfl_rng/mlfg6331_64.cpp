@@ -125,8 +125,7 @@ errorID mlfg6331_64::advance(std::size_t n) {
                    table.begin());
   if (!jump(table, n, 0)) return cannotComputeState;
   state_.position = (state_.position + n % kLag) % kLag;
-  std::rotate_copy(table.begin(), table.end() - state_.position, table.end(),
-                   state_.ring.begin());
+  std::rotate_copy(table.begin(), table.end() - state_.position, table.end(), state_.ring.begin());
   return ok;
 }
 

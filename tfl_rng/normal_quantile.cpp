@@ -33,8 +33,4 @@ double normalQuantile(double u) noexcept {
   return q < 0 ? -magnitude : magnitude;
 }
 
-void normalQuantileInPlace(double* values, std::size_t n) noexcept {
-  for (std::size_t i = 0; i < n; ++i) values[i] = normalQuantile(values[i]);
-}
-
 }  // namespace tfl_rng

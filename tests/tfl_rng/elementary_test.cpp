@@ -9,6 +9,9 @@
 #include <cstdint>
 #include <limits>
 #include <random>
+#include <vector>
+
+#include "tests/support/every_target.h"
 
 namespace {
 
@@ -72,6 +75,24 @@ INSTANTIATE_TEST_SUITE_P(Elementary, ExpOn,
                          testing::Values(Interval{-708, 708}, Interval{-8, 0},
                                          Interval{-0.02, 0.02}, Interval{-708, -700},
                                          Interval{700, 708}));
+
+TEST(Elementary, VectorLogEqualsTheScalarForm) {
+  std::mt19937_64 bits(4);
+  std::uniform_real_distribution<double> nearOne(0.6, 1.5);
+  std::vector<double> arguments = {1, 1 - 0x1p-53, 1 + 0x1p-52, 0x1p-1022, 0x1.fffffffffffffp+1023};
+  while (arguments.size() < 50003) {
+    const double any = std::bit_cast<double>(bits() >> 1);
+    if (std::isnormal(any)) arguments.push_back(any);
+    arguments.push_back(nearOne(bits));
+  }
+  std::vector<double> expected;
+  for (double x : arguments) expected.push_back(tfl_rng::pinnedLog(x));
+  every_target::run([&] {
+    std::vector<double> values = arguments;
+    tfl_rng::pinnedLogInPlace(values.data(), values.size());
+    EXPECT_EQ(values, expected);
+  });
+}
 
 TEST(Elementary, ExpOfZeroIsOne) { EXPECT_EQ(tfl_rng::pinnedExp(0), 1); }
 

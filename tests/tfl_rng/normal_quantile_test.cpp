@@ -7,9 +7,11 @@
 #include <cfloat>
 #include <cmath>
 #include <cstdlib>
+#include <random>
 #include <string>
 #include <vector>
 
+#include "tests/support/every_target.h"
 #include "tests/support/known_answers.h"
 
 namespace {
@@ -56,6 +58,28 @@ TEST(NormalQuantile, IsCloseToTheExactQuantile) {
 TEST(NormalQuantile, IsOddWhereTheComplementIsExact) {
   for (double p : {0x1p-52, 0x1p-33, 0.0009765625, 0.0625, 0.07421875, 0.3125})
     EXPECT_EQ(tfl_rng::normalQuantile(1 - p), -tfl_rng::normalQuantile(p)) << p;
+}
+
+// Any length, and far tails among the others.
+TEST(NormalQuantile, VectorFormEqualsTheScalarForm) {
+  std::mt19937_64 bits(5);
+  std::vector<double> all = {0x1p-53, 1 - 0x1p-53, 1e-12, 0.075, 0.925, 0.5, 1e-300};
+  while (all.size() < 5000) {
+    const double u = (static_cast<double>(bits() >> 12) + 0.5) * 0x1p-52;
+    all.push_back(u);
+    if (bits() % 64 == 0) all.push_back(u * 1e-10);
+  }
+  every_target::run([&] {
+    for (std::size_t n : {0, 1, 2, 3, 5, 7, 8, 9, 15, 100, 255, 256, 257, 300, 4999}) {
+      std::vector<double> values(all.begin(), all.begin() + n);
+      std::vector<double> expected;
+      for (double u : values) expected.push_back(tfl_rng::normalQuantile(u));
+      values.push_back(-7);
+      expected.push_back(-7);
+      tfl_rng::normalQuantileInPlace(values.data(), n);
+      ASSERT_EQ(values, expected) << n;
+    }
+  });
 }
 
 }  // namespace
