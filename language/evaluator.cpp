@@ -7,7 +7,12 @@
 
 namespace language {
 
-void Evaluator::run(Block const& block) { runBlock(block); }
+void Evaluator::run(Block const& block) {
+  for (Statement const& statement : block) {
+    if (session_.statementHook_) session_.statementHook_();
+    runStatement(statement);
+  }
+}
 
 void Evaluator::checkInterrupt(SourceSpan span) {
   if (takeInterrupt()) {

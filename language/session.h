@@ -64,8 +64,11 @@ class Session {
   // The call that is being evaluated: where a warning comes from. Nothing between calls.
   std::optional<SourceSpan> callInProgress() const noexcept { return callInProgress_; }
 
+  // Called before each statement of a program that is no part of another one.
+  void atStatement(std::function<void()> hook) { statementHook_ = std::move(hook); }
+
   Output& output() noexcept { return output_; }
-  embedded_host::VmContext& vm() noexcept { return vm_; }
+  embedded_host::VmContext& vm() const noexcept { return vm_; }
   std::optional<std::chrono::steady_clock::time_point>& timer() noexcept { return timer_; }
 
   // Every name that a program may use now: functions, classes, variables, keywords.
@@ -81,6 +84,7 @@ class Session {
   std::string lastName_;
   bool lastShown_ = false;
   std::optional<SourceSpan> callInProgress_;
+  std::function<void()> statementHook_;
   std::optional<std::chrono::steady_clock::time_point> timer_;
 };
 

@@ -1,0 +1,69 @@
+#include "shell/command_line.h"
+
+namespace shell {
+
+char const kUsage[] =
+    "usage: tvrng [options]               a prompt, or a program from standard input\n"
+    "       tvrng [options] FILE          runs a program; - is standard input\n"
+    "       tvrng [options] -e TEXT ...   runs the texts in one session and shows the last value\n"
+    "       tvrng stream [options]        writes random numbers; see tvrng stream --help\n"
+    "\n"
+    "  -e, --eval TEXT  a program; may be given several times\n"
+    "  --json           the last value as one line of JSON: class, size, complex, data\n"
+    "  --long           numbers with 15 significant digits\n"
+    "  --quiet          no greeting, and no values but those of print and --json\n"
+    "  --version        the version\n"
+    "  --help           this text\n"
+    "\n"
+    "Exit status: 0, 1 for an error in the program, 2 for wrong use of the command.\n";
+
+Invocation parseCommandLine(std::vector<std::string> const& words, bool inputIsTerminal) {
+  Invocation invocation;
+  bool onlyFiles = false;
+  if (!words.empty() && words.front() == "stream") {
+    invocation.action = Invocation::Action::stream;
+    invocation.rest.assign(words.begin() + 1, words.end());
+    return invocation;
+  }
+  for (std::size_t i = 0; i < words.size(); ++i) {
+    std::string const& word = words[i];
+    bool const isOption = !onlyFiles && word.size() > 1 && word[0] == '-';
+    if (!isOption) {
+      if (!invocation.file.empty()) {
+        throw UsageError("one program file at a time: " + invocation.file + " or " + word);
+      }
+      invocation.file = word;
+    } else if (word == "--") {
+      onlyFiles = true;
+    } else if (word == "-e" || word == "--eval") {
+      if (i + 1 == words.size()) throw UsageError(word + " needs a text");
+      invocation.texts.push_back(words[++i]);
+    } else if (word == "--json") {
+      invocation.json = true;
+    } else if (word == "--quiet" || word == "-q") {
+      invocation.quiet = true;
+    } else if (word == "--long") {
+      invocation.longNumbers = true;
+    } else if (word == "--version") {
+      invocation.action = Invocation::Action::version;
+      return invocation;
+    } else if (word == "--help" || word == "-h") {
+      invocation.action = Invocation::Action::help;
+      return invocation;
+    } else {
+      throw UsageError("there is no option " + word);
+    }
+  }
+  if (!invocation.texts.empty()) {
+    if (!invocation.file.empty()) throw UsageError("-e and a program file do not go together");
+    invocation.action = Invocation::Action::text;
+  } else if (!invocation.file.empty()) {
+    invocation.action = Invocation::Action::script;
+  } else if (!inputIsTerminal || invocation.json) {
+    invocation.action = Invocation::Action::script;
+    invocation.file = "-";
+  }
+  return invocation;
+}
+
+}  // namespace shell

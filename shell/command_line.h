@@ -1,0 +1,34 @@
+#pragma once
+
+// What the words behind `tvrng` mean.
+
+#include <optional>
+#include <stdexcept>
+#include <string>
+#include <vector>
+
+namespace shell {
+
+// Wrong use of the command; exit status 2.
+struct UsageError : std::runtime_error {
+  using std::runtime_error::runtime_error;
+};
+
+struct Invocation {
+  enum class Action { prompt, script, text, stream, version, help };
+
+  Action action = Action::prompt;
+  bool json = false;
+  bool quiet = false;
+  bool longNumbers = false;
+  std::string file;                // script; "-" is standard input
+  std::vector<std::string> texts;  // -e, in order
+  std::vector<std::string> rest;   // words behind `stream`
+};
+
+// `inputIsTerminal` decides what no word at all means: the prompt, or a script from standard input.
+Invocation parseCommandLine(std::vector<std::string> const& words, bool inputIsTerminal);
+
+extern char const kUsage[];
+
+}  // namespace shell

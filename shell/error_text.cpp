@@ -1,0 +1,142 @@
+#include "shell/error_text.h"
+
+#include <fmt/format.h>
+
+#include <algorithm>
+
+#include "embedded_host/messages.h"
+#include "shell/terminal.h"
+
+namespace shell {
+
+namespace {
+
+using language::SourceSpan;
+
+// The part of a line around a span that fits the terminal, with the caret line's two numbers.
+struct Excerpt {
+  std::string text;
+  std::size_t caret = 0;   // columns before it
+  std::size_t length = 1;  // columns under the span
+  std::size_t lineNumber = 1;
+};
+
+bool continues(char c) { return (static_cast<unsigned char>(c) & 0xC0) == 0x80; }
+
+// One character per column: control characters and broken bytes would move the others.
+std::string printable(std::string_view text) {
+  std::string out;
+  for (char const c : text) {
+    auto const byte = static_cast<unsigned char>(c);
+    out += c == '\t' ? ' ' : byte < 0x20 || byte == 0x7F ? '?' : c;
+  }
+  return out;
+}
+
+Excerpt excerpt(std::string_view source, SourceSpan spot, std::size_t width) {
+  std::size_t const begin = std::min<std::size_t>(spot.begin, source.size());
+  std::size_t const end = std::clamp<std::size_t>(spot.end, begin, source.size());
+  std::size_t const before = begin == 0 ? std::string_view::npos : source.rfind('\n', begin - 1);
+  std::size_t const lineBegin = before == std::string_view::npos ? 0 : before + 1;
+  std::size_t const lineEnd = std::min(source.find('\n', begin), source.size());
+  Excerpt found;
+  found.lineNumber =
+      1 + static_cast<std::size_t>(std::count(source.begin(), source.begin() + lineBegin, '\n'));
+  // A line longer than the terminal is cut so that the caret stays in sight.
+  std::size_t from = lineBegin;
+  std::size_t to = lineEnd;
+  if (to - from > width) {
+    std::size_t const lead = width / 2;
+    from = begin - lineBegin > lead ? begin - lead : lineBegin;
+    while (from < begin && continues(source[from])) ++from;
+    to = std::min(lineEnd, from + width - 6);
+    while (to > from && to < lineEnd && continues(source[to])) --to;
+  }
+  std::string const lead = from > lineBegin ? "..." : "";
+  found.text = lead + printable(source.substr(from, to - from)) + (to < lineEnd ? "..." : "");
+  found.caret = lead.size() + displayWidth(source.substr(from, begin - from));
+  std::size_t const shownEnd = std::clamp(end, begin, to);
+  found.length = std::max<std::size_t>(1, displayWidth(source.substr(begin, shownEnd - begin)));
+  return found;
+}
+
+std::string underline(Excerpt const& found) {
+  return std::string(found.caret, ' ') + '^' + std::string(found.length - 1, '~');
+}
+
+// The name of the failing call, before the message: "rand: ...".
+std::string calledName(std::string_view source, SourceSpan whole) {
+  std::size_t at = whole.begin;
+  auto const isName = [](char c) {
+    return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || (c >= '0' && c <= '9') || c == '_' ||
+           c == '.';
+  };
+  while (at < whole.end && at < source.size() && isName(source[at])) ++at;
+  bool const isCall = at < source.size() && at < whole.end && source[at] == '(';
+  return isCall ? std::string(source.substr(whole.begin, at - whole.begin)) : "";
+}
+
+std::string wrap(std::string const& text, std::size_t indent, std::size_t width) {
+  std::string out(indent, ' ');
+  std::size_t column = indent;
+  std::size_t at = 0;
+  while (at < text.size()) {
+    std::size_t const end = std::min(text.find(' ', at), text.size());
+    std::string_view const word = std::string_view(text).substr(at, end - at);
+    if (column > indent && column + 1 + displayWidth(word) > width) {
+      out += '\n' + std::string(indent, ' ');
+      column = indent;
+    }
+    if (column > indent) {
+      out += ' ';
+      ++column;
+    }
+    out += word;
+    column += displayWidth(word);
+    at = end + 1;
+  }
+  return out + '\n';
+}
+
+}  // namespace
+
+std::string describeError(language::SourceError const& error, ErrorPlace const& place,
+                          std::optional<bool> drawn) {
+  auto const& id = error.cause().GetBaseMsgIDObj();
+  std::size_t const width = static_cast<std::size_t>(std::max(place.width, 40)) - 1;
+  Excerpt const found = excerpt(place.source, error.spot(), width - 4);
+  std::string const name = calledName(place.source, error.whole());
+  std::string const where =
+      place.fileName.empty() ? "" : fmt::format("{}:{}: ", place.fileName, found.lineNumber);
+  std::string out =
+      wrap(where + (name.empty() ? "" : name + ": ") + printable(error.what()), 2, width);
+  std::string hint = error.hint();
+  if (hint.empty()) hint = embedded_host::renderHint(id);
+  if (!place.source.empty()) {
+    out += "    " + found.text + "\n    " + underline(found);
+    bool const fits = 4 + found.caret + found.length + 3 + displayWidth(hint) <= width;
+    if (!hint.empty() && fits) out += "   " + hint;
+    out += '\n';
+    if (!hint.empty() && !fits) out += wrap(hint, 4, width);
+  } else if (!hint.empty()) {
+    out += wrap(hint, 4, width);
+  }
+  out += fmt::format("  [{}]", error.identifier());
+  if (drawn) out += *drawn ? "  numbers were drawn before it" : "  nothing was drawn";
+  return out + '\n';
+}
+
+std::string describeWarning(foundation::core::except::MessageId const& id, std::string const& text,
+                            ErrorPlace const& place, std::optional<SourceSpan> call) {
+  std::size_t const width = static_cast<std::size_t>(std::max(place.width, 40)) - 1;
+  std::string out = wrap("warning: " + text, 2, width);
+  if (call && !place.source.empty()) {
+    Excerpt const found = excerpt(place.source, *call, width - 4);
+    out += "    " + found.text + "\n    " + underline(found) + '\n';
+  }
+  std::string const hint = embedded_host::renderHint(id);
+  if (!hint.empty()) out += wrap(hint, 4, width);
+  return out + fmt::format("  [{}]\n", id.identifier());
+}
+
+}  // namespace shell

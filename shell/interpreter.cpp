@@ -1,0 +1,86 @@
+#include "shell/interpreter.h"
+
+#include <unistd.h>
+
+#include "language/fault.h"
+#include "shell/error_text.h"
+#include "shell/json.h"
+#include "shell/shell_functions.h"
+#include "shell/terminal.h"
+
+namespace shell {
+
+Interpreter::Interpreter(Echo echo)
+    : echo_(echo), entered_(vm_.context()), session_(vm_.context(), *this) {
+  style_.width = terminalWidth(STDOUT_FILENO);
+  registerShellFunctions(*this);
+  session_.atStatement([this] { activityBefore_ = vm_.streamActivity(); });
+  vm_.context().setWarningSink([this](auto const& id, std::string const& text) { warn(id, text); });
+}
+
+Interpreter::~Interpreter() { vm_.context().setWarningSink({}); }
+
+Interpreter::Outcome Interpreter::run(std::string_view source, std::string const& fileName,
+                                      bool mayContinue) {
+  source_ = source;
+  fileName_ = fileName;
+  warned_.clear();
+  activityBefore_ = vm_.streamActivity();
+  try {
+    session_.run(source);
+    return Outcome::done;
+  } catch (language::SourceError const& error) {
+    if (mayContinue && error.incomplete()) return Outcome::incomplete;
+    std::fflush(stdout);
+    std::string const text =
+        describeError(error, {source, fileName, terminalWidth(STDERR_FILENO)}, drawnBefore(error));
+    std::fwrite(text.data(), 1, text.size(), stderr);
+    return Outcome::failed;
+  }
+}
+
+// That nothing was drawn is worth a word where a call of the library was refused; that something
+// was, always.
+std::optional<bool> Interpreter::drawnBefore(language::SourceError const& error) const {
+  bool const drawn = vm_.streamActivity() != activityBefore_;
+  bool const ofLanguage = error.identifier().starts_with("TALVOR:language:");
+  if (!drawn && ofLanguage) return std::nullopt;
+  return drawn;
+}
+
+// A warning that a loop repeats is told once.
+void Interpreter::warn(foundation::core::except::MessageId const& id, std::string const& text) {
+  try {
+    if (!warned_.insert(id.identifier() + text).second) return;
+    std::fflush(stdout);
+    std::string const described = describeWarning(
+        id, text, {source_, fileName_, terminalWidth(STDERR_FILENO)}, session_.callInProgress());
+    std::fwrite(described.data(), 1, described.size(), stderr);
+  } catch (std::exception const&) {
+    std::fputs("  warning\n", stderr);
+  }
+}
+
+void Interpreter::write(std::string_view text) { std::fwrite(text.data(), 1, text.size(), stdout); }
+
+void Interpreter::show(std::string_view name, txArray const& value) {
+  if (echo_ == Echo::all) write(displayValue(name, value, style_));
+}
+
+void Interpreter::print(std::string_view utf8) {
+  std::fwrite(utf8.data(), 1, utf8.size(), printTarget_);
+}
+
+void Interpreter::printValue(txArray const& value) { print(displayValue("", value, style_)); }
+
+void Interpreter::showLast() {
+  if (session_.lastValue() && session_.lastShown()) {
+    write(displayValue(session_.lastName(), *session_.lastValue(), style_));
+  }
+}
+
+void Interpreter::showLastAsJson() {
+  write((session_.lastValue() ? toJson(*session_.lastValue()) : std::string("null")) + '\n');
+}
+
+}  // namespace shell

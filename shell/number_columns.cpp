@@ -1,0 +1,84 @@
+#include "shell/number_columns.h"
+
+#include <fmt/format.h>
+
+#include <algorithm>
+#include <cmath>
+
+#include "language/strings.h"
+
+namespace shell {
+
+namespace {
+
+bool isFloat(txArray const& value) {
+  return value.classID() == txClassDouble || value.classID() == txClassSingle;
+}
+
+// Part 0 is the real, 1 the imaginary one.
+double partAt(txArray const& value, std::uint64_t position, int part) {
+  std::uint64_t const at =
+      value.isComplex() ? 2 * position + static_cast<std::uint64_t>(part) : position;
+  return value.classID() == txClassSingle ? static_cast<double>(value.dataAs<float>()[at])
+                                          : value.dataAs<double>()[at];
+}
+
+}  // namespace
+
+NumberColumns::NumberColumns(txArray const& value, std::vector<std::uint64_t> const& positions,
+                             int digits)
+    : value_(value), isFloat_(isFloat(value)) {
+  if (!isFloat_) return;
+  bool whole = true;
+  double largest = 0;
+  double smallest = HUGE_VAL;
+  for (std::uint64_t const position : positions) {
+    for (int part = 0; part <= (value.isComplex() ? 1 : 0); ++part) {
+      double const x = std::fabs(partAt(value, position, part));
+      if (!std::isfinite(x)) continue;
+      whole = whole && x == std::floor(x);
+      largest = std::max(largest, x);
+      if (x > 0) smallest = std::min(smallest, x);
+    }
+  }
+  if (whole && largest < 1e10) return;
+  int const high = static_cast<int>(std::floor(std::log10(largest)));
+  int const low = static_cast<int>(std::floor(std::log10(std::min(smallest, largest))));
+  // At most four digits of the largest may be lost on the smallest.
+  if (high - low > std::min(4, digits - 2)) {
+    notation_ = Notation::exponent;
+    decimals_ = digits - 1;
+    return;
+  }
+  notation_ = Notation::fixed;
+  bool const plain = high >= -3 && high <= 3;
+  factor_ = plain ? 0 : high;
+  decimals_ = std::max(digits - 1 - std::max(high - factor_, -1), 0);
+}
+
+std::string NumberColumns::commonFactor() const {
+  return factor_ == 0 ? "" : fmt::format(" times 1e{:+03d}", factor_);
+}
+
+std::string NumberColumns::one(double x) const {
+  if (std::isnan(x)) return "NaN";
+  if (std::isinf(x)) return x < 0 ? "-Inf" : "Inf";
+  switch (notation_) {
+    case Notation::whole:
+      return fmt::format("{:.0f}", x + 0.0);
+    case Notation::exponent:
+      return x == 0 ? "0" : fmt::format("{:.{}e}", x, decimals_);
+    default:
+      return x == 0 ? "0" : fmt::format("{:.{}f}", x / std::pow(10.0, factor_), decimals_);
+  }
+}
+
+std::string NumberColumns::text(std::uint64_t position) const {
+  if (!isFloat_) return language::elementText(value_, position, 15);
+  if (!value_.isComplex()) return one(partAt(value_, position, 0));
+  double const imaginary = partAt(value_, position, 1);
+  return one(partAt(value_, position, 0)) + (std::signbit(imaginary) ? " - " : " + ") +
+         one(std::fabs(imaginary)) + "i";
+}
+
+}  // namespace shell

@@ -1,0 +1,106 @@
+#include "shell/shell_functions.h"
+
+#include <fmt/format.h>
+
+#include <algorithm>
+
+#include "embedded_host/array.h"
+#include "host/messages.h"
+#include "language/fault.h"
+#include "language/values.h"
+#include "shell/generators_table.h"
+#include "shell/help.h"
+#include "shell/interpreter.h"
+
+namespace shell {
+
+namespace {
+
+using Arguments = std::span<txArray const* const>;
+
+std::uint64_t bytesOf(txArray const& value) {
+  if (value.classID() == txClassCell) {
+    std::uint64_t total = 0;
+    for (std::uint64_t i = 0; i < value.numel(); ++i) {
+      if (txArray const* content = value.cell(i)) total += bytesOf(*content);
+    }
+    return total;
+  }
+  return value.numel() * embedded_host::elementBytes(value.classID()) * (value.isComplex() ? 2 : 1);
+}
+
+void whos(Interpreter& interpreter, Arguments) {
+  auto const& variables = interpreter.session().variables();
+  std::size_t nameWidth = 4;
+  std::size_t sizeWidth = 4;
+  for (auto const& [name, value] : variables) {
+    nameWidth = std::max(nameWidth, name.size());
+    sizeWidth = std::max(sizeWidth, language::sizeText(value->dims()).size());
+  }
+  if (variables.empty()) return interpreter.write("  no variables\n");
+  interpreter.write(fmt::format("  {:<{}}  {:>{}}  {:>12}  class\n", "name", nameWidth, "size",
+                                sizeWidth, "bytes"));
+  for (auto const& [name, value] : variables) {
+    interpreter.write(fmt::format("  {:<{}}  {:>{}}  {:>12}  {}{}\n", name, nameWidth,
+                                  language::sizeText(value->dims()), sizeWidth, bytesOf(*value),
+                                  value->isSparse()    ? "sparse "
+                                  : value->isComplex() ? "complex "
+                                                       : "",
+                                  language::classText(*value)));
+  }
+}
+
+// format('long'), format('short'), or a number of digits.
+void format(Interpreter& interpreter, Arguments arguments) {
+  int digits = 6;
+  if (!arguments.empty()) {
+    txArray const& wanted = *arguments[0];
+    if (!language::isScalarText(wanted)) {
+      digits = static_cast<int>(std::min<std::uint64_t>(language::countArgument(wanted, 1, 1), 17));
+    } else if (language::utf8Of(wanted) == "long") {
+      digits = 15;
+    } else if (language::utf8Of(wanted) != "short") {
+      language::raiseFault("option", "There is no such format.",
+                           "'short', 'long' or 1 to 17 digits", 1);
+    }
+  }
+  interpreter.style().digits = digits;
+}
+
+void help(Interpreter& interpreter, Arguments arguments) {
+  std::string const topic = arguments.empty() ? "" : language::textArgument(*arguments[0], 1);
+  interpreter.write(helpText(topic, interpreter.session(), interpreter.style().width));
+}
+
+void generators(Interpreter& interpreter, Arguments) {
+  interpreter.write(generatorsTable(interpreter.style().width));
+}
+
+void leave(Interpreter&, Arguments arguments) {
+  double const status = arguments.empty() ? 0 : language::numberArgument(*arguments[0], 1);
+  throw ExitRequest{language::castElement<std::uint8_t>(status)};
+}
+
+struct Row {
+  char const* name;
+  void (*body)(Interpreter&, Arguments);
+  int most;
+};
+constexpr Row kRows[] = {{"whos", whos, 0},  {"format", format, 1},
+                         {"help", help, 1},  {"generators", generators, 0},
+                         {"exit", leave, 1}, {"quit", leave, 1}};
+
+}  // namespace
+
+void registerShellFunctions(Interpreter& interpreter) {
+  for (Row const& row : kRows) {
+    interpreter.session().vm().functions().add(
+        row.name, [&interpreter, &row](int nlhs, txArrayPtr*, int nrhs, txArray const** prhs) {
+          if (nlhs > 0) matrix::detail::error_maxlhs();
+          if (nrhs > row.most) matrix::detail::error_maxrhs();
+          row.body(interpreter, {prhs, static_cast<std::size_t>(nrhs)});
+        });
+  }
+}
+
+}  // namespace shell

@@ -1,0 +1,10 @@
+#pragma once
+
+namespace shell {
+
+class Interpreter;
+
+// Adds help, generators, whos, format, exit and quit to the functions of the session's VM.
+void registerShellFunctions(Interpreter& interpreter);
+
+}  // namespace shell

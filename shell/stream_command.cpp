@@ -1,0 +1,153 @@
+#include "shell/stream_command.h"
+
+#include <fmt/compile.h>
+#include <fmt/format.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <bit>
+#include <cerrno>
+#include <cstdio>
+#include <cstring>
+#include <memory>
+#include <type_traits>
+
+#include "embedded_host/messages.h"
+#include "host/allocator.h"
+#include "host/except.h"
+#include "language/values.h"
+#include "rng/mr_functions.h"
+#include "rng/randstream.h"
+#include "shell/command_line.h"
+#include "shell/progress.h"
+#include "shell/stream_options.h"
+
+namespace shell {
+
+namespace {
+
+// Values made at a time: they stay in the second-level cache on their way out.
+constexpr std::uint64_t kBlockBytes = std::uint64_t{1} << 18;
+
+std::unique_ptr<randstream> makeStream(StreamOptions const& options) {
+  std::unique_ptr<randstream> stream(mrCreateRNGStream(
+      options.generator.c_str(), options.streams, options.stream - 1, options.seed, nullptr, 0));
+  if (options.reducedPrecision) stream->setFullPrecision(false);
+  if (options.antithetic) stream->setAntithetic(true);
+  if (!options.method.empty()) stream->setRandnAlg(options.method.c_str());
+  if (options.substream != 1) stream->setSubstream(options.substream - 1);
+  return stream;
+}
+
+template <class T>
+void fill(randstream& stream, StreamOptions const& options, T* out, std::uint64_t n) {
+  if constexpr (std::is_floating_point_v<T>) {
+    options.distribution == Distribution::normal ? stream.randnFcn(out, n, false)
+                                                 : stream.randuFcn(out, n);
+  } else {
+    stream.randiFcn(options.low, options.high, out, n);
+  }
+}
+
+// Returns false when nobody reads any more.
+bool writeAll(void const* data, std::size_t bytes) {
+  auto const* at = static_cast<char const*>(data);
+  while (bytes > 0) {
+    ssize_t const written = ::write(STDOUT_FILENO, at, bytes);
+    if (written < 0 && errno == EINTR) continue;
+    if (written < 0 && errno == EPIPE) return false;
+    if (written < 0) throw std::runtime_error(std::string("cannot write: ") + std::strerror(errno));
+    at += written;
+    bytes -= static_cast<std::size_t>(written);
+  }
+  return true;
+}
+
+template <class T>
+void toLittleEndian(T* values, std::uint64_t n) {
+  if constexpr (std::endian::native == std::endian::big && sizeof(T) > 1) {
+    auto* bytes = reinterpret_cast<unsigned char*>(values);
+    for (std::uint64_t i = 0; i < n; ++i)
+      std::reverse(bytes + i * sizeof(T), bytes + (i + 1) * sizeof(T));
+  }
+}
+
+// The shortest text that reads back as the same value, a line each.
+template <class T>
+void appendLines(fmt::memory_buffer& text, T const* values, std::uint64_t n) {
+  for (std::uint64_t i = 0; i < n; ++i) {
+    fmt::format_to(std::back_inserter(text), FMT_COMPILE("{}\n"), +values[i]);
+  }
+}
+
+template <class T>
+void writeValues(randstream& stream, StreamOptions const& options) {
+  std::uint64_t const block = kBlockBytes / sizeof(T);
+  auto const values = txMakeBuffer<T>(block);
+  fmt::memory_buffer text;
+  Progress progress(options.count);
+  std::uint64_t done = 0;
+  while (done < options.count) {
+    std::uint64_t const n = std::min(block, options.count - done);
+    fill(stream, options, values.get(), n);
+    bool open = false;
+    if (options.raw) {
+      toLittleEndian(values.get(), n);
+      open = writeAll(values.get(), n * sizeof(T));
+    } else {
+      text.clear();
+      appendLines(text, values.get(), n);
+      open = writeAll(text.data(), text.size());
+    }
+    if (!open) return;
+    done += n;
+    progress.update(done);
+  }
+}
+
+void writeStream(StreamOptions const& options) {
+  auto const stream = makeStream(options);
+  switch (options.type) {
+    case txClassSingle:
+      return writeValues<float>(*stream, options);
+    case txClassInt8:
+      return writeValues<signed char>(*stream, options);
+    case txClassUint8:
+      return writeValues<unsigned char>(*stream, options);
+    case txClassInt16:
+      return writeValues<short>(*stream, options);
+    case txClassUint16:
+      return writeValues<unsigned short>(*stream, options);
+    case txClassInt32:
+      return writeValues<int>(*stream, options);
+    case txClassUint32:
+      return writeValues<unsigned int>(*stream, options);
+    default:
+      return writeValues<double>(*stream, options);
+  }
+}
+
+}  // namespace
+
+int runStreamCommand(std::vector<std::string> const& words) {
+  StreamOptions const options = parseStreamOptions(words);
+  if (options.help) {
+    std::fputs(kStreamUsage, stdout);
+    return 0;
+  }
+  if (options.raw && isatty(STDOUT_FILENO)) {
+    throw UsageError("--raw is for files and pipes; a terminal takes text");
+  }
+  try {
+    writeStream(options);
+  } catch (foundation::core::except::AnyException const& error) {
+    std::string const hint = embedded_host::renderHint(error.GetBaseMsgIDObj());
+    std::fprintf(stderr, "  %s\n", error.text());
+    if (!hint.empty()) std::fprintf(stderr, "    %s\n", hint.c_str());
+    std::fprintf(stderr, "  [%s]\n", error.GetID().c_str());
+    return 1;
+  }
+  return 0;
+}
+
+}  // namespace shell

@@ -1,0 +1,196 @@
+#include "shell/stream_options.h"
+
+#include <fmt/format.h>
+
+#include <algorithm>
+#include <cmath>
+#include <functional>
+#include <optional>
+
+#include "language/values.h"
+#include "shell/command_line.h"
+
+namespace shell {
+
+char const kStreamUsage[] =
+    "usage: tvrng stream [options]\n"
+    "\n"
+    "  --generator NAME   mt19937ar, philox4x32_10, ... (mt19937ar)\n"
+    "  --seed N           0 to 4294967295 (0)\n"
+    "  --streams N        how many streams the set has (1)\n"
+    "  --stream I         which one of them, from 1 (1)\n"
+    "  --substream K      which substream, from 1 (1)\n"
+    "  --dist KIND        uniform, single, normal, integers (uniform)\n"
+    "  --method NAME      for normals: Ziggurat, Polar, Inversion (the generator's own)\n"
+    "  --type CLASS       for integers: int8, uint8, int16, uint16, int32, uint32 (uint32);\n"
+    "                     for normals: double, single (double)\n"
+    "  --range LOW:HIGH   for integers (all that the class holds)\n"
+    "  --count N          how many values, 1e9 is a number too, or endless (endless)\n"
+    "  --raw              little-endian values instead of text, one after the other\n"
+    "  --antithetic       the stream's antithetic values\n"
+    "  --reduced          reduced precision, where the generator has it\n"
+    "  --help             this text\n";
+
+namespace {
+
+std::uint64_t wholeNumber(std::string const& option, std::string const& text, std::uint64_t low,
+                          std::uint64_t high) {
+  // Digits are read exactly; 1e9 is read as a double.
+  bool const digits = !text.empty() && text.find_first_not_of("0123456789") == std::string::npos;
+  std::optional<std::uint64_t> value;
+  try {
+    std::size_t used = 0;
+    if (digits) {
+      value = std::stoull(text);
+    } else {
+      double const number = std::stod(text, &used);
+      if (used == text.size() && number >= 0 && number < 0x1p63 && number == std::floor(number)) {
+        value = static_cast<std::uint64_t>(number);
+      }
+    }
+  } catch (std::exception const&) {
+    value.reset();
+  }
+  if (!value || *value < low || *value > high) {
+    throw UsageError(
+        fmt::format("{} takes a whole number from {} to {}, not {}", option, low, high, text));
+  }
+  return *value;
+}
+
+struct TypeRow {
+  char const* name;
+  txClassID id;
+};
+constexpr TypeRow kTypes[] = {{"double", txClassDouble}, {"single", txClassSingle},
+                              {"int8", txClassInt8},     {"uint8", txClassUint8},
+                              {"int16", txClassInt16},   {"uint16", txClassUint16},
+                              {"int32", txClassInt32},   {"uint32", txClassUint32}};
+
+txClassID typeNamed(std::string const& text) {
+  for (TypeRow const& row : kTypes) {
+    if (text == row.name) return row.id;
+  }
+  throw UsageError(
+      "--type takes double, single, int8, uint8, int16, uint16, int32 or uint32, not " + text);
+}
+
+void setRange(StreamOptions& options, std::string const& text) {
+  std::size_t const colon = text.find(':');
+  try {
+    std::size_t used = 0;
+    if (colon == std::string::npos) throw std::invalid_argument("");
+    std::string const low = text.substr(0, colon);
+    std::string const high = text.substr(colon + 1);
+    options.low = std::stod(low, &used);
+    if (used != low.size()) throw std::invalid_argument("");
+    options.high = std::stod(high, &used);
+    if (used != high.size()) throw std::invalid_argument("");
+  } catch (std::logic_error const&) {
+    throw UsageError("--range takes two numbers, for example 1:6, not " + text);
+  }
+}
+
+// Type and range follow from the distribution where they were not given, and are checked against it
+// where they were.
+void complete(StreamOptions& options, bool typeGiven, bool rangeGiven) {
+  bool const integers = options.distribution == Distribution::integers;
+  if (integers && !typeGiven) options.type = txClassUint32;
+  if (integers != language::isIntegerClass(options.type)) {
+    throw UsageError("--dist and --type do not go together");
+  }
+  if (rangeGiven && !integers) throw UsageError("--range belongs to --dist integers");
+  if (!options.method.empty() && options.distribution != Distribution::normal) {
+    throw UsageError("--method belongs to --dist normal");
+  }
+  if (!integers) return;
+  language::visitElementType(options.type, [&]<class T>(T) {
+    double const lowest = static_cast<double>(std::numeric_limits<T>::lowest());
+    double const highest = static_cast<double>(std::numeric_limits<T>::max());
+    if (!rangeGiven) {
+      options.low = lowest;
+      options.high = highest;
+    }
+    bool const whole =
+        options.low == std::floor(options.low) && options.high == std::floor(options.high);
+    if (!(options.low >= lowest && options.high <= highest && options.low <= options.high &&
+          whole)) {
+      throw UsageError("--range takes whole numbers that the class holds, the lower one first");
+    }
+  });
+}
+
+}  // namespace
+
+StreamOptions parseStreamOptions(std::vector<std::string> const& words) {
+  constexpr std::uint64_t kMost = std::numeric_limits<std::uint64_t>::max();
+  StreamOptions options;
+  bool typeGiven = false;
+  bool rangeGiven = false;
+  using Set = std::function<void(std::string const& option, std::string const& value)>;
+  struct Row {
+    char const* name;
+    Set set;
+  };
+  Row const rows[] = {
+      {"--generator", [&](auto&, auto& v) { options.generator = v; }},
+      {"--seed",
+       [&](auto& o, auto& v) {
+         options.seed = static_cast<std::uint32_t>(wholeNumber(o, v, 0, 0xFFFFFFFFu));
+       }},
+      {"--streams", [&](auto& o, auto& v) { options.streams = wholeNumber(o, v, 1, kMost); }},
+      {"--stream", [&](auto& o, auto& v) { options.stream = wholeNumber(o, v, 1, kMost); }},
+      {"--substream", [&](auto& o, auto& v) { options.substream = wholeNumber(o, v, 1, kMost); }},
+      {"--method", [&](auto&, auto& v) { options.method = v; }},
+      {"--type",
+       [&](auto&, auto& v) {
+         options.type = typeNamed(v);
+         typeGiven = true;
+       }},
+      {"--range",
+       [&](auto&, auto& v) {
+         setRange(options, v);
+         rangeGiven = true;
+       }},
+      {"--count",
+       [&](auto& o, auto& v) {
+         options.count = v == "endless" ? StreamOptions::kEndless : wholeNumber(o, v, 0, kMost - 1);
+       }},
+      {"--dist", [&](auto&, auto& v) {
+         if (v == "uniform" || v == "single") {
+           options.distribution = Distribution::uniform;
+           if (v == "single") options.type = txClassSingle;
+         } else if (v == "normal") {
+           options.distribution = Distribution::normal;
+         } else if (v == "integers") {
+           options.distribution = Distribution::integers;
+         } else {
+           throw UsageError("--dist takes uniform, single, normal or integers, not " + v);
+         }
+       }}};
+  struct Flag {
+    char const* name;
+    bool& value;
+  };
+  Flag const flags[] = {{"--raw", options.raw},
+                        {"--antithetic", options.antithetic},
+                        {"--reduced", options.reducedPrecision},
+                        {"--help", options.help},
+                        {"-h", options.help}};
+  for (std::size_t i = 0; i < words.size() && !options.help; ++i) {
+    std::string const& word = words[i];
+    auto const flag = std::ranges::find_if(flags, [&](Flag const& f) { return word == f.name; });
+    if (flag != std::end(flags)) {
+      flag->value = true;
+      continue;
+    }
+    auto const row = std::ranges::find_if(rows, [&](Row const& r) { return word == r.name; });
+    if (row == std::end(rows)) throw UsageError("tvrng stream has no option " + word);
+    if (i + 1 == words.size()) throw UsageError(word + " needs a value");
+    row->set(word, words[++i]);
+  }
+  if (!options.help) complete(options, typeGiven, rangeGiven);
+  return options;
+}
+
+}  // namespace shell
