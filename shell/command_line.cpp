@@ -1,5 +1,7 @@
 #include "shell/command_line.h"
 
+#include <fmt/format.h>
+
 namespace shell {
 
 char const kUsage[] =
@@ -30,13 +32,14 @@ Invocation parseCommandLine(std::vector<std::string> const& words, bool inputIsT
     bool const isOption = !onlyFiles && word.size() > 1 && word[0] == '-';
     if (!isOption) {
       if (!invocation.file.empty()) {
-        throw UsageError("one program file at a time: " + invocation.file + " or " + word);
+        throw UsageError(
+            fmt::format("one program file at a time: {} or {}", invocation.file, word));
       }
       invocation.file = word;
     } else if (word == "--") {
       onlyFiles = true;
     } else if (word == "-e" || word == "--eval") {
-      if (i + 1 == words.size()) throw UsageError(word + " needs a text");
+      if (i + 1 == words.size()) throw UsageError(fmt::format("{} needs a text", word));
       invocation.texts.push_back(words[++i]);
     } else if (word == "--json") {
       invocation.json = true;
@@ -51,7 +54,7 @@ Invocation parseCommandLine(std::vector<std::string> const& words, bool inputIsT
       invocation.action = Invocation::Action::help;
       return invocation;
     } else {
-      throw UsageError("there is no option " + word);
+      throw UsageError(fmt::format("there is no option {}", word));
     }
   }
   if (!invocation.texts.empty()) {
@@ -61,7 +64,7 @@ Invocation parseCommandLine(std::vector<std::string> const& words, bool inputIsT
     invocation.action = Invocation::Action::script;
   } else if (!inputIsTerminal || invocation.json) {
     invocation.action = Invocation::Action::script;
-    invocation.file = "-";
+    invocation.file.assign(1, '-');
   }
   return invocation;
 }

@@ -71,8 +71,8 @@ txClassID typeNamed(std::string const& text) {
   for (TypeRow const& row : kTypes) {
     if (text == row.name) return row.id;
   }
-  throw UsageError(
-      "--type takes double, single, int8, uint8, int16, uint16, int32 or uint32, not " + text);
+  throw UsageError(fmt::format(
+      "--type takes double, single, int8, uint8, int16, uint16, int32 or uint32, not {}", text));
 }
 
 void setRange(StreamOptions& options, std::string const& text) {
@@ -87,7 +87,7 @@ void setRange(StreamOptions& options, std::string const& text) {
     options.high = std::stod(high, &used);
     if (used != high.size()) throw std::invalid_argument("");
   } catch (std::logic_error const&) {
-    throw UsageError("--range takes two numbers, for example 1:6, not " + text);
+    throw UsageError(fmt::format("--range takes two numbers, for example 1:6, not {}", text));
   }
 }
 
@@ -165,7 +165,8 @@ StreamOptions parseStreamOptions(std::vector<std::string> const& words) {
          } else if (v == "integers") {
            options.distribution = Distribution::integers;
          } else {
-           throw UsageError("--dist takes uniform, single, normal or integers, not " + v);
+           throw UsageError(
+               fmt::format("--dist takes uniform, single, normal or integers, not {}", v));
          }
        }}};
   struct Flag {
@@ -185,8 +186,8 @@ StreamOptions parseStreamOptions(std::vector<std::string> const& words) {
       continue;
     }
     auto const row = std::ranges::find_if(rows, [&](Row const& r) { return word == r.name; });
-    if (row == std::end(rows)) throw UsageError("tvrng stream has no option " + word);
-    if (i + 1 == words.size()) throw UsageError(word + " needs a value");
+    if (row == std::end(rows)) throw UsageError(fmt::format("tvrng stream has no option {}", word));
+    if (i + 1 == words.size()) throw UsageError(fmt::format("{} needs a value", word));
     row->set(word, words[++i]);
   }
   if (!options.help) complete(options, typeGiven, rangeGiven);
