@@ -73,5 +73,6 @@ void addOneValue();
 void addIntegers();
 void addPermutations();
 void addJumps();
+void addCalls();
 
 }  // namespace benchmarks

@@ -8,6 +8,7 @@ int main(int argc, char** argv) {
   benchmarks::addIntegers();
   benchmarks::addPermutations();
   benchmarks::addJumps();
+  benchmarks::addCalls();
   benchmark::AddCustomContext("compiler", TV_BENCHMARK_COMPILER);
   benchmark::AddCustomContext("flags", TV_BENCHMARK_FLAGS_TEXT);
   benchmark::Initialize(&argc, argv);

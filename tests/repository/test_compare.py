@@ -50,13 +50,14 @@ class Table(unittest.TestCase):
             ("w/h/tvmathrng/1", 1, 4.0),
             ("w/any/everyone/1", 1, 8.0),
             ("w/g/only g/1", 1, 6.0),
+            ("w/any/memset of something/1", 1, 0.5),
             ("w/absent/nobody/1", 1, 1.0),
         )
         table = [line for line in lines if line.startswith("|")]
         self.assertEqual(
             table,
             ["| values a call | 1 |", "|---|---:|", "| **g** | 2 (3.00x) |", "| only g | 6 |",
-             "| **h** | 4 (2.00x) |", "| everyone | 8 |"],
+             "| **h** | 4 (2.00x) |", "| everyone | 8 |", "| memset of something | 0.5 |"],
         )
 
     def test_singles_stand_beside_the_memset_of_singles(self):
