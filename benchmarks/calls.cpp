@@ -60,7 +60,7 @@ void addCalls() {
   for (char const* name : {"rand", "randn"})
     add<double>(work, name, kOurs, kSizes, [name] { return Builtin{.name = name}; });
   add<double>(work, "rand", "std::vector by std::mt19937_64", kSizes, [] { return NewVector(); });
-  add<double>(work, kAny, "memset of fresh memory", kSizes, [] { return Allocated(); });
+  add<double>(work, kAny, "memset after malloc", kSizes, [] { return Allocated(); });
 
   const std::string one = "one uniform of the global stream";
   addOneValue(one, "mrRandu", kOurs, [] {
