@@ -1,6 +1,7 @@
 #include "tfl_rng/shr3cong.h"
 
 #include "tfl_rng/elementary.h"
+#include "tfl_rng/kernels/shr3cong.h"
 #include "tfl_rng/to_double.h"
 #include "tfl_rng/ziggurat128.h"
 
@@ -15,14 +16,9 @@ void shr3cong::reset(std::uint32_t seed) {
 }
 
 void shr3cong::randu(double* out, std::size_t n) {
-  if (fullPrecision()) {
-    for (std::size_t i = 0; i < n; ++i) {
-      const std::uint64_t high = step();
-      out[i] = open52(high << 32 | step());
-    }
-  } else {
-    for (std::size_t i = 0; i < n; ++i) out[i] = open32(step());
-  }
+  namespace kernels = shr3cong_kernel;
+  state_ = fullPrecision() ? kernels::fill(kernels::Full{}, state_, out, n)
+                           : kernels::fill(kernels::Reduced{}, state_, out, n);
 }
 
 void shr3cong::randn(double* out, std::size_t n) {
@@ -32,7 +28,7 @@ void shr3cong::randn(double* out, std::size_t n) {
 
 double shr3cong::normal(Ziggurat128 const& zig) noexcept {
   for (;;) {
-    const std::uint32_t word = step();
+    const std::uint32_t word = state_.step();
     const auto signedWord = static_cast<std::int32_t>(word);
     const std::uint32_t layer = word & 127;
     const std::uint32_t magnitude = signedWord < 0 ? 0 - word : word;
@@ -40,7 +36,7 @@ double shr3cong::normal(Ziggurat128 const& zig) noexcept {
     if (magnitude < zig.inside[layer]) return x;
     if (layer == 0) return signedWord > 0 ? tailNormal() : -tailNormal();
     const double height =
-        zig.height[layer] + open32(step()) * (zig.height[layer - 1] - zig.height[layer]);
+        zig.height[layer] + open32(state_.step()) * (zig.height[layer - 1] - zig.height[layer]);
     if (height < pinnedExp(-0.5 * x * x)) return x;
   }
 }
@@ -49,8 +45,8 @@ double shr3cong::normal(Ziggurat128 const& zig) noexcept {
 // Source: G. Marsaglia, Technometrics 6 (1964) 101-102.
 double shr3cong::tailNormal() noexcept {
   for (;;) {
-    const double x = -pinnedLog(open32(step())) / Ziggurat128::kTailStart;
-    const double y = -pinnedLog(open32(step()));
+    const double x = -pinnedLog(open32(state_.step())) / Ziggurat128::kTailStart;
+    const double y = -pinnedLog(open32(state_.step()));
     if (y + y >= x * x) return Ziggurat128::kTailStart + x;
   }
 }

@@ -28,10 +28,27 @@ class shr3cong final : public CoreNormalRNG {
   // Stands in for a shift-register word of 0, which the register would never leave.
   static constexpr std::uint32_t kShiftRegisterDefault = 521288629;
 
+  // One step of each part alone.
+  static constexpr std::uint32_t congruentialStep(std::uint32_t word) noexcept {
+    return 69069 * word + 1234567;
+  }
+  static constexpr std::uint32_t shiftRegisterStep(std::uint32_t word) noexcept {
+    word ^= word << 13;
+    word ^= word >> 17;
+    return word ^ (word << 5);
+  }
+
   struct State {
     std::uint32_t congruential;
     // 0 is legal and leaves the congruential generator alone.
     std::uint32_t shiftRegister;
+
+    std::uint32_t step() noexcept {
+      congruential = congruentialStep(congruential);
+      shiftRegister = shiftRegisterStep(shiftRegister);
+      return congruential + shiftRegister;
+    }
+    bool operator==(State const&) const = default;
   };
 
   shr3cong(std::uint32_t seed, bool fullPrecision);
@@ -43,20 +60,7 @@ class shr3cong final : public CoreNormalRNG {
   State const& state() const noexcept { return state_; }
   void setState(State const& state) noexcept { state_ = state; }
 
-  // One step of the shift register alone.
-  static std::uint32_t shiftRegisterStep(std::uint32_t word) noexcept {
-    word ^= word << 13;
-    word ^= word >> 17;
-    word ^= word << 5;
-    return word;
-  }
-
  private:
-  std::uint32_t step() noexcept {
-    state_.congruential = 69069 * state_.congruential + 1234567;
-    state_.shiftRegister = shiftRegisterStep(state_.shiftRegister);
-    return state_.congruential + state_.shiftRegister;
-  }
   double normal(Ziggurat128 const& zig) noexcept;
   double tailNormal() noexcept;
 

@@ -13,6 +13,8 @@
 #define TFL_RNG_KERNELS_MCG16807_TABLES
 namespace tfl_rng::minimal_standard {
 
+// For fewer draws than this the scalar form is the faster one.
+constexpr std::size_t kLeastDraws = 4;
 constexpr std::size_t kMaxLanes = 8;
 constexpr std::size_t kVectors = 32;  // of doubles made from one base word
 
@@ -162,9 +164,11 @@ HWY_EXPORT(fillReduced);
 HWY_EXPORT(fillFull);
 
 std::uint32_t fill(Reduced, std::uint32_t word, double* out, std::size_t n) {
+  if (n < kLeastDraws) return reference::fill(Reduced{}, word, out, n);
   return HWY_DYNAMIC_DISPATCH(fillReduced)(word, out, n);
 }
 std::uint32_t fill(Full, std::uint32_t word, double* out, std::size_t n) {
+  if (n < kLeastDraws) return reference::fill(Full{}, word, out, n);
   return HWY_DYNAMIC_DISPATCH(fillFull)(word, out, n);
 }
 

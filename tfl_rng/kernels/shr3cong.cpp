@@ -1,0 +1,205 @@
+#include "tfl_rng/kernels/shr3cong.h"
+
+#include <algorithm>
+#include <array>
+
+#include "tfl_rng/kernels/shr3cong_reference.h"
+
+#undef HWY_TARGET_INCLUDE
+#define HWY_TARGET_INCLUDE "tfl_rng/kernels/shr3cong.cpp"
+#include <hwy/foreach_target.h>  // IWYU pragma: keep
+#include <hwy/highway.h>
+
+#ifndef TFL_RNG_KERNELS_SHR3CONG_TABLES
+#define TFL_RNG_KERNELS_SHR3CONG_TABLES
+namespace tfl_rng::shr3cong_kernel {
+
+constexpr std::size_t kDraws = 32;  // of a block
+// For fewer draws than this the scalar form is the faster one.
+constexpr std::size_t kLeastDraws = 4;
+constexpr std::size_t kNibbles = 8;
+
+// How the two parts get from the state before a block to the first step of each of its draws.
+struct Jumps {
+  using Row = std::array<std::uint32_t, kDraws>;
+
+  // The register's steps are linear over bits: its words are the exclusive-or of the words that
+  // each of its nibbles leads to.
+  alignas(64) std::array<std::array<Row, 16>, kNibbles> shiftRegister;
+  // word * factor + term
+  alignas(64) Row factor;
+  alignas(64) Row term;
+};
+
+template <class Precision>
+constexpr Jumps makeJumps() {
+  Jumps jumps{};
+  for (std::size_t nibble = 0; nibble < kNibbles; ++nibble) {
+    for (std::uint32_t value = 0; value < 16; ++value) {
+      std::uint32_t word = value << (4 * nibble);
+      for (std::uint32_t& to : jumps.shiftRegister[nibble][value]) {
+        to = word = shr3cong::shiftRegisterStep(word);
+        if (Precision::kStepsEach == 2) word = shr3cong::shiftRegisterStep(word);
+      }
+    }
+  }
+  std::uint32_t fromZero = 0;
+  std::uint32_t fromOne = 1;
+  for (std::size_t i = 0; i < kDraws; ++i) {
+    for (std::size_t step = 0; step < (i == 0 ? 1 : Precision::kStepsEach); ++step) {
+      fromZero = shr3cong::congruentialStep(fromZero);
+      fromOne = shr3cong::congruentialStep(fromOne);
+    }
+    jumps.factor[i] = fromOne - fromZero;
+    jumps.term[i] = fromZero;
+  }
+  return jumps;
+}
+
+template <class Precision>
+constexpr Jumps kJumps = makeJumps<Precision>();
+
+// The row that one nibble of a word of the register selects.
+template <class Precision, std::size_t nibble>
+inline std::uint32_t const* rowOf(std::uint32_t word) noexcept {
+  return kJumps<Precision>.shiftRegister[nibble][word >> (4 * nibble) & 15].data();
+}
+
+}  // namespace tfl_rng::shr3cong_kernel
+#endif
+
+HWY_BEFORE_NAMESPACE();
+namespace tfl_rng::shr3cong_kernel::HWY_NAMESPACE {
+
+#if HWY_TARGET == HWY_SCALAR
+
+template <class Precision>
+shr3cong::State fillFrom(shr3cong::State state, double* out, std::size_t n) {
+  return reference::fill(Precision{}, state, out, n);
+}
+
+#else
+
+namespace hn = hwy::HWY_NAMESPACE;
+
+constexpr hn::CappedTag<std::uint32_t, 16> u32;
+constexpr hn::Half<decltype(u32)> half32;
+constexpr hn::RepartitionToWide<decltype(u32)> u64;
+constexpr hn::RebindToFloat<decltype(u64)> f64;
+using Words = hn::Vec<decltype(u32)>;
+using Longs = hn::Vec<decltype(u64)>;
+
+HWY_INLINE Words shiftRegisterStep(Words w) {
+  w = hn::Xor(w, hn::ShiftLeft<13>(w));
+  w = hn::Xor(w, hn::ShiftRight<17>(w));
+  return hn::Xor(w, hn::ShiftLeft<5>(w));
+}
+
+HWY_INLINE Words congruentialStep(Words w) {
+  return hn::Add(hn::Mul(w, hn::Set(u32, 69069)), hn::Set(u32, 1234567));
+}
+
+// Stores the mantissa's bits as numbers of [1,2), less what makes the lowest ones `least`.
+HWY_INLINE void storeUniforms(Longs mantissa, double least, double* out) {
+  const Longs exponent = hn::BitCast(u64, hn::Set(f64, 1.0));
+  const auto shifted = hn::BitCast(f64, hn::Or(mantissa, exponent));
+  hn::StoreU(hn::Sub(shifted, hn::Set(f64, 1 - least)), f64, out);
+}
+
+HWY_INLINE Longs lowerLongs(Words w) { return hn::PromoteTo(u64, hn::LowerHalf(half32, w)); }
+HWY_INLINE Longs upperLongs(Words w) { return hn::PromoteTo(u64, hn::UpperHalf(half32, w)); }
+
+// The draws whose first steps are `shift` and `cong`, one a lane.
+HWY_INLINE void storeDraws(Reduced, Words shift, Words cong, double* out) {
+  const Words sum = hn::Add(shift, cong);
+  storeUniforms(hn::ShiftLeft<20>(lowerLongs(sum)), 0x1p-33, out);
+  storeUniforms(hn::ShiftLeft<20>(upperLongs(sum)), 0x1p-33, out + hn::Lanes(f64));
+}
+
+HWY_INLINE void storeDraws(Full, Words shift, Words cong, double* out) {
+  const Words high = hn::Add(shift, cong);
+  const Words low = hn::ShiftRight<12>(hn::Add(shiftRegisterStep(shift), congruentialStep(cong)));
+  storeUniforms(hn::Or(hn::ShiftLeft<20>(lowerLongs(high)), lowerLongs(low)), 0x1p-53, out);
+  storeUniforms(hn::Or(hn::ShiftLeft<20>(upperLongs(high)), upperLongs(low)), 0x1p-53,
+                out + hn::Lanes(f64));
+}
+
+// The exclusive-or of what `load` reads from the eight rows of a word. In pairs: a chain of eight
+// would be the slowest part of all.
+template <class Precision, class Join, class Load>
+HWY_INLINE auto joinRows(std::uint32_t word, Join join, Load load) {
+  return join(join(join(load(rowOf<Precision, 0>(word)), load(rowOf<Precision, 1>(word))),
+                   join(load(rowOf<Precision, 2>(word)), load(rowOf<Precision, 3>(word)))),
+              join(join(load(rowOf<Precision, 4>(word)), load(rowOf<Precision, 5>(word))),
+                   join(load(rowOf<Precision, 6>(word)), load(rowOf<Precision, 7>(word)))));
+}
+
+// The state after 1 to kDraws draws.
+template <class Precision>
+HWY_INLINE shr3cong::State after(std::size_t draws, shr3cong::State state) {
+  Jumps const& jumps = kJumps<Precision>;
+  const auto join = [](std::uint32_t a, std::uint32_t b) HWY_ATTR { return a ^ b; };
+  const auto load = [=](std::uint32_t const* row) HWY_ATTR { return row[draws - 1]; };
+  state.shiftRegister = joinRows<Precision>(state.shiftRegister, join, load);
+  state.congruential = state.congruential * jumps.factor[draws - 1] + jumps.term[draws - 1];
+  if (Precision::kStepsEach == 2) state.step();
+  return state;
+}
+
+// The first `draws` draws after `state`, rounded up to whole vectors.
+template <class Precision>
+HWY_INLINE void storeBlock(shr3cong::State const& state, double* out, std::size_t draws) {
+  Jumps const& jumps = kJumps<Precision>;
+  const auto join = [](Words a, Words b) HWY_ATTR { return hn::Xor(a, b); };
+  for (std::size_t i = 0; i < draws; i += hn::Lanes(u32)) {
+    const auto load = [=](std::uint32_t const* row) HWY_ATTR { return hn::LoadU(u32, row + i); };
+    const Words shift = joinRows<Precision>(state.shiftRegister, join, load);
+    const Words cong =
+        hn::Add(hn::Mul(hn::Set(u32, state.congruential), hn::LoadU(u32, jumps.factor.data() + i)),
+                hn::LoadU(u32, jumps.term.data() + i));
+    storeDraws(Precision{}, shift, cong, out + i);
+  }
+}
+
+template <class Precision>
+HWY_INLINE shr3cong::State fillFrom(shr3cong::State state, double* out, std::size_t n) {
+  for (; n >= kDraws; n -= kDraws, out += kDraws) {
+    storeBlock<Precision>(state, out, kDraws);
+    state = after<Precision>(kDraws, state);
+  }
+  if (n < kLeastDraws) return reference::fill(Precision{}, state, out, n);
+  alignas(64) double block[kDraws];
+  storeBlock<Precision>(state, block, n);
+  std::copy_n(block, n, out);
+  return after<Precision>(n, state);
+}
+
+#endif
+
+shr3cong::State fillReduced(shr3cong::State state, double* out, std::size_t n) {
+  return fillFrom<Reduced>(state, out, n);
+}
+shr3cong::State fillFull(shr3cong::State state, double* out, std::size_t n) {
+  return fillFrom<Full>(state, out, n);
+}
+
+}  // namespace tfl_rng::shr3cong_kernel::HWY_NAMESPACE
+HWY_AFTER_NAMESPACE();
+
+#if HWY_ONCE
+namespace tfl_rng::shr3cong_kernel {
+
+HWY_EXPORT(fillReduced);
+HWY_EXPORT(fillFull);
+
+shr3cong::State fill(Reduced, shr3cong::State state, double* out, std::size_t n) {
+  if (n < kLeastDraws) return reference::fill(Reduced{}, state, out, n);
+  return HWY_DYNAMIC_DISPATCH(fillReduced)(state, out, n);
+}
+shr3cong::State fill(Full, shr3cong::State state, double* out, std::size_t n) {
+  if (n < kLeastDraws) return reference::fill(Full{}, state, out, n);
+  return HWY_DYNAMIC_DISPATCH(fillFull)(state, out, n);
+}
+
+}  // namespace tfl_rng::shr3cong_kernel
+#endif

@@ -1,0 +1,27 @@
+#pragma once
+
+// The scalar form of the shr3cong kernels: what they must equal.
+
+#include <cstddef>
+#include <cstdint>
+
+#include "tfl_rng/kernels/shr3cong.h"
+#include "tfl_rng/to_double.h"
+
+namespace tfl_rng::shr3cong_kernel::reference {
+
+inline double draw(Reduced, shr3cong::State& state) noexcept { return open32(state.step()); }
+
+inline double draw(Full, shr3cong::State& state) noexcept {
+  const std::uint64_t high = state.step();
+  return open52(high << 32 | state.step());
+}
+
+template <class Precision>
+shr3cong::State fill(Precision precision, shr3cong::State state, double* out,
+                     std::size_t n) noexcept {
+  for (std::size_t i = 0; i < n; ++i) out[i] = draw(precision, state);
+  return state;
+}
+
+}  // namespace tfl_rng::shr3cong_kernel::reference
