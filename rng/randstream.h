@@ -115,7 +115,7 @@ class TV_EXPORT randstream {
   void randnInversion(double* buffer, unsigned long n);
 
   // The plug-in, inside the guard of a control operation: a stream without one fails there.
-  plugin_rng::IPluginRNG& requiredPlugin() const;
+  TV_LOCAL plugin_rng::IPluginRNG& requiredPlugin() const;
 
   static constexpr std::size_t kNameSize = 32;
 

@@ -6,11 +6,9 @@
 #include <thread>
 
 #include "builtins/builtins.h"
-#include "builtins/stream_methods.h"
-#include "embedded_host/object_system.h"
-#include "host/strings.h"
 #include "tests/support/calls.h"
 #include "tests/support/identifiers.h"
+#include "tests/support/streams.h"
 #include "vmstate/global_stream.h"
 
 namespace {
@@ -21,34 +19,6 @@ constexpr double kFirst = 0.81472368639317894;  // of mt19937ar with seed 0
 constexpr double kSecond = 0.90579193707561922;
 
 double draw() { return numbers(*call(mathrngRandFcn)).front(); }
-
-// A handle that is released at the end of its scope.
-class Handle {
- public:
-  explicit Handle(txArrayPtr value) : value_(std::move(value)) {}
-  ~Handle() { call(RandStream::deletefcn, args(txShare(*value_)), 0); }
-  txArrayPtr share() const { return txShare(*value_); }
-
- private:
-  txArrayPtr value_;
-};
-
-Handle createStream(char const* type, double seed, double numStreams = 1, double index = 1) {
-  return Handle(call(RandStream::create,
-                     args(type, typed<std::uint64_t>(numStreams), typed<std::uint64_t>(index),
-                          typed<std::uint32_t>(seed), emptyMatrix())));
-}
-
-// An object of a class that does nothing but keep a handle.
-txArrayPtr objectOf(Handle const& handle) {
-  auto definition = std::make_shared<embedded_host::ClassDefinition>();
-  definition->properties = {{.name = "StreamID"}};
-  txArrayPtr object = embedded_host::makeObject(definition);
-  embedded_host::setStoredProperty(*object, "StreamID", handle.share());
-  return object;
-}
-
-std::string textOf(txArray const& value) { return utToAscii(*value.scalarText()); }
 
 class GlobalStreamTest : public VmTest {
  protected:
