@@ -16,6 +16,7 @@ import json
 import os
 import pathlib
 import re
+import shlex
 import statistics
 import subprocess
 import sys
@@ -144,6 +145,7 @@ def machine(context, core, load):
         f"- Compiler: {context['compiler']}, {context['flags'].strip()} "
         "(the peers' headers too); system "
         + os.uname().release,
+        f"- Options: {' '.join(map(shlex.quote, sys.argv[2:])) or 'none'}",
         f"- One thread on core {core}; load average {load[0]:.1f} before and {load[1]:.1f} after: "
         + beside,
     ]
