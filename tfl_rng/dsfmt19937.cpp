@@ -83,33 +83,37 @@ void dsfmt19937::randu(double* out, std::size_t n) {
   }
 }
 
-std::uint64_t dsfmt19937::nextWord() {
-  if (position_ >= kOutputs) {
-    position_ %= kOutputs + 1;
-    if (position_ == kOutputs) {
-      dsfmt::regenerateAndFill(batch_, nullptr, 0);
-      position_ = 0;
+// Hands out the words of the batch in order.
+class dsfmt19937::NormalSource {
+ public:
+  using Layout = ziggurat::Bits52;
+
+  explicit NormalSource(dsfmt19937& core) : core_(core), next_(core.position_) {
+    if (next_ > kOutputs) next_ %= kOutputs + 1;
+  }
+  ~NormalSource() { core_.position_ = next_; }
+
+  std::span<std::uint64_t const> atHand() const {
+    return {core_.batch_.words + next_, kOutputs - next_};
+  }
+  void skip(std::size_t n) { next_ += n; }
+  std::uint64_t value() {
+    if (next_ == kOutputs) {
+      dsfmt::regenerateAndFill(core_.batch_, nullptr, 0);
+      next_ = 0;
     }
+    return core_.batch_.words[next_++];
   }
-  return batch_.words[position_++];
-}
 
-// Layer in bits 0 to 7, sign in bit 8, magnitude in bits 9 to 51 of a word.
-struct dsfmt19937::NormalSource {
-  dsfmt19937& core;
-
-  ziggurat::Candidate candidate() {
-    const std::uint64_t word = core.nextWord();
-    const std::uint64_t magnitude = word & dsfmt::kMantissa & ~std::uint64_t{0x1ff};
-    return {static_cast<std::uint32_t>(word & 255), (word & 256) != 0,
-            std::bit_cast<double>(magnitude | dsfmt::kExponentOfOne) - (1 - 0x1p-44)};
-  }
-  double uniform() { return dsfmt::reference::openOpen(core.nextWord()); }
+ private:
+  dsfmt19937& core_;
+  std::size_t next_;
 };
 
 void dsfmt19937::randn(double* out, std::size_t n) {
-  NormalSource source{*this};
-  for (std::size_t i = 0; i < n; ++i) out[i] = ziggurat::normal(source);
+  if (n == 0) return;
+  NormalSource source(*this);
+  ziggurat::fill(source, out, n);
 }
 
 }  // namespace tfl_rng

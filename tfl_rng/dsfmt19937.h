@@ -46,11 +46,9 @@ class dsfmt19937 final : public CoreNormalRNG {
   static State seeded(std::uint32_t seed) noexcept;
 
  private:
-  struct NormalSource;
+  class NormalSource;
 
-  std::uint64_t nextWord();
-
-  dsfmt::Batch batch_;
+  dsfmt::Batch batch_{};
   std::size_t position_;
   std::array<std::uint32_t, 7> reserved_;
 };

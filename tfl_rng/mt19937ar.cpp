@@ -73,32 +73,58 @@ void mt19937ar::fill(Precision precision, double* out, std::size_t n) {
   }
 }
 
+void mt19937ar::regenerate() {
+  mt19937::regenerateAndFill(mt19937::Reduced{}, batch_, nullptr, 0);
+  position_ = 0;
+}
+
 std::uint32_t mt19937ar::nextWord() {
-  if (position_ == kWords) {
-    mt19937::regenerateAndFill(mt19937::Reduced{}, batch_, nullptr, 0);
-    position_ = 0;
-  }
+  if (position_ == kWords) regenerate();
   return mt19937::reference::temper(batch_.words[position_++]);
 }
 
-// Layer in bits 0 to 7, sign in bit 8, magnitude in bits 12 to 63 of a 64-bit value.
-struct mt19937ar::NormalSource {
-  mt19937ar& core;
+// Hands out the 64-bit values of the batch in order, tempered as many at a time as are wanted.
+class mt19937ar::NormalSource {
+ public:
+  using Layout = ziggurat::Bits64;
 
+  // Serves at least `expected` values.
+  NormalSource(mt19937ar& core, std::size_t expected) : core_(core), expected_(expected) {}
+  // Values tempered ahead and not used go back.
+  ~NormalSource() { core_.position_ -= 2 * (end_ - next_); }
+
+  std::span<std::uint64_t const> atHand() const { return {values_ + next_, end_ - next_}; }
+  void skip(std::size_t n) { next_ += n; }
   std::uint64_t value() {
-    const std::uint64_t low = core.nextWord();
-    return (std::uint64_t{core.nextWord()} << 32) | low;
+    if (next_ == end_) refill();
+    return values_[next_++];
   }
-  ziggurat::Candidate candidate() {
-    const std::uint64_t bits = value();
-    return {static_cast<std::uint32_t>(bits & 255), (bits & 256) != 0, open52(bits)};
+
+ private:
+  void refill() {
+    next_ = 0;
+    if (kWords - core_.position_ == 1) {  // this value takes its halves from two batches
+      const std::uint64_t low = core_.nextWord();
+      values_[0] = (std::uint64_t{core_.nextWord()} << 32) | low;
+      end_ = 1;
+      return;
+    }
+    if (core_.position_ == kWords) core_.regenerate();
+    end_ = std::min(expected_, (kWords - core_.position_) / 2);
+    mt19937::temper(core_.batch_, core_.position_, values_, end_);
+    core_.position_ += 2 * end_;
   }
-  double uniform() { return open52(value()); }
+
+  mt19937ar& core_;
+  std::size_t expected_;
+  std::size_t next_ = 0;
+  std::size_t end_ = 0;
+  std::uint64_t values_[kWords / 2];
 };
 
 void mt19937ar::randn(double* out, std::size_t n) {
-  NormalSource source{*this};
-  for (std::size_t i = 0; i < n; ++i) out[i] = ziggurat::normal(source);
+  NormalSource source(*this, n);
+  ziggurat::fill(source, out, n);
 }
 
 }  // namespace tfl_rng

@@ -46,13 +46,14 @@ class mt19937ar final : public CoreNormalRNG {
   static State seeded(std::uint32_t seed) noexcept;
 
  private:
-  struct NormalSource;
+  class NormalSource;
 
   template <class Precision>
   void fill(Precision precision, double* out, std::size_t n);
+  void regenerate();
   std::uint32_t nextWord();
 
-  mt19937::Batch batch_;
+  mt19937::Batch batch_{};
   std::size_t position_;
 };
 

@@ -6,8 +6,11 @@
 
 #include <algorithm>
 #include <cmath>
+#include <random>
+#include <utility>
 #include <vector>
 
+#include "tests/support/every_target.h"
 #include "tests/support/known_answers.h"
 #include "tfl_rng/dsfmt19937.h"
 #include "tfl_rng/mt19937ar.h"
@@ -93,18 +96,45 @@ TYPED_TEST(NativeNormals, HaveTheRightTail) {
   EXPECT_LT(distance * std::sqrt(count), 1.95);  // one in a thousand
 }
 
-// Candidates that are rejected for ever end in an error instead of a hang.
+// The vector form of the fast acceptance equals the scalar one; with candidates of every layer the
+// runs end at every lane.
+template <class Layout>
+class AcceptedRun : public testing::Test {};
+
+using Layouts = testing::Types<ziggurat::Bits64, ziggurat::Bits52>;
+TYPED_TEST_SUITE(AcceptedRun, Layouts);
+
+TYPED_TEST(AcceptedRun, KernelEqualsTheScalarForm) {
+  std::mt19937_64 bits(6);
+  std::vector<std::uint64_t> values(20000);
+  for (auto& value : values) value = bits();
+  every_target::run([&] {
+    std::vector<double> expected(values.size()), out(values.size() + 1);
+    for (std::size_t at = 0; at < values.size(); ++at) {
+      const std::size_t n = std::min<std::size_t>(values.size() - at, at % 23);
+      out[n] = -7;
+      const auto length =
+          ziggurat::reference::acceptedRun(TypeParam{}, values.data() + at, expected.data(), n);
+      ASSERT_EQ(ziggurat::acceptedRun(TypeParam{}, values.data() + at, out.data(), n), length);
+      ASSERT_TRUE(std::equal(out.data(), out.data() + length, expected.data())) << at;
+      ASSERT_EQ(out[n], -7);
+    }
+  });
+}
+
+// Candidates that are rejected for ever end in an error instead of a hang: one at the outer end of
+// a wedge, and a tail whose uniforms are all as small as can be.
 struct Stuck {
-  std::uint32_t layer;
-  double u;
-  ziggurat::Candidate candidate() const { return {layer, false, 1 - 0x1p-53}; }
-  double uniform() const { return u; }
+  using Layout = ziggurat::Bits64;
+  std::uint64_t first, others;
+  std::uint64_t value() { return std::exchange(first, others); }
 };
 
 TEST(CoreZiggurat, EndlessRejectionEnds) {
-  Stuck wedge{100, 1 - 0x1p-53};
+  const std::uint64_t outermost = ~std::uint64_t{0xfff};
+  Stuck wedge{outermost | 100, outermost | 100};
   EXPECT_THROW(ziggurat::normal(wedge), RejectionLimit);
-  Stuck tail{ziggurat::kBaseLayer, 0x1p-53};
+  Stuck tail{outermost | ziggurat::kBaseLayer, 0};
   EXPECT_THROW(ziggurat::normal(tail), RejectionLimit);
 }
 

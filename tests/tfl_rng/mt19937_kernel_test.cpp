@@ -66,4 +66,17 @@ TYPED_TEST(Mt19937Kernel, RegenerationEqualsTheScalarForm) {
   });
 }
 
+TEST(Mt19937Temper, KernelEqualsTheScalarFormAtEveryPosition) {
+  const Batch batch = randomBatch();
+  every_target::run([&] {
+    for (std::size_t position = 0; position < kWords; ++position) {
+      const std::size_t n = (kWords - position) / 2;
+      std::vector<std::uint64_t> expected(n + 1, 7), values(n + 1, 7);
+      reference::temper(batch.words + position, expected.data(), n);
+      temper(batch, position, values.data(), n);
+      ASSERT_EQ(values, expected) << position;
+    }
+  });
+}
+
 }  // namespace

@@ -23,6 +23,10 @@ void regenerateAndFillWords(std::uint32_t* words, double* out, std::size_t n) {
   fillWords<Precision>(words, out, n);
 }
 
+void temperWords(std::uint32_t const* words, std::uint64_t* values, std::size_t n) {
+  reference::temper(words, values, n);
+}
+
 #else
 
 namespace hn = hwy::HWY_NAMESPACE;
@@ -123,6 +127,14 @@ HWY_INLINE void regenerateAndFillWords(std::uint32_t* words, double* out, std::s
   if (done < n) finish<Precision>(words, out, n);
 }
 
+void temperWords(std::uint32_t const* words, std::uint64_t* values, std::size_t n) {
+  const std::size_t step = hn::Lanes(u64);
+  std::size_t i = 0;
+  for (; i + step <= n; i += step)
+    hn::StoreU(hn::BitCast(u64, temper(hn::LoadU(u32, words + 2 * i))), u64, values + i);
+  reference::temper(words + 2 * i, values + i, n - i);
+}
+
 #endif
 
 void fillFull(std::uint32_t const* words, double* out, std::size_t n) {
@@ -148,6 +160,7 @@ HWY_EXPORT(fillFull);
 HWY_EXPORT(fillReduced);
 HWY_EXPORT(regenerateAndFillFull);
 HWY_EXPORT(regenerateAndFillReduced);
+HWY_EXPORT(temperWords);
 
 void fill(Full, Batch const& batch, std::size_t position, double* out, std::size_t n) {
   HWY_DYNAMIC_DISPATCH(fillFull)(batch.words + position, out, n);
@@ -160,6 +173,10 @@ void regenerateAndFill(Full, Batch& batch, double* out, std::size_t n) {
 }
 void regenerateAndFill(Reduced, Batch& batch, double* out, std::size_t n) {
   HWY_DYNAMIC_DISPATCH(regenerateAndFillReduced)(batch.words, out, n);
+}
+
+void temper(Batch const& batch, std::size_t position, std::uint64_t* values, std::size_t n) {
+  HWY_DYNAMIC_DISPATCH(temperWords)(batch.words + position, values, n);
 }
 
 }  // namespace tfl_rng::mt19937

@@ -36,4 +36,7 @@ void fill(Reduced, Batch const& batch, std::size_t position, double* out, std::s
 void regenerateAndFill(Full, Batch& batch, double* out, std::size_t n);
 void regenerateAndFill(Reduced, Batch& batch, double* out, std::size_t n);
 
+// Tempers the words from words[position] on into values[0, n), two each, the first one low.
+void temper(Batch const& batch, std::size_t position, std::uint64_t* values, std::size_t n);
+
 }  // namespace tfl_rng::mt19937

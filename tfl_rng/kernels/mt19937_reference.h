@@ -41,4 +41,9 @@ void fill(Precision precision, std::uint32_t const* words, double* out, std::siz
     out[i] = convert(precision, words + i * Precision::kWordsEach);
 }
 
+inline void temper(std::uint32_t const* words, std::uint64_t* values, std::size_t n) {
+  for (std::size_t i = 0; i < n; ++i)
+    values[i] = (std::uint64_t{temper(words[2 * i + 1])} << 32) | temper(words[2 * i]);
+}
+
 }  // namespace tfl_rng::mt19937::reference
