@@ -11,6 +11,35 @@
 #include "runtime/loaded.h"
 
 namespace runtime {
+
+// A session whose output can go to another place with each evaluation.
+class EvaluationSession final : private language::Output {
+ public:
+  explicit EvaluationSession(embedded_host::VmContext& vm) : session_(vm, *this) {}
+
+  txArrayPtr run(std::string_view source, language::Output* output) {
+    output_ = output;
+    session_.forgetLastValue();
+    session_.run(source);
+    txArray const* const value = session_.lastValue();
+    return value ? txShare(*value) : nullptr;
+  }
+
+ private:
+  void show(std::string_view name, txArray const& value) override {
+    if (output_) output_->show(name, value);
+  }
+  void print(std::string_view utf8) override {
+    if (output_) output_->print(utf8);
+  }
+  void printValue(txArray const& value) override {
+    if (output_) output_->printValue(value);
+  }
+
+  language::Output* output_ = nullptr;
+  language::Session session_;
+};
+
 namespace {
 
 bool callNamed(std::string_view name, int nlhs, txArrayPtr* plhs,
@@ -35,6 +64,7 @@ Vm::Vm()
 Vm::~Vm() {
   {
     embedded_host::EnterVm const inside(*context_);
+    session_.reset();
     loaded_->globalObject.reset();
   }
   context_.reset();
@@ -52,6 +82,12 @@ std::vector<txArrayPtr> Vm::call(std::string_view name, std::span<txArray const*
 
 txArrayPtr Vm::call(std::string_view name, std::initializer_list<txArray const*> args, int nlhs) {
   return std::move(call(name, std::span(args.begin(), args.size()), nlhs).front());
+}
+
+txArrayPtr Vm::evaluate(std::string_view source, language::Output* output) {
+  embedded_host::EnterVm const inside(*context_);
+  if (!session_) session_ = std::make_unique<EvaluationSession>(*context_);
+  return session_->run(source, output);
 }
 
 std::uint64_t Vm::streamActivity() const noexcept { return loaded_->streamActivity; }

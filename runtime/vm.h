@@ -13,10 +13,12 @@
 #include "embedded_host/vm_context.h"
 #include "host/export.h"
 #include "host/tx_array.h"
+#include "language/session.h"
 
 namespace runtime {
 
 struct Loaded;
+class EvaluationSession;
 
 // VMs are independent of each other, and each is used by one thread at a time. Its calls enter the
 // VM; code that calls the library's functions itself enters it with embedded_host::EnterVm. Stream
@@ -40,6 +42,11 @@ class TV_EXPORT Vm {
   txArrayPtr call(std::string_view name, std::initializer_list<txArray const*> args = {},
                   int nlhs = 1);
 
+  // Runs source text of the host language, whose variables stay for the next one. Returns the value
+  // of its last statement that has one, null when none has. What it shows and prints goes to
+  // `output`, nowhere when that is null. Errors: language::SourceError.
+  txArrayPtr evaluate(std::string_view source, language::Output* output = nullptr);
+
   // Counts the calls that may have moved a stream, by drawing from it or otherwise, or that have
   // replaced the global stream. Unchanged means that nothing was drawn; a call refused for its
   // arguments leaves it unchanged.
@@ -48,6 +55,7 @@ class TV_EXPORT Vm {
  private:
   std::unique_ptr<embedded_host::VmContext> context_;
   std::shared_ptr<Loaded> loaded_;
+  std::unique_ptr<EvaluationSession> session_;  // made by the first evaluation
 };
 
 }  // namespace runtime

@@ -306,6 +306,13 @@ TEST_F(RandStreamClass, StreamOutlivesTheCallThatDeletesItsObject) {
   EXPECT_EQ(identifierOf([&] { draw(object, 1); }), "TALVOR:RandStream:InvalidHandle");
 }
 
+TEST_F(RandStreamClass, SourceTextKeepsItsVariablesAndGivesItsLastValue) {
+  vm.evaluate("s = RandStream('mt19937ar','Seed',0);");
+  EXPECT_EQ(numbers(*vm.evaluate("x = rand(s,1,2); x(2)")), std::vector{0.90579193707561922});
+  EXPECT_EQ(vm.evaluate("% nothing"), nullptr);
+  EXPECT_THROW(vm.evaluate("rand(s,'int8')"), language::SourceError);
+}
+
 TEST(VmEnd, LeavesNothingAliveAndObjectsHarmless) {
   auto const before = embedded_host::allocationCounts().liveBlocks;
   txArrayPtr survivor;
