@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <bit>
 
+#include "tfl_rng/kernels/mlfg6331.h"
+#include "tfl_rng/kernels/mlfg6331_reference.h"
 #include "tfl_rng/modular.h"
 #include "tfl_rng/odd_power.h"
 #include "tfl_rng/splitmix.h"
@@ -16,7 +18,9 @@ using Trinomial = ModularTrinomial<mlfg6331_64::kLag, mlfg6331_64::kLag - mlfg63
 using Polynomial = Trinomial::Polynomial;
 
 constexpr std::size_t kLag = mlfg6331_64::kLag;
-constexpr std::size_t kAfterShortLag = kLag - mlfg6331_64::kShortLag;
+
+// Below this it does not pay to put the ring in order.
+constexpr std::size_t kFewDraws = 32;
 
 // Longest way that is stepped rather than jumped: about as many steps as a jump takes time.
 constexpr std::size_t kMostSteps = 16384;
@@ -35,27 +39,6 @@ struct Powers {
   std::array<std::uint64_t, kLag> exponents;
   std::array<std::uint64_t, kLag> signs;  // modulo 2
 };
-
-// The 63 terms that `steps` = t^n leads to from those of `terms`: each is the sum of 63 consecutive
-// ones weighted by the coefficients.
-void apply(Polynomial const& steps, std::array<std::uint64_t, kLag>& terms) noexcept {
-  std::array<std::uint64_t, 2 * kLag - 1> y;
-  std::ranges::copy(terms, y.begin());
-  for (std::size_t i = kLag; i < y.size(); ++i) y[i] = y[i - kLag] + y[i - mlfg6331_64::kShortLag];
-  terms.fill(0);
-  for (std::size_t j = 0; j < kLag; ++j) {
-    for (std::size_t i = 0; i < kLag; ++i) terms[i] += steps[j] * y[i + j];
-  }
-}
-
-// One step of the ring; the word it makes.
-std::uint64_t step(Table& ring, std::size_t& position) noexcept {
-  const std::size_t other = position + kAfterShortLag;
-  const std::uint64_t word = ring[position] * ring[other < kLag ? other : other - kLag];
-  ring[position] = word;
-  position = position + 1 < kLag ? position + 1 : 0;
-  return word;
-}
 
 // The canonical table of a seed and a stream; see the header.
 Table canonicalTable(std::uint32_t seed, std::size_t streamIndex) noexcept {
@@ -91,8 +74,8 @@ bool mlfg6331_64::jump(Table& table, std::uint64_t count, unsigned log2Steps) {
   }
   for (; count != 0; count &= count - 1) {
     auto const& steps = powers()[log2Steps + static_cast<unsigned>(std::countr_zero(count))];
-    apply(steps, terms.exponents);
-    apply(steps, terms.signs);
+    mlfg6331::apply(steps, terms.exponents);
+    mlfg6331::apply(steps, terms.signs);
   }
   for (std::size_t i = 0; i < kLag; ++i) {
     table[i] = wordOf({terms.exponents[i], terms.signs[i] % 2 != 0});
@@ -105,27 +88,45 @@ void mlfg6331_64::reset(std::uint32_t seed) {
   setSubstream(0);
 }
 
+// Word i of the ring is written in the steps i, i + 63 and so on from the first position, so that
+// the oldest word stands n places on after n steps.
+
+Table mlfg6331_64::inOrder() const noexcept {
+  Table table;
+  std::rotate_copy(state_.ring.begin(),
+                   state_.ring.begin() + static_cast<std::ptrdiff_t>(state_.position),
+                   state_.ring.end(), table.begin());
+  return table;
+}
+
+void mlfg6331_64::place(Table const& table, std::size_t n) noexcept {
+  state_.position = (state_.position + n % kLag) % kLag;
+  std::rotate_copy(table.begin(), table.end() - static_cast<std::ptrdiff_t>(state_.position),
+                   table.end(), state_.ring.begin());
+}
+
 void mlfg6331_64::randu(double* out, std::size_t n) {
-  std::size_t position = state_.position;
-  for (std::size_t i = 0; i < n; ++i) out[i] = open52(step(state_.ring, position));
-  state_.position = position;
+  if (n < kFewDraws) {
+    std::size_t position = state_.position;
+    for (std::size_t i = 0; i < n; ++i) {
+      out[i] = open52(mlfg6331::reference::step(state_.ring, position));
+    }
+    state_.position = position;
+    return;
+  }
+  Table table = inOrder();
+  mlfg6331::run(table, out, n);
+  place(table, n);
 }
 
 errorID mlfg6331_64::advance(std::size_t n) {
+  Table table = inOrder();
   if (n <= kMostSteps) {
-    std::size_t position = state_.position;
-    for (std::size_t i = 0; i < n; ++i) step(state_.ring, position);
-    state_.position = position;
-    return ok;
+    mlfg6331::run(table, nullptr, n);
+  } else if (!jump(table, n, 0)) {
+    return cannotComputeState;
   }
-  // Word i of the ring is overwritten in the steps i, i + 63, and so on from the position, so that
-  // the oldest word afterwards stands n places on.
-  Table table;
-  std::rotate_copy(state_.ring.begin(), state_.ring.begin() + state_.position, state_.ring.end(),
-                   table.begin());
-  if (!jump(table, n, 0)) return cannotComputeState;
-  state_.position = (state_.position + n % kLag) % kLag;
-  std::rotate_copy(table.begin(), table.end() - state_.position, table.end(), state_.ring.begin());
+  place(table, n);
   return ok;
 }
 

@@ -81,6 +81,10 @@ class mlfg6331_64 final : public CoreStreamRNG {
   void setState(State const& state) noexcept { state_ = state; }
 
  private:
+  // The ring, oldest word first, and the ring that n steps later holds `table`.
+  Table inOrder() const noexcept;
+  void place(Table const& table, std::size_t n) noexcept;
+
   State state_;
 };
 

@@ -6,8 +6,11 @@
 #include <vector>
 
 #include "tests/support/every_target.h"
+#include "tfl_rng/kernels/mlfg6331.h"
+#include "tfl_rng/kernels/mlfg6331_reference.h"
 #include "tfl_rng/kernels/philox4x32.h"
 #include "tfl_rng/kernels/philox4x32_reference.h"
+#include "tfl_rng/splitmix.h"
 
 namespace {
 
@@ -33,6 +36,47 @@ TEST(PhiloxKernel, EqualsTheScalarForm) {
         philox::fillBlocks(counter, key, values.data(), count);
         ASSERT_EQ(values, expected) << tfl_rng::low64(counter) << ", " << count;
       }
+    }
+  });
+}
+
+namespace mlfg = tfl_rng::mlfg6331;
+
+mlfg::Terms randomTerms(std::uint64_t seed, std::uint64_t lowestBits) {
+  tfl_rng::SplitMix64 source(seed);
+  mlfg::Terms terms;
+  for (auto& term : terms) term = source.next() | lowestBits;
+  return terms;
+}
+
+TEST(MlfgKernel, RunEqualsTheScalarForm) {
+  every_target::run([&] {
+    for (std::size_t n = 0; n < 300; ++n) {
+      const mlfg::Terms start = randomTerms(n, 1);
+      std::vector<double> expected(n + 1, kUntouched);
+      std::vector<double> values = expected;
+      mlfg::Terms reference = start;
+      mlfg::reference::run(reference, expected.data(), n);
+      mlfg::Terms table = start;
+      mlfg::run(table, values.data(), n);
+      ASSERT_EQ(values, expected) << n;
+      ASSERT_EQ(table, reference) << n;
+      table = start;
+      mlfg::run(table, nullptr, n);
+      ASSERT_EQ(table, reference) << n << " steps without draws";
+    }
+  });
+}
+
+TEST(MlfgKernel, ApplyEqualsTheScalarForm) {
+  every_target::run([&] {
+    for (std::uint64_t seed = 0; seed < 20; ++seed) {
+      const mlfg::Terms coefficients = randomTerms(seed + 100, 0);
+      mlfg::Terms expected = randomTerms(seed, 0);
+      mlfg::Terms terms = expected;
+      mlfg::reference::apply(coefficients, expected);
+      mlfg::apply(coefficients, terms);
+      ASSERT_EQ(terms, expected);
     }
   });
 }
