@@ -94,6 +94,8 @@ void Evaluator::assignPath(txArrayPtr& slot, std::span<Expression const* const> 
                    slot ? "A " + describe(*slot) + " has no properties."
                         : std::string("There is no object here."));
     }
+    auto const definition = embedded_host::classOf(*slot);
+    if (definition && !definition->findProperty(member->name)) unknownMember(*slot, *member);
     txArrayPtr part;
     if (!last) {
       part = located(step.span, [&] { return txGetProperty(*slot, member->name); });

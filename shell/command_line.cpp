@@ -11,6 +11,8 @@ char const kUsage[] =
     "       tvrng stream [options]        writes random numbers; see tvrng stream --help\n"
     "\n"
     "  -e, --eval TEXT  a program; may be given several times\n"
+    "  -i, --interactive  as at the prompt, also when standard input is a pipe: statements are\n"
+    "                   repeated before their results, and an error ends none but its own\n"
     "  --json           the last value as one line of JSON: class, size, complex, data\n"
     "  --long           numbers with 15 significant digits\n"
     "  --quiet          no greeting, and no values but those of print and --json\n"
@@ -41,6 +43,8 @@ Invocation parseCommandLine(std::vector<std::string> const& words, bool inputIsT
     } else if (word == "-e" || word == "--eval") {
       if (i + 1 == words.size()) throw UsageError(fmt::format("{} needs a text", word));
       invocation.texts.push_back(words[++i]);
+    } else if (word == "-i" || word == "--interactive") {
+      invocation.interactive = true;
     } else if (word == "--json") {
       invocation.json = true;
     } else if (word == "--quiet" || word == "-q") {
@@ -57,7 +61,11 @@ Invocation parseCommandLine(std::vector<std::string> const& words, bool inputIsT
       throw UsageError(fmt::format("there is no option {}", word));
     }
   }
-  if (!invocation.texts.empty()) {
+  if (invocation.interactive) {
+    if (!invocation.texts.empty() || !invocation.file.empty() || invocation.json) {
+      throw UsageError("--interactive goes with no program and no --json");
+    }
+  } else if (!invocation.texts.empty()) {
     if (!invocation.file.empty()) throw UsageError("-e and a program file do not go together");
     invocation.action = Invocation::Action::text;
   } else if (!invocation.file.empty()) {

@@ -21,6 +21,7 @@ struct Invocation {
   bool json = false;
   bool quiet = false;
   bool longNumbers = false;
+  bool interactive = false;        // statement by statement, also from a pipe
   std::string file;                // script; "-" is standard input
   std::vector<std::string> texts;  // -e, in order
   std::vector<std::string> rest;   // words behind `stream`

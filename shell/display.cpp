@@ -3,6 +3,8 @@
 #include <fmt/format.h>
 
 #include <algorithm>
+#include <cmath>
+#include <optional>
 #include <vector>
 
 #include "embedded_host/array.h"

@@ -13,6 +13,8 @@ namespace {
 
 using language::SourceSpan;
 
+constexpr std::size_t kLongestMessage = 600;
+
 // The part of a line around a span that fits the terminal, with the caret line's two numbers.
 struct Excerpt {
   std::string text;
@@ -64,16 +66,20 @@ std::string underline(Excerpt const& found) {
   return std::string(found.caret, ' ') + '^' + std::string(found.length - 1, '~');
 }
 
-// The name of the failing call, before the message: "rand: ...".
+// The name of the failing call, before the message: "rand: ...". The whole span must be the call.
 std::string calledName(std::string_view source, SourceSpan whole) {
-  std::size_t at = whole.begin;
-  auto const isName = [](char c) {
-    return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || (c >= '0' && c <= '9') || c == '_' ||
-           c == '.';
-  };
-  while (at < whole.end && at < source.size() && isName(source[at])) ++at;
-  bool const isCall = at < source.size() && at < whole.end && source[at] == '(';
-  return isCall ? std::string(source.substr(whole.begin, at - whole.begin)) : "";
+  std::string_view const text =
+      source.substr(std::min<std::size_t>(whole.begin, source.size()), whole.end - whole.begin);
+  std::size_t const open =
+      text.find_first_not_of("abcdefghijklmnopqrstuvwxyzABCDEFGHIJKLMNOPQRSTUVWXYZ0123456789_.");
+  if (open == std::string_view::npos) return std::string(text);
+  if (open == 0 || text[open] != '(') return "";
+  int depth = 0;
+  for (std::size_t i = open; i < text.size(); ++i) {
+    if (text[i] == '(') ++depth;
+    if (text[i] == ')' && --depth == 0 && i + 1 < text.size()) return "";
+  }
+  return std::string(text.substr(0, open));
 }
 
 std::string wrap(std::string const& text, std::size_t indent, std::size_t width) {
@@ -81,7 +87,9 @@ std::string wrap(std::string const& text, std::size_t indent, std::size_t width)
   std::size_t column = indent;
   std::size_t at = 0;
   while (at < text.size()) {
-    std::size_t const end = std::min(text.find(' ', at), text.size());
+    std::size_t end = std::min(text.find(' ', at), text.size());
+    end = std::min(end, at + width - indent);  // a word longer than the line is cut
+    while (end < text.size() && continues(text[end])) ++end;
     std::string_view const word = std::string_view(text).substr(at, end - at);
     if (column > indent && column + 1 + displayWidth(word) > width) {
       out += '\n' + std::string(indent, ' ');
@@ -93,7 +101,7 @@ std::string wrap(std::string const& text, std::size_t indent, std::size_t width)
     }
     out += word;
     column += displayWidth(word);
-    at = end + 1;
+    at = end < text.size() && text[end] == ' ' ? end + 1 : end;
   }
   return out + '\n';
 }
@@ -108,8 +116,10 @@ std::string describeError(language::SourceError const& error, ErrorPlace const& 
   std::string const name = calledName(place.source, error.whole());
   std::string const where =
       place.fileName.empty() ? "" : fmt::format("{}:{}: ", place.fileName, found.lineNumber);
-  std::string out =
-      wrap(where + (name.empty() ? "" : name + ": ") + printable(error.what()), 2, width);
+  std::string message = printable(error.what());
+  bool const named = name.empty() || message.find(name) != std::string::npos;
+  if (message.size() > kLongestMessage) message = message.substr(0, kLongestMessage) + " ...";
+  std::string out = wrap(where + (named ? "" : name + ": ") + message, 2, width);
   std::string hint = error.hint();
   if (hint.empty()) hint = embedded_host::renderHint(id);
   if (!place.source.empty()) {

@@ -3,6 +3,7 @@
 #include <fmt/format.h>
 
 #include <algorithm>
+#include <bit>
 #include <chrono>
 #include <memory>
 #include <string_view>
@@ -31,39 +32,49 @@ constexpr Row kRows[] = {
 #undef TFL_GENERATOR
 };
 
-std::string powerOfTwo(std::uint64_t log2) { return fmt::format("2^{}", log2); }
+// 2^61, or 2^64 - 2, or the number itself.
+std::string countText(std::uint64_t count) {
+  std::uint64_t const missing = std::uint64_t{0} - count;
+  if (count != 0 && missing < 10) return fmt::format("2^64 - {}", missing);
+  return std::has_single_bit(count) && count > 1 ? fmt::format("2^{}", std::countr_zero(count))
+                                                 : fmt::format("{}", count);
+}
 
-// The time of the quickest of a few jumps over 2^40 draws.
+// The time of a jump whose length has many bits set, the quickest of a few.
 std::string jumpCost(randstream& stream) {
   using Clock = std::chrono::steady_clock;
+  constexpr int kJumps = 20;
+  constexpr std::uint64_t kLength = 0x1E3779B97F4A7C15;
   Clock::duration best = Clock::duration::max();
   for (int i = 0; i < 5; ++i) {
     auto const start = Clock::now();
-    stream.advance(std::uint64_t{1} << 40);
+    for (int j = 0; j < kJumps; ++j) stream.advance(kLength);
     best = std::min(best, Clock::now() - start);
   }
-  return fmt::format("{:.2g} us", std::chrono::duration<double, std::micro>(best).count());
+  double const nanoseconds = std::chrono::duration<double, std::nano>(best).count() / kJumps;
+  return nanoseconds < 1000 ? fmt::format("{:.0f} ns", nanoseconds)
+                            : fmt::format("{:.0f} us", nanoseconds / 1000);
 }
 
 std::vector<std::string> cellsOf(Row const& row) {
-  std::unique_ptr<randstream> const stream(mrCreateRNGStream(row.name, 1, 0, 0, nullptr, 0));
   std::string const normals = *row.normals ? row.normals : "-";
-  if (!row.hasSubstreams) return {row.name, row.period, "1", "-", "draw by draw", normals};
+  if (!row.hasSubstreams) return {row.name, row.period, "1", "1", "-", normals};
+  std::unique_ptr<randstream> const stream(mrCreateRNGStream(row.name, 1, 0, 0, nullptr, 0));
   randstream::streamParamsStruct parameters{};
   stream->getStreamParameters(&parameters);
   return {row.name,
           row.period,
-          fmt::format("{} long", powerOfTwo(parameters.log2StreamLen)),
-          fmt::format("{} long", powerOfTwo(parameters.log2SubstreamLen)),
+          countText(parameters.numStreams),
+          countText(parameters.numSubstreams),
           jumpCost(*stream),
           normals};
 }
 
 }  // namespace
 
-std::string generatorsTable(int width) {
+std::string generatorsTable() {
   std::vector<std::vector<std::string>> table{
-      {"generator", "period", "streams", "substreams", "jump", "own normals"}};
+      {"generator", "period", "streams", "substreams", "jump", "normals"}};
   for (Row const& row : kRows) table.push_back(cellsOf(row));
   std::vector<std::size_t> widths(table.front().size(), 0);
   for (auto const& line : table) {
@@ -75,7 +86,7 @@ std::string generatorsTable(int width) {
     for (std::size_t i = 0; i < line.size(); ++i)
       text += fmt::format("  {:<{}}", line[i], widths[i]);
     text.erase(text.find_last_not_of(' ') + 1);
-    out += text.substr(0, std::max<std::size_t>(static_cast<std::size_t>(width), 80)) + '\n';
+    out += text + '\n';
   }
   return out;
 }

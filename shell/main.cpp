@@ -5,9 +5,6 @@
 #include <cerrno>
 #include <cstdio>
 #include <cstring>
-#include <fstream>
-#include <iostream>
-#include <sstream>
 
 #include "language/limits.h"
 #include "shell/command_line.h"
@@ -81,7 +78,7 @@ int runInvocation(Invocation const& invocation) {
     case Invocation::Action::prompt: {
       Interpreter interpreter(invocation.quiet ? Interpreter::Echo::none : Interpreter::Echo::all);
       if (invocation.longNumbers) interpreter.style().digits = 15;
-      return shell::runPrompt(interpreter, !invocation.quiet);
+      return shell::runPrompt(interpreter, !invocation.quiet && isatty(STDIN_FILENO));
     }
     default:
       return runPrograms(invocation);
@@ -101,7 +98,9 @@ int main(int count, char** words) {
     }
     return status;
   } catch (shell::UsageError const& error) {
-    std::fprintf(stderr, "tvrng: %s\n       tvrng --help tells what there is\n", error.what());
+    bool const ofStream = count > 1 && std::strcmp(words[1], "stream") == 0;
+    std::fprintf(stderr, "tvrng: %s\n       tvrng %s--help tells what there is\n", error.what(),
+                 ofStream ? "stream " : "");
     return kWrongUse;
   } catch (std::exception const& error) {
     std::fprintf(stderr, "tvrng: %s\n", error.what());

@@ -11,6 +11,10 @@ namespace shell {
 
 namespace {
 
+// Whole numbers below these are shown with all their digits.
+constexpr double kArrayWhole = 1e10;
+constexpr double kScalarWhole = 1e16;
+
 bool isFloat(txArray const& value) {
   return value.classID() == txClassDouble || value.classID() == txClassSingle;
 }
@@ -41,7 +45,7 @@ NumberColumns::NumberColumns(txArray const& value, std::vector<std::uint64_t> co
       if (x > 0) smallest = std::min(smallest, x);
     }
   }
-  if (whole && largest < 1e10) return;
+  if (whole && largest < (positions.size() == 1 ? kScalarWhole : kArrayWhole)) return;
   int const high = static_cast<int>(std::floor(std::log10(largest)));
   int const low = static_cast<int>(std::floor(std::log10(std::min(smallest, largest))));
   // At most four digits of the largest may be lost on the smallest.
@@ -54,6 +58,17 @@ NumberColumns::NumberColumns(txArray const& value, std::vector<std::uint64_t> co
   bool const plain = high >= -3 && high <= 3;
   factor_ = plain ? 0 : high;
   decimals_ = std::max(digits - 1 - std::max(high - factor_, -1), 0);
+  // Zeros that end every number are left out.
+  int needed = 0;
+  for (std::uint64_t const position : positions) {
+    for (int part = 0; part <= (value.isComplex() ? 1 : 0); ++part) {
+      std::string const shown = one(partAt(value, position, part));
+      std::size_t const last = shown.find_last_not_of('0');
+      std::size_t const point = shown.find('.');
+      if (point != std::string::npos) needed = std::max(needed, static_cast<int>(last - point));
+    }
+  }
+  decimals_ = needed;
 }
 
 std::string NumberColumns::commonFactor() const {
@@ -63,13 +78,14 @@ std::string NumberColumns::commonFactor() const {
 std::string NumberColumns::one(double x) const {
   if (std::isnan(x)) return "NaN";
   if (std::isinf(x)) return x < 0 ? "-Inf" : "Inf";
+  bool const isZero = x == 0 && !value_.isComplex();  // a lone 0 says that it is exact
   switch (notation_) {
     case Notation::whole:
       return fmt::format("{:.0f}", x + 0.0);
     case Notation::exponent:
-      return x == 0 ? "0" : fmt::format("{:.{}e}", x, decimals_);
+      return isZero ? "0" : fmt::format("{:.{}e}", x, decimals_);
     default:
-      return x == 0 ? "0" : fmt::format("{:.{}f}", x / std::pow(10.0, factor_), decimals_);
+      return isZero ? "0" : fmt::format("{:.{}f}", x / std::pow(10.0, factor_), decimals_);
   }
 }
 

@@ -72,9 +72,7 @@ void help(Interpreter& interpreter, Arguments arguments) {
   interpreter.write(helpText(topic, interpreter.session(), interpreter.style().width));
 }
 
-void generators(Interpreter& interpreter, Arguments) {
-  interpreter.write(generatorsTable(interpreter.style().width));
-}
+void generators(Interpreter& interpreter, Arguments) { interpreter.write(generatorsTable()); }
 
 void leave(Interpreter&, Arguments arguments) {
   double const status = arguments.empty() ? 0 : language::numberArgument(*arguments[0], 1);

@@ -1,0 +1,172 @@
+#include "shell/line_source.h"
+
+#include <histedit.h>
+#include <unistd.h>
+
+#include <cstdlib>
+#include <filesystem>
+
+#include "shell/completion.h"
+#include "shell/terminal.h"
+
+namespace shell {
+
+namespace {
+
+constexpr int kHistoryLines = 2000;
+
+char const* promptText(bool continues) { return continues ? ". " : "> "; }
+
+std::filesystem::path historyFile() {
+  char const* const state = std::getenv("XDG_STATE_HOME");
+  if (state && *state) return std::filesystem::path(state) / "tvrng" / "history";
+  char const* const home = std::getenv("HOME");
+  if (!home || !*home) return {};
+  return std::filesystem::path(home) / ".local" / "state" / "tvrng" / "history";
+}
+
+class LineEditor final : public LineSource {
+ public:
+  explicit LineEditor(language::Session const& session)
+      : session_(session),
+        edit_(el_init("tvrng", stdin, stdout, stderr)),
+        history_(history_init()) {
+    HistEvent event;
+    history(history_.get(), &event, H_SETSIZE, kHistoryLines);
+    history(history_.get(), &event, H_SETUNIQUE, 1);
+    file_ = historyFile();
+    if (!file_.empty()) history(history_.get(), &event, H_LOAD, file_.c_str());
+    EditLine* const edit = edit_.get();
+    el_set(edit, EL_CLIENTDATA, this);
+    el_set(edit, EL_PROMPT, &LineEditor::prompt);
+    el_set(edit, EL_EDITOR, "emacs");
+    el_set(edit, EL_HIST, ::history, history_.get());
+    el_set(edit, EL_ADDFN, "tv-complete", "completes names", &LineEditor::onTab);
+    el_set(edit, EL_BIND, "^I", "tv-complete", nullptr);
+    el_set(edit, EL_ADDFN, "tv-cancel", "drops the input", &LineEditor::onCancel);
+    el_set(edit, EL_BIND, "^C", "tv-cancel", nullptr);
+    el_set(edit, EL_BIND, "^R", "em-inc-search-prev", nullptr);
+    el_set(edit, EL_SETTY, "-d", "-isig", nullptr);
+    el_source(edit, nullptr);  // the user's own key bindings
+  }
+
+  ~LineEditor() override {
+    if (file_.empty()) return;
+    std::error_code ignored;  // a history that cannot be kept is no reason to complain
+    std::filesystem::create_directories(file_.parent_path(), ignored);
+    HistEvent event;
+    history(history_.get(), &event, H_SAVE, file_.c_str());
+  }
+  LineEditor(LineEditor const&) = delete;
+  LineEditor& operator=(LineEditor const&) = delete;
+
+  Input read(bool continues, std::string& line) override {
+    prompt_ = promptText(continues);
+    cancelled_ = false;
+    int count = 0;
+    char const* const text = el_gets(edit_.get(), &count);
+    if (cancelled_) return Input::cancelled;
+    if (!text || count <= 0) return Input::end;
+    line.assign(text, static_cast<std::size_t>(count));
+    return Input::line;
+  }
+
+  void remember(std::string const& source) override {
+    if (source.find_first_not_of(" \t\n") == std::string::npos) return;
+    HistEvent event;
+    history(history_.get(), &event, H_ENTER, source.c_str());
+  }
+
+ private:
+  static LineEditor& self(EditLine* edit) {
+    void* data = nullptr;
+    el_get(edit, EL_CLIENTDATA, &data);
+    return *static_cast<LineEditor*>(data);
+  }
+
+  static char* prompt(EditLine* edit) { return self(edit).prompt_.data(); }
+
+  static unsigned char onCancel(EditLine* edit, int) {
+    self(edit).cancelled_ = true;
+    std::fputs("^C\n", stdout);
+    std::fflush(stdout);
+    LineInfo const* const line = el_line(edit);
+    el_cursor(edit, static_cast<int>(line->lastchar - line->cursor));
+    el_deletestr(edit, static_cast<int>(line->lastchar - line->buffer));
+    return CC_EOF;
+  }
+
+  static unsigned char onTab(EditLine* edit, int) {
+    LineInfo const* const line = el_line(edit);
+    std::string_view const before(line->buffer,
+                                  static_cast<std::size_t>(line->cursor - line->buffer));
+    if (before.find_first_not_of(" \t") == std::string_view::npos) {
+      el_insertstr(edit, "  ");
+      return CC_REFRESH;
+    }
+    Completion const found = complete(before, self(edit).session_);
+    if (found.words.empty()) return CC_REFRESH_BEEP;
+    std::string const common = commonPrefix(found.words);
+    int const typed = static_cast<int>(before.size() - found.start);
+    bool const longer = static_cast<int>(common.size()) > typed;
+    if (longer || (found.words.size() == 1 && common != before.substr(found.start))) {
+      el_deletestr(edit, typed);
+      el_insertstr(edit, common.c_str());
+      return CC_REFRESH;
+    }
+    if (found.words.size() == 1) return CC_REFRESH;
+    std::size_t const width = static_cast<std::size_t>(terminalWidth(STDOUT_FILENO));
+    std::size_t column = 0;
+    std::fputc('\n', stdout);
+    for (std::string const& word : found.words) {
+      if (column > 0 && column + 2 + word.size() >= width) {
+        std::fputc('\n', stdout);
+        column = 0;
+      }
+      std::fprintf(stdout, "  %s", word.c_str());
+      column += 2 + word.size();
+    }
+    std::fputc('\n', stdout);
+    std::fflush(stdout);
+    return CC_REDISPLAY;
+  }
+
+  struct EndEdit {
+    void operator()(EditLine* edit) const { el_end(edit); }
+  };
+  struct EndHistory {
+    void operator()(History* history) const { history_end(history); }
+  };
+
+  language::Session const& session_;
+  std::unique_ptr<EditLine, EndEdit> edit_;
+  std::unique_ptr<History, EndHistory> history_;
+  std::filesystem::path file_;
+  std::string prompt_;
+  bool cancelled_ = false;
+};
+
+class PipeReader final : public LineSource {
+ public:
+  Input read(bool continues, std::string& line) override {
+    line.clear();
+    for (int c = std::getchar(); c != EOF; c = std::getchar()) {
+      line += static_cast<char>(c);
+      if (c == '\n') break;
+    }
+    if (line.empty()) return Input::end;
+    if (line.back() != '\n') line += '\n';
+    std::printf("%s%s", promptText(continues), line.c_str());
+    return Input::line;
+  }
+  void remember(std::string const&) override {}
+};
+
+}  // namespace
+
+std::unique_ptr<LineSource> makeLineSource(language::Session const& session) {
+  if (isatty(STDIN_FILENO)) return std::make_unique<LineEditor>(session);
+  return std::make_unique<PipeReader>();
+}
+
+}  // namespace shell
