@@ -29,6 +29,7 @@ constexpr std::uint64_t kMostFolds = 8;  // groups of columns
 constexpr std::uint64_t kMostPages = 6;
 constexpr std::uint64_t kMostItems = 30;  // cells, properties, sparse entries
 constexpr std::size_t kMostText = 2000;   // characters of a text
+constexpr double kWholeLimit = 1e16;      // whole numbers below are shown with all digits
 
 // The text as a literal of the language, on one line.
 std::string quoted(std::u16string_view text, char quote) {
@@ -62,8 +63,12 @@ bool isElements(txArray const& value) {
 // A scalar as the language would read it back.
 std::string scalarText(txArray const& value, int digits) {
   if (value.isLogical()) return *value.dataAs<bool>() ? "true" : "false";
-  std::string const text = value.isComplex() ? NumberColumns(value, {0}, digits).text(0)
-                                             : language::elementText(value, 0, digits);
+  bool const isWhole = language::isFloatClass(value.classID()) && !value.isComplex() &&
+                       std::fabs(value.scalarAsDouble()) < kWholeLimit &&
+                       value.scalarAsDouble() == std::floor(value.scalarAsDouble());
+  std::string const text = value.isComplex() || isWhole
+                               ? NumberColumns(value, {0}, digits).text(0)
+                               : language::elementText(value, 0, digits);
   if (value.classID() == txClassDouble) return text;
   return classText(value) + '(' + text + ')';
 }

@@ -8,7 +8,7 @@ the input), or of commands ("$ " before each; "[status N]" after its output when
 lines that start with "#" are comments, and <...> stands for any text on one line.
 A .md file is documentation: each block of code that starts with "> " is a transcript of a session of
 its own, and each line "tvrng ..." or "./run ..." in a block is a command that must succeed.
-A .tv file is a program that must run; with a .txt of its name beside it, that is what it prints.
+A .tv file is a program that must run. Commands find the examples in $EXAMPLES.
 With --update the transcripts of .txt files are rewritten from what came; read the difference.
 """
 
@@ -20,7 +20,8 @@ import subprocess
 import sys
 import tempfile
 
-TIMEOUT = 60
+TIMEOUT = 120
+ROOT = pathlib.Path(__file__).resolve().parents[2]
 
 
 class Runner:
@@ -28,6 +29,7 @@ class Runner:
         self.tvrng = pathlib.Path(tvrng).resolve()
         self.home = tempfile.TemporaryDirectory()
         self.environment = dict(os.environ, COLUMNS="80", HOME=self.home.name, LC_ALL="C.UTF-8",
+                                EXAMPLES=str(ROOT / "examples"),
                                 TVRNG_SETTINGS=self.home.name + "/settings.toml",
                                 PATH=f"{self.tvrng.parent}:{os.environ['PATH']}")
 
