@@ -72,14 +72,17 @@ std::string calledName(std::string_view source, SourceSpan whole) {
       source.substr(std::min<std::size_t>(whole.begin, source.size()), whole.end - whole.begin);
   std::size_t const open =
       text.find_first_not_of("abcdefghijklmnopqrstuvwxyzABCDEFGHIJKLMNOPQRSTUVWXYZ0123456789_.");
-  if (open == std::string_view::npos) return std::string(text);
-  if (open == 0 || text[open] != '(') return "";
+  std::string_view const name = text.substr(0, open);
+  bool const isName = !name.empty() && name.size() <= 64 && (name[0] < '0' || name[0] > '9');
+  if (!isName) return "";
+  if (open == std::string_view::npos) return std::string(name);
+  if (text[open] != '(') return "";
   int depth = 0;
   for (std::size_t i = open; i < text.size(); ++i) {
     if (text[i] == '(') ++depth;
     if (text[i] == ')' && --depth == 0 && i + 1 < text.size()) return "";
   }
-  return std::string(text.substr(0, open));
+  return std::string(name);
 }
 
 std::string wrap(std::string const& text, std::size_t indent, std::size_t width) {

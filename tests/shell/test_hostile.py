@@ -12,7 +12,7 @@ import tempfile
 import unittest
 
 TVRNG = ""
-MEMORY = 2 << 30  # bytes of address space; sanitizers need more and are told by their option
+MEMORY = 1 << 30  # bytes of address space; sanitizers need more and are told by their option
 SANITIZED = "TV_SANITIZED" in os.environ
 
 PROGRAMS = {
