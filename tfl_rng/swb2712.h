@@ -37,6 +37,8 @@ class swb2712 final : public CoreRNG {
     bool borrow;
     std::uint32_t position;  // below kLags
     std::uint32_t counter;
+
+    bool operator==(State const&) const = default;
   };
 
   swb2712(std::uint32_t seed, bool fullPrecision);
@@ -48,8 +50,6 @@ class swb2712 final : public CoreRNG {
   void setState(State const& state) noexcept { state_ = state; }
 
  private:
-  double draw() noexcept;
-
   State state_;
 };
 
