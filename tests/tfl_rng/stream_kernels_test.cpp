@@ -10,6 +10,8 @@
 #include "tfl_rng/kernels/mlfg6331_reference.h"
 #include "tfl_rng/kernels/philox4x32.h"
 #include "tfl_rng/kernels/philox4x32_reference.h"
+#include "tfl_rng/kernels/threefry4x64.h"
+#include "tfl_rng/kernels/threefry4x64_reference.h"
 #include "tfl_rng/splitmix.h"
 
 namespace {
@@ -35,6 +37,25 @@ TEST(PhiloxKernel, EqualsTheScalarForm) {
         philox::reference::fillBlocks(counter, key, expected.data(), count);
         philox::fillBlocks(counter, key, values.data(), count);
         ASSERT_EQ(values, expected) << tfl_rng::low64(counter) << ", " << count;
+      }
+    }
+  });
+}
+
+TEST(ThreefryKernel, EqualsTheScalarForm) {
+  namespace threefry = tfl_rng::threefry;
+  constexpr std::uint64_t full = ~std::uint64_t{0};
+  const threefry::Block counters[] = {
+      {0, 0, 0, 0}, {5, 6, 7, 8}, {full - 18, 1, 2, 3}, {full - 7, full, full, full}};
+  every_target::run([&] {
+    for (auto const& counter : counters) {
+      for (std::size_t count = 0; count < 140; ++count) {
+        const threefry::Block key = {count, 0xA0B1C2D3E4F50617, full, 1};
+        std::vector<double> expected(count * threefry::kDraws + 1, kUntouched);
+        std::vector<double> values = expected;
+        threefry::reference::fillBlocks(counter, key, expected.data(), count);
+        threefry::fillBlocks(counter, key, values.data(), count);
+        ASSERT_EQ(values, expected) << counter[0] << ", " << count;
       }
     }
   });

@@ -12,6 +12,7 @@ namespace tfl_rng::philox::reference {
 using Words = std::array<std::uint32_t, 4>;
 
 inline Words encrypt(Words c, std::uint32_t k0, std::uint32_t k1) noexcept {
+#pragma GCC unroll 10
   for (int round = 0; round < kRounds; ++round) {
     const std::uint64_t p0 = std::uint64_t{kMultiplier0} * c[0];
     const std::uint64_t p1 = std::uint64_t{kMultiplier1} * c[2];
