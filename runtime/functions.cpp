@@ -10,6 +10,7 @@
 #include "host/tcos.h"
 #include "runtime/loaded.h"
 #include "vmstate/global_stream.h"
+#include "vmstate/legacy_mode.h"
 
 namespace runtime {
 namespace {
@@ -33,6 +34,7 @@ constexpr Row kOnGlobalStream[] = {
 // is an address, and no text that a user types may become one.
 constexpr Row kOthers[] = {
     {"getFactoryDefaultRandStreamType", getFactoryDefaultRandStreamType},
+    {"inLegacyMode", inLegacyMode},
     {"setDefaultRandStream", setDefaultRandStream},
 };
 

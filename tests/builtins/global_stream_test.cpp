@@ -6,6 +6,7 @@
 #include <thread>
 
 #include "builtins/builtins.h"
+#include "embedded_host/allocator.h"
 #include "tests/support/calls.h"
 #include "tests/support/identifiers.h"
 #include "tests/support/streams.h"
@@ -125,6 +126,21 @@ TEST_F(GlobalStreamTest, CloneContinuesWhereDefaultStands) {
   call(setDefaultRandStream, args(emptyMatrix()), 0);
   call(clearGlobalRandStream, {}, 0);
   EXPECT_EQ(draw(), kFirst);
+}
+
+TEST_F(GlobalStreamTest, CloneOutOfMemoryIsNotKept) {
+  Handle const handle = createStream("mrg32k3a", 7);
+  call(setDefaultRandStream, args(objectOf(handle)), 0);
+  for (std::uint64_t k = 1;; ++k) {
+    ASSERT_LT(k, 100U);
+    auto const blocks = embedded_host::allocationCounts().liveBlocks;
+    embedded_host::FailingAllocation const failing(k);
+    std::string const error = identifierOf([] { call(mathrngRandFcn); });
+    EXPECT_EQ(error, failing.happened() ? "TALVOR:nomem" : "no error");
+    if (!failing.happened()) break;
+    // The result is asked for before the stream, so that nothing of either stays.
+    EXPECT_EQ(embedded_host::allocationCounts().liveBlocks, blocks) << "request " << k;
+  }
 }
 
 TEST_F(GlobalStreamTest, RefusesWrongCountsAndHandles) {
