@@ -116,7 +116,8 @@ std::string describeError(language::SourceError const& error, ErrorPlace const& 
   auto const& id = error.cause().GetBaseMsgIDObj();
   std::size_t const width = static_cast<std::size_t>(std::max(place.width, 40)) - 1;
   Excerpt const found = excerpt(place.source, error.spot(), width - 4);
-  std::string const name = calledName(place.source, error.whole());
+  bool const interrupted = error.identifier() == "TALVOR:language:interrupted";
+  std::string const name = interrupted ? "" : calledName(place.source, error.whole());
   std::string const where =
       place.fileName.empty() ? "" : fmt::format("{}:{}: ", place.fileName, found.lineNumber);
   std::string message = printable(error.what());
@@ -136,7 +137,8 @@ std::string describeError(language::SourceError const& error, ErrorPlace const& 
   }
   out += fmt::format("  [{}]", error.identifier());
   if (drawn) out += *drawn ? "  numbers were drawn before it" : "  nothing was drawn";
-  return out + '\n';
+  // The terminal has written ^C on the line.
+  return (interrupted ? "\n" : "") + out + '\n';
 }
 
 std::string describeWarning(foundation::core::except::MessageId const& id, std::string const& text,

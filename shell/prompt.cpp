@@ -44,6 +44,7 @@ int runPrompt(Interpreter& interpreter, bool greet) {
   }
   auto const lines = makeLineSource(interpreter.session());
   std::string source;
+  std::string typed;  // the same as it was typed, for the history
   for (;;) {
     std::fflush(stdout);
     std::string line;
@@ -59,18 +60,21 @@ int runPrompt(Interpreter& interpreter, bool greet) {
     }
     if (input == LineSource::Input::cancelled) {
       source.clear();
+      typed.clear();
       continue;
     }
+    typed += line;
     source += source.empty() ? expandCommand(line, interpreter.session()) : line;
     interpreter.style().width = terminalWidth(STDOUT_FILENO);
     try {
       if (interpreter.run(source, "", true) == Interpreter::Outcome::incomplete) continue;
     } catch (ExitRequest const& request) {
-      lines->remember(source);
+      lines->remember(typed);
       return request.status;
     }
-    lines->remember(source);
+    lines->remember(typed);
     source.clear();
+    typed.clear();
   }
 }
 
