@@ -6,6 +6,7 @@
 #include "host/tfl_rng.h"
 #include "rng/chunks.h"
 #include "rng/element_types.h"
+#include "rng/kernels/delivery.h"
 #include "rng/randstream.h"
 
 namespace {
@@ -30,16 +31,12 @@ double checkRandiLimits(double lo, double hi) {
 
 template <class T>
 void randstream::randiFcn(double lo, double hi, T* out, unsigned long n) {
-  const double count = checkRandiLimits(lo, hi);
+  // An antithetic stream mirrors the integer within the range, not the uniform.
+  const delivery::Range range{lo, checkRandiLimits(lo, hi), antithetic_};
   double uniforms[kChunk];
   forEachChunk(n, [&](std::size_t at, std::size_t len) {
     plugin_->randu(uniforms, len);
-    if (antithetic_)  // mirrors the integer within the range, not the uniform
-      for (std::size_t i = 0; i < len; ++i)
-        out[at + i] = storeAs<T>(count - tfl_rng::truncateProduct(uniforms[i] * count) - 1 + lo);
-    else
-      for (std::size_t i = 0; i < len; ++i)
-        out[at + i] = storeAs<T>(tfl_rng::truncateProduct(uniforms[i] * count) + lo);
+    delivery::toElements(uniforms, range, out + at, len);
   });
 }
 

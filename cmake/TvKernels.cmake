@@ -1,0 +1,10 @@
+# For targets with vector kernels: one body a kernel, compiled for every instruction set and chosen
+# at run time. Where the baseline has no vectors that Highway supports with every compiler, it runs
+# the scalar form. Vectors of unknown length are left out: the kernels count their lanes.
+find_package(hwy REQUIRED)
+
+function(tv_has_kernels target)
+  target_link_libraries(${target} PRIVATE hwy::hwy)
+  target_compile_definitions(${target} PRIVATE
+    HWY_BROKEN_EMU128=1 "HWY_DISABLED_TARGETS=(HWY_SVE|HWY_SVE2|HWY_SVE_256|HWY_SVE2_128|HWY_RVV)")
+endfunction()

@@ -1,0 +1,130 @@
+#include "rng/kernels/delivery.h"
+
+#include <limits>
+#include <type_traits>
+
+#undef HWY_TARGET_INCLUDE
+#define HWY_TARGET_INCLUDE "rng/kernels/delivery.cpp"
+#include <hwy/foreach_target.h>  // IWYU pragma: keep
+#include <hwy/highway.h>
+
+HWY_BEFORE_NAMESPACE();
+namespace delivery::HWY_NAMESPACE {
+
+#if HWY_TARGET == HWY_SCALAR
+
+constexpr std::size_t vectorFloats(double const*, bool, float*, std::size_t) { return 0; }
+template <class T>
+constexpr std::size_t vectorElements(double const*, Range const&, T*, std::size_t) {
+  return 0;
+}
+
+#else
+
+namespace hn = hwy::HWY_NAMESPACE;
+
+// At most eight lanes: their conversion to bytes is as wide as a lane of a double.
+constexpr hn::CappedTag<double, 8> f64;
+using Doubles = hn::Vec<decltype(f64)>;
+template <class T>
+using Narrow = hn::Rebind<T, decltype(f64)>;
+
+// Converts the whole vectors of out[0, n); the number of values done.
+std::size_t vectorFloats(double const* uniforms, bool mirrored, float* out, std::size_t n) {
+  const Narrow<float> f32;
+  const auto one = hn::Set(f64, 1);
+  const std::size_t lanes = hn::Lanes(f64);
+  std::size_t i = 0;
+  for (; i + lanes <= n; i += lanes) {
+    Doubles u = hn::LoadU(f64, uniforms + i);
+    if (mirrored) {
+      u = hn::IfThenElse(hn::Gt(u, hn::Set(f64, kSmallestUniform)), hn::Sub(one, u),
+                         hn::Set(f64, kLargestUniform));
+    }
+    const auto f = hn::Min(hn::DemoteTo(f32, u), hn::Set(f32, kLargestFloat));
+    const auto isZero = hn::Eq(f, hn::Zero(f32));
+    hn::StoreU(hn::IfThenElse(isZero, hn::Set(f32, kSmallestFloat), f), f32, out + i);
+  }
+  return i;
+}
+
+// Stores whole values as T by saturation.
+template <class T>
+HWY_INLINE void store(Doubles values, T* out) {
+  if constexpr (std::is_same_v<T, double>) {
+    hn::StoreU(values, f64, out);
+  } else if constexpr (std::is_same_v<T, float>) {
+    hn::StoreU(hn::DemoteTo(Narrow<float>(), values), Narrow<float>(), out);
+  } else {
+    const auto inRange =
+        hn::Min(hn::Max(values, hn::Set(f64, double{std::numeric_limits<T>::min()})),
+                hn::Set(f64, double{std::numeric_limits<T>::max()}));
+    const Narrow<std::int32_t> i32;
+    if constexpr (std::is_same_v<T, int>) {
+      hn::StoreU(hn::DemoteTo(i32, inRange), i32, out);
+    } else if constexpr (std::is_same_v<T, unsigned int>) {
+      // Through the signed range, 2^31 lower.
+      const auto lowered = hn::DemoteTo(i32, hn::Sub(inRange, hn::Set(f64, 0x1p31)));
+      const auto back = hn::Xor(lowered, hn::Set(i32, std::numeric_limits<std::int32_t>::min()));
+      hn::StoreU(hn::BitCast(Narrow<std::uint32_t>(), back), Narrow<std::uint32_t>(), out);
+    } else {
+      using Integer = std::conditional_t<std::is_same_v<T, bool>, unsigned char, T>;
+      const Narrow<Integer> narrow;
+      hn::StoreU(hn::DemoteTo(narrow, hn::DemoteTo(i32, inRange)), narrow,
+                 reinterpret_cast<hn::TFromD<decltype(narrow)>*>(out));
+    }
+  }
+}
+
+template <class T>
+HWY_INLINE std::size_t vectorElements(double const* uniforms, Range const& range, T* out,
+                                      std::size_t n) {
+  const auto count = hn::Set(f64, range.count);
+  const auto lo = hn::Set(f64, range.lo);
+  const std::size_t lanes = hn::Lanes(f64);
+  std::size_t i = 0;
+  for (; i + lanes <= n; i += lanes) {
+    Doubles k = hn::Trunc(hn::Mul(hn::LoadU(f64, uniforms + i), count));
+    if (range.mirrored) k = hn::Sub(hn::Sub(count, k), hn::Set(f64, 1));
+    store(hn::Add(k, lo), out + i);
+  }
+  return i;
+}
+
+#endif
+
+void floats(double const* uniforms, bool mirrored, float* out, std::size_t n) {
+  for (std::size_t i = vectorFloats(uniforms, mirrored, out, n); i < n; ++i)
+    out[i] = asFloat(mirrored ? mirror(uniforms[i]) : uniforms[i]);
+}
+
+#define DEFINE(T, classID)                                                                     \
+  void elements_##classID(double const* uniforms, Range const& range, T* out, std::size_t n) { \
+    for (std::size_t i = vectorElements(uniforms, range, out, n); i < n; ++i)                  \
+      out[i] = storeAs<T>(valueFor(uniforms[i], range));                                       \
+  }
+RNG_INTEGER_ELEMENTS(DEFINE)
+#undef DEFINE
+
+}  // namespace delivery::HWY_NAMESPACE
+HWY_AFTER_NAMESPACE();
+
+#if HWY_ONCE
+namespace delivery {
+
+HWY_EXPORT(floats);
+
+void toFloats(double const* uniforms, bool mirrored, float* out, std::size_t n) {
+  HWY_DYNAMIC_DISPATCH(floats)(uniforms, mirrored, out, n);
+}
+
+#define DEFINE(T, classID)                                                             \
+  HWY_EXPORT(elements_##classID);                                                      \
+  void toElements(double const* uniforms, Range const& range, T* out, std::size_t n) { \
+    HWY_DYNAMIC_DISPATCH(elements_##classID)(uniforms, range, out, n);                 \
+  }
+RNG_INTEGER_ELEMENTS(DEFINE)
+#undef DEFINE
+
+}  // namespace delivery
+#endif
