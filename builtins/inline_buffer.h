@@ -17,6 +17,7 @@ class InlineBuffer {
   // Values start value-initialised.
   explicit InlineBuffer(std::size_t size) : size_(size) {
     if (size <= kInPlace) return;
+    // NOLINTNEXTLINE(bugprone-sizeof-expression): T is a pointer in places, and meant to be
     heap_ = static_cast<T*>(txMallocEx(size * sizeof(T)));
     std::uninitialized_value_construct_n(heap_, size);
   }
