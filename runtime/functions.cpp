@@ -22,13 +22,14 @@ struct Row {
   txBuiltin builtin;
 };
 
-// May draw from the global stream or replace it.
+// May draw from the global stream, make or replace it.
 constexpr Row kOnGlobalStream[] = {
     {"rand", mathrngRandFcn},
     {"randi", mathrngRandiFcn},
     {"randn", mathrngRandnFcn},
     {"randperm", mathrngRandpermFcn},
     {"clearGlobalRandStream", clearGlobalRandStream},
+    {"inLegacyMode", inLegacyMode},
 };
 // The builtins that take or give bare stream handles are for the class RandStream alone: a handle
 // is an address, and no text that a user types may become one.
