@@ -17,8 +17,11 @@ void shr3cong::reset(std::uint32_t seed) {
 
 void shr3cong::randu(double* out, std::size_t n) {
   namespace kernels = shr3cong_kernel;
-  state_ = fullPrecision() ? kernels::fill(kernels::Full{}, state_, out, n)
-                           : kernels::fill(kernels::Reduced{}, state_, out, n);
+  if (fullPrecision()) {
+    kernels::fill(kernels::Full{}, state_, out, n);
+  } else {
+    kernels::fill(kernels::Reduced{}, state_, out, n);
+  }
 }
 
 void shr3cong::randn(double* out, std::size_t n) {

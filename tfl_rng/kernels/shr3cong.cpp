@@ -74,8 +74,8 @@ namespace tfl_rng::shr3cong_kernel::HWY_NAMESPACE {
 #if HWY_TARGET == HWY_SCALAR
 
 template <class Precision>
-shr3cong::State fillFrom(shr3cong::State state, double* out, std::size_t n) {
-  return reference::fill(Precision{}, state, out, n);
+void fillFrom(shr3cong::State& state, double* out, std::size_t n) {
+  reference::fill(Precision{}, state, out, n);
 }
 
 #else
@@ -162,26 +162,29 @@ HWY_INLINE void storeBlock(shr3cong::State const& state, double* out, std::size_
 }
 
 template <class Precision>
-HWY_INLINE shr3cong::State fillFrom(shr3cong::State state, double* out, std::size_t n) {
+HWY_INLINE void fillFrom(shr3cong::State& state, double* out, std::size_t n) {
+  shr3cong::State at = state;
   for (; n >= kDraws; n -= kDraws, out += kDraws) {
-    storeBlock<Precision>(state, out, kDraws);
-    state = after<Precision>(kDraws, state);
+    storeBlock<Precision>(at, out, kDraws);
+    at = after<Precision>(kDraws, at);
   }
-  if (n < kLeastDraws) return reference::fill(Precision{}, state, out, n);
-  alignas(64) double block[kDraws];
-  storeBlock<Precision>(state, block, n);
-  std::copy_n(block, n, out);
-  return after<Precision>(n, state);
+  if (n < kLeastDraws) {
+    reference::fill(Precision{}, at, out, n);
+  } else {
+    alignas(64) double block[kDraws];
+    storeBlock<Precision>(at, block, n);
+    std::copy_n(block, n, out);
+    at = after<Precision>(n, at);
+  }
+  state = at;
 }
 
 #endif
 
-shr3cong::State fillReduced(shr3cong::State state, double* out, std::size_t n) {
-  return fillFrom<Reduced>(state, out, n);
+void fillReduced(shr3cong::State& state, double* out, std::size_t n) {
+  fillFrom<Reduced>(state, out, n);
 }
-shr3cong::State fillFull(shr3cong::State state, double* out, std::size_t n) {
-  return fillFrom<Full>(state, out, n);
-}
+void fillFull(shr3cong::State& state, double* out, std::size_t n) { fillFrom<Full>(state, out, n); }
 
 }  // namespace tfl_rng::shr3cong_kernel::HWY_NAMESPACE
 HWY_AFTER_NAMESPACE();
@@ -192,13 +195,13 @@ namespace tfl_rng::shr3cong_kernel {
 HWY_EXPORT(fillReduced);
 HWY_EXPORT(fillFull);
 
-shr3cong::State fill(Reduced, shr3cong::State state, double* out, std::size_t n) {
+void fill(Reduced, shr3cong::State& state, double* out, std::size_t n) {
   if (n < kLeastDraws) return reference::fill(Reduced{}, state, out, n);
-  return HWY_DYNAMIC_DISPATCH(fillReduced)(state, out, n);
+  HWY_DYNAMIC_DISPATCH(fillReduced)(state, out, n);
 }
-shr3cong::State fill(Full, shr3cong::State state, double* out, std::size_t n) {
+void fill(Full, shr3cong::State& state, double* out, std::size_t n) {
   if (n < kLeastDraws) return reference::fill(Full{}, state, out, n);
-  return HWY_DYNAMIC_DISPATCH(fillFull)(state, out, n);
+  HWY_DYNAMIC_DISPATCH(fillFull)(state, out, n);
 }
 
 }  // namespace tfl_rng::shr3cong_kernel

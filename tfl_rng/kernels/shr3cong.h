@@ -16,8 +16,8 @@ struct Full {
   static constexpr std::size_t kStepsEach = 2;
 };
 
-// Fills out[0, n) with the draws after `state` and returns the state after them.
-shr3cong::State fill(Reduced, shr3cong::State state, double* out, std::size_t n);
-shr3cong::State fill(Full, shr3cong::State state, double* out, std::size_t n);
+// Fills out[0, n) with the draws after `state` and moves it on.
+void fill(Reduced, shr3cong::State& state, double* out, std::size_t n);
+void fill(Full, shr3cong::State& state, double* out, std::size_t n);
 
 }  // namespace tfl_rng::shr3cong_kernel

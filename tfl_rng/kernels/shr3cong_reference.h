@@ -18,10 +18,8 @@ inline double draw(Full, shr3cong::State& state) noexcept {
 }
 
 template <class Precision>
-shr3cong::State fill(Precision precision, shr3cong::State state, double* out,
-                     std::size_t n) noexcept {
+void fill(Precision precision, shr3cong::State& state, double* out, std::size_t n) noexcept {
   for (std::size_t i = 0; i < n; ++i) out[i] = draw(precision, state);
-  return state;
 }
 
 }  // namespace tfl_rng::shr3cong_kernel::reference
