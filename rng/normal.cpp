@@ -1,5 +1,6 @@
 // Standard normals of a stream: the generator's own, or one of three transformations of uniforms.
 
+#include <algorithm>
 #include <cmath>
 
 #include "errors/keys.h"
@@ -52,6 +53,11 @@ class UniformStore {
   }
   double read() { return buffer_[next_++]; }
 
+  // The whole pairs that are unread.
+  double const* pairs() const { return buffer_ + next_; }
+  std::size_t pairCount() const { return (end_ - next_) / 2; }
+  void skipPairs(std::size_t count) { next_ += 2 * count; }
+
  private:
   plugin_rng::IPluginRNG& plugin_;
   double* buffer_;
@@ -59,6 +65,28 @@ class UniformStore {
   std::size_t next_ = 0;  // buffer_[next_, end_) is unread
   std::size_t end_ = 0;
 };
+
+// The candidate that two uniforms select. Most lie inside their layer and are accepted at once.
+struct Candidate {
+  std::size_t layer;
+  double x;
+
+  Candidate(double u0, double u1)
+      : layer(static_cast<std::size_t>(static_cast<int>(ziggurat::kLayers * u0))),
+        x((2 * u1 - 1) * ziggurat::kX[layer + 1]) {}
+  bool isInside() const { return std::fabs(x) <= ziggurat::kX[layer]; }
+};
+
+// Reads pairs of uniforms up to the first candidate that is not inside its layer, at most `most`,
+// and writes the accepted ones to out[0, returned), which may reach into the uniforms read.
+std::size_t acceptInside(double const* uniforms, std::size_t most, double* out) {
+  for (std::size_t i = 0; i < most; ++i) {
+    const Candidate candidate(uniforms[2 * i], uniforms[2 * i + 1]);
+    if (!candidate.isInside()) return i;
+    out[i] = candidate.x;
+  }
+  return most;
+}
 
 // A value beyond the tail's start, with the sign of the candidate x.
 double zigguratTail(UniformStore& store, std::size_t slot, double x) {
@@ -76,26 +104,34 @@ double zigguratTail(UniformStore& store, std::size_t slot, double x) {
 
 }  // namespace
 
-// Marsaglia and Tsang (2000), 256 layers.
+// Marsaglia and Tsang (2000), 256 layers. Runs of candidates inside their layers are taken
+// in one go; the candidate that ends a run is decided here.
 void randstream::randnZiggurat(double* buffer, unsigned long n) {
   using ziggurat::kF;
-  using ziggurat::kX;
   UniformStore store(*plugin_, buffer, n);
   Rejections rejections;
   for (std::size_t slot = 0; slot < n;) {
     store.needTwo(slot);
-    const auto i = static_cast<int>(ziggurat::kLayers * store.read());
-    double x = (2 * store.read() - 1) * kX[i + 1];
-    if (std::fabs(x) > kX[i]) {
-      if (i == ziggurat::kLayers - 1) {
-        x = zigguratTail(store, slot, x);
-      } else {
-        store.needOne(slot);
-        const double y = kF[i + 1] + (kF[i] - kF[i + 1]) * store.read();
-        if (!(tfl_rng::pinnedExp(-0.5 * x * x) > y)) {
-          rejections.count();
-          continue;
-        }
+    const std::size_t most = std::min<std::size_t>(store.pairCount(), n - slot);
+    const std::size_t inside = acceptInside(store.pairs(), most, buffer + slot);
+    store.skipPairs(inside);
+    slot += inside;
+    if (inside > 0) rejections = {};
+    if (inside == most) continue;
+
+    const double u0 = store.read();
+    const double u1 = store.read();
+    const Candidate candidate(u0, u1);
+    double x = candidate.x;
+    if (candidate.layer == ziggurat::kLayers - 1) {
+      x = zigguratTail(store, slot, x);
+    } else {
+      store.needOne(slot);
+      const std::size_t i = candidate.layer;
+      const double y = kF[i + 1] + (kF[i] - kF[i + 1]) * store.read();
+      if (!(tfl_rng::pinnedExp(-0.5 * x * x) > y)) {
+        rejections.count();
+        continue;
       }
     }
     buffer[slot++] = x;
