@@ -45,6 +45,7 @@ void noteFreed(void* memory) noexcept {
 }
 
 void* allocate(std::size_t bytes) noexcept {
+  if (bytes > static_cast<std::size_t>(PTRDIFF_MAX)) return nullptr;
   bool const huge = bytes >= kHugeFrom;
   std::size_t const alignment = huge ? kHugePage : kAlignment;
   void* memory = nullptr;
