@@ -9,7 +9,7 @@
 
 namespace embedded_host {
 
-// What the process holds of the host's memory. Bytes are counted as the system rounds them up.
+// What the process holds of the host's memory. From 4 MiB on a block counts with its huge pages.
 struct AllocationCounts {
   std::int64_t liveBlocks;
   std::int64_t liveBytes;

@@ -1,37 +1,70 @@
 #include "host/sort.h"
 
 #include <algorithm>
-#include <array>
+#include <bit>
 #include <cmath>
-#include <numeric>
+#include <limits>
 
 #include "embedded_host/messages.h"
+#include "embedded_host/sort_uniforms.h"
 #include "host/allocator.h"
 #include "host/messages.h"
-#include "host/tcos.h"
+
+namespace {
+
+struct Entry {
+  std::int64_t key;
+  std::uint64_t index;
+
+  bool operator<(Entry const& other) const {
+    return key < other.key || (key == other.key && index < other.index);
+  }
+};
+
+// A number that orders as the doubles do: -0 equals 0, and every NaN comes last.
+std::int64_t orderOf(double value) {
+  if (std::isnan(value)) return std::numeric_limits<std::int64_t>::max();
+  auto const bits = std::bit_cast<std::int64_t>(value);
+  return bits >= 0 ? bits : std::numeric_limits<std::int64_t>::min() - bits;
+}
+
+void sortAny(std::span<const double> values, double* sorted, double* positions) {
+  auto entries = txMakeBuffer<Entry>(values.size());
+  for (std::size_t i = 0; i < values.size(); ++i) entries[i] = {orderOf(values[i]), i};
+  std::sort(entries.get(), entries.get() + values.size());
+  for (std::size_t i = 0; i < values.size(); ++i) {
+    sorted[i] = values[entries[i].index];
+    if (positions) positions[i] = static_cast<double>(entries[i].index + 1);
+  }
+}
+
+}  // namespace
 
 void mathcoreSortFcn(int nlhs, txArrayPtr* plhs, int nrhs, txArray const** prhs) {
   if (nlhs > 2) matrix::detail::error_maxlhs();
   if (nrhs > 1) matrix::detail::error_maxrhs();
   if (nrhs < 1) matrix::detail::error_minrhs();
-  txArray const& values = *prhs[0];
-  bool const isVector = values.dims().size() == 2 && (values.dims()[0] == 1 ||
-                                                      values.dims()[1] == 1 || values.isEmpty());
-  if (values.classID() != txClassDouble || values.isComplex() || values.isSparse() || !isVector) {
+  txArray const& array = *prhs[0];
+  auto const dims = array.dims();
+  bool const isVector = dims.size() == 2 && (dims[0] == 1 || dims[1] == 1 || array.isEmpty());
+  if (array.classID() != txClassDouble || array.isComplex() || array.isSparse() || !isVector) {
     embedded_host::raiseHostError("TALVOR:sort:NotDoubleVector");
   }
-  std::uint64_t const count = values.numel();
-  double const* const from = values.dataAs<double>();
-  auto order = txMakeBuffer<std::uint64_t>(count);
-  std::iota(order.get(), order.get() + count, std::uint64_t{0});
-  std::stable_sort(order.get(), order.get() + count, [&](std::uint64_t a, std::uint64_t b) {
-    return from[a] < from[b] || (std::isnan(from[b]) && !std::isnan(from[a]));
-  });
-  plhs[0] = txCreateUninitialized(values.dims(), txClassDouble);
-  double* const sorted = plhs[0]->dataAs<double>();
-  for (std::uint64_t i = 0; i < count; ++i) sorted[i] = from[order[i]];
-  if (nlhs < 2) return;
-  plhs[1] = txCreateUninitialized(values.dims(), txClassDouble);
-  double* const positions = plhs[1]->dataAs<double>();
-  for (std::uint64_t i = 0; i < count; ++i) positions[i] = static_cast<double>(order[i] + 1);
+  std::span<const double> const values(array.dataAs<double>(), array.numel());
+  bool const wantsPositions = nlhs > 1;
+
+  // Fewer values are not worth the tables of the other way.
+  constexpr std::size_t kFew = 64;
+  if (values.size() >= kFew) {
+    if (auto sorted = embedded_host::sortUniforms(values, dims); sorted.values) {
+      plhs[0] = std::move(sorted.values);
+      if (wantsPositions) plhs[1] = std::move(sorted.positions);
+      return;
+    }
+  }
+  txArrayPtr sorted = txCreateUninitialized(dims, txClassDouble);
+  txArrayPtr positions = wantsPositions ? txCreateUninitialized(dims, txClassDouble) : nullptr;
+  sortAny(values, sorted->dataAs<double>(), positions ? positions->dataAs<double>() : nullptr);
+  plhs[0] = std::move(sorted);
+  if (positions) plhs[1] = std::move(positions);
 }

@@ -2,8 +2,11 @@
 
 #include <gtest/gtest.h>
 
+#include <array>
 #include <cstdint>
+#include <cstring>
 #include <thread>
+#include <vector>
 
 #include "embedded_host/array.h"
 #include "embedded_host/host_allocator.h"
@@ -38,6 +41,47 @@ TEST(Allocator, CountsLiveBlocksAndPeak) {
   EXPECT_GE(peakBytes() - base, 8'000'000);
   // Large blocks are rounded up to huge pages.
   EXPECT_LT(peakBytes() - base, 8'000'000 + 2 * (2 << 20));
+}
+
+#ifndef __SANITIZE_ADDRESS__
+TEST(Allocator, ReleasedLargeBlocksServeTheNextRequestOfTheirSize) {
+  constexpr std::size_t kBytes = 9 << 20;
+  void* const first = txMallocEx(kBytes);
+  EXPECT_EQ(reinterpret_cast<std::uintptr_t>(first) % (2 << 20), 0u);
+  void* const second = txMallocEx(kBytes);
+  EXPECT_NE(first, second);
+  std::memset(first, 'x', kBytes);
+  txFreeEx(first);
+  // A much smaller request must not tie up a large block.
+  void* const small = txMallocEx(4 << 20);
+  EXPECT_NE(small, first);
+  void* const again = txMallocEx(kBytes - 4096);
+  EXPECT_EQ(again, first);
+  std::memset(again, 'y', kBytes - 4096);
+  for (void* block : {second, small, again}) txFreeEx(block);
+}
+#endif
+
+// Blocks may be released on another thread than the one that asked for them.
+TEST(Allocator, ServesSeveralThreads) {
+  AllocationCounts const before = allocationCounts();
+  std::array<std::vector<void*>, 4> blocks;
+  std::vector<std::thread> threads;
+  for (auto& own : blocks) {
+    threads.emplace_back([&own] {
+      for (std::size_t i = 0; i < 200; ++i) own.push_back(txMallocEx(i % 20 == 0 ? 5 << 20 : i));
+    });
+  }
+  for (auto& thread : threads) thread.join();
+  threads.clear();
+  for (std::size_t t = 0; t < blocks.size(); ++t) {
+    threads.emplace_back([&own = blocks[(t + 1) % blocks.size()]] {
+      for (void* block : own) txFreeEx(block);
+    });
+  }
+  for (auto& thread : threads) thread.join();
+  EXPECT_EQ(allocationCounts().liveBlocks, before.liveBlocks);
+  EXPECT_EQ(allocationCounts().liveBytes, before.liveBytes);
 }
 
 TEST(Allocator, FailsExactlyTheRequestItIsToldTo) {
