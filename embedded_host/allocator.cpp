@@ -94,7 +94,8 @@ void* allocate(std::size_t bytes) noexcept {
   if (bytes >= static_cast<std::size_t>(PTRDIFF_MAX) - LargeBlocks::kHugePage) return nullptr;
   bool const isLarge = bytes >= kLargeFrom;
   void* const memory = isLarge ? LargeBlocks::instance().allocate(bytes) : allocateSmall(bytes);
-  if (memory) noteAllocated(isLarge ? LargeBlocks::instance().sizeOf(memory) : bytesOfSmall(memory));
+  if (memory)
+    noteAllocated(isLarge ? LargeBlocks::instance().sizeOf(memory) : bytesOfSmall(memory));
   return memory;
 }
 

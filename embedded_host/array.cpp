@@ -42,9 +42,8 @@ template <class Char>
 txArrayPtr makeCharRow(std::basic_string_view<Char> text) {
   std::array<std::uint64_t, 2> const dims{text.empty() ? 0u : 1u, text.size()};
   txArrayPtr result = makeUninitialized(dims, txClassChar);
-  std::transform(text.begin(), text.end(), result->dataAs<char16_t>(), [](Char c) {
-    return static_cast<char16_t>(static_cast<UnitOf<Char>>(c));
-  });
+  std::transform(text.begin(), text.end(), result->dataAs<char16_t>(),
+                 [](Char c) { return static_cast<char16_t>(static_cast<UnitOf<Char>>(c)); });
   return result;
 }
 
@@ -235,8 +234,7 @@ txArrayPtr txCreateCell(std::span<const std::uint64_t> dims) {
   std::uint64_t const count =
       embedded_host::countElements(dims, embedded_host::storedBytes(txClassCell));
   return embedded_host::makeImpl(
-      txClassCell, dims,
-      std::allocate_shared<Cells>(embedded_host::HostAllocator<Cells>(), count));
+      txClassCell, dims, std::allocate_shared<Cells>(embedded_host::HostAllocator<Cells>(), count));
 }
 
 txArrayPtr txShare(txArray const& array) { return embedded_host::makeImpl(impl(array)); }

@@ -21,18 +21,30 @@ using Dims = std::span<const std::uint64_t>;
 // The class number of an element type; bool is logical, char16_t char.
 template <class T>
 inline constexpr txClassID kClassOf = txClassUnknown;
-template <> inline constexpr txClassID kClassOf<bool> = txClassLogical;
-template <> inline constexpr txClassID kClassOf<char16_t> = txClassChar;
-template <> inline constexpr txClassID kClassOf<double> = txClassDouble;
-template <> inline constexpr txClassID kClassOf<float> = txClassSingle;
-template <> inline constexpr txClassID kClassOf<std::int8_t> = txClassInt8;
-template <> inline constexpr txClassID kClassOf<std::uint8_t> = txClassUint8;
-template <> inline constexpr txClassID kClassOf<std::int16_t> = txClassInt16;
-template <> inline constexpr txClassID kClassOf<std::uint16_t> = txClassUint16;
-template <> inline constexpr txClassID kClassOf<std::int32_t> = txClassInt32;
-template <> inline constexpr txClassID kClassOf<std::uint32_t> = txClassUint32;
-template <> inline constexpr txClassID kClassOf<std::int64_t> = txClassInt64;
-template <> inline constexpr txClassID kClassOf<std::uint64_t> = txClassUint64;
+template <>
+inline constexpr txClassID kClassOf<bool> = txClassLogical;
+template <>
+inline constexpr txClassID kClassOf<char16_t> = txClassChar;
+template <>
+inline constexpr txClassID kClassOf<double> = txClassDouble;
+template <>
+inline constexpr txClassID kClassOf<float> = txClassSingle;
+template <>
+inline constexpr txClassID kClassOf<std::int8_t> = txClassInt8;
+template <>
+inline constexpr txClassID kClassOf<std::uint8_t> = txClassUint8;
+template <>
+inline constexpr txClassID kClassOf<std::int16_t> = txClassInt16;
+template <>
+inline constexpr txClassID kClassOf<std::uint16_t> = txClassUint16;
+template <>
+inline constexpr txClassID kClassOf<std::int32_t> = txClassInt32;
+template <>
+inline constexpr txClassID kClassOf<std::uint32_t> = txClassUint32;
+template <>
+inline constexpr txClassID kClassOf<std::int64_t> = txClassInt64;
+template <>
+inline constexpr txClassID kClassOf<std::uint64_t> = txClassUint64;
 
 // Bytes of one real element of a numeric class, logical or char; 0 for every other class.
 TV_EXPORT std::size_t elementBytes(txClassID classID) noexcept;
@@ -99,8 +111,9 @@ TV_EXPORT void setString(txArray& array, std::uint64_t index,
 // Sparse arrays: two-dimensional, class double or logical, real or complex, compressed by columns.
 
 // Column c holds entries columnStarts[c] to columnStarts[c+1] - 1; the rows (from 0) rise inside a
-// column. `values` has one double an entry, a (real, imaginary) pair when complex; for class logical
-// any value but 0 is true. An ill-formed structure is the host error "TALVOR:sparse:Structure".
+// column. `values` has one double an entry, a (real, imaginary) pair when complex; for class
+// logical any value but 0 is true. An ill-formed structure is the host error
+// "TALVOR:sparse:Structure".
 TV_EXPORT txArrayPtr makeSparse(std::uint64_t rows, std::uint64_t columns, txClassID classID,
                                 txComplexity complexity,
                                 std::span<const std::uint64_t> columnStarts,

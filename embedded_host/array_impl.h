@@ -24,9 +24,7 @@ class Dimensions {
  public:
   explicit Dimensions(Dims dims);
 
-  Dims view() const noexcept {
-    return many_.empty() ? Dims(few_.data(), size_) : Dims(many_);
-  }
+  Dims view() const noexcept { return many_.empty() ? Dims(few_.data(), size_) : Dims(many_); }
 
  private:
   static constexpr std::size_t kFew = 3;
@@ -106,9 +104,8 @@ T& unshare(std::shared_ptr<T>& shared) {
 
 class Array final : public txArray {
  public:
-  using Value =
-      std::variant<Elements, std::shared_ptr<Cells>, std::shared_ptr<Strings>,
-                   std::shared_ptr<SparseElements>, std::shared_ptr<Object>, HostText>;
+  using Value = std::variant<Elements, std::shared_ptr<Cells>, std::shared_ptr<Strings>,
+                             std::shared_ptr<SparseElements>, std::shared_ptr<Object>, HostText>;
 
   Array(txClassID classID, Dims arrayDims, Value arrayValue,
         txComplexity complexity = txComplexity::real);
@@ -141,9 +138,7 @@ class Array final : public txArray {
 };
 
 inline Array& impl(txArray& array) noexcept { return static_cast<Array&>(array); }
-inline Array const& impl(txArray const& array) noexcept {
-  return static_cast<Array const&>(array);
-}
+inline Array const& impl(txArray const& array) noexcept { return static_cast<Array const&>(array); }
 
 template <class... Args>
 txArrayPtr makeImpl(Args&&... args) {

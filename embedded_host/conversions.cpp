@@ -19,19 +19,44 @@ using embedded_host::raiseHostError;
 template <class Visitor>
 bool visitElements(txArray const& array, Visitor&& visit) {
   switch (array.data() ? array.classID() : txClassUnknown) {
-    case txClassLogical: visit(array.dataAs<bool>()); return true;
-    case txClassChar: visit(array.dataAs<char16_t>()); return true;
-    case txClassDouble: visit(array.dataAs<double>()); return true;
-    case txClassSingle: visit(array.dataAs<float>()); return true;
-    case txClassInt8: visit(array.dataAs<std::int8_t>()); return true;
-    case txClassUint8: visit(array.dataAs<std::uint8_t>()); return true;
-    case txClassInt16: visit(array.dataAs<std::int16_t>()); return true;
-    case txClassUint16: visit(array.dataAs<std::uint16_t>()); return true;
-    case txClassInt32: visit(array.dataAs<std::int32_t>()); return true;
-    case txClassUint32: visit(array.dataAs<std::uint32_t>()); return true;
-    case txClassInt64: visit(array.dataAs<std::int64_t>()); return true;
-    case txClassUint64: visit(array.dataAs<std::uint64_t>()); return true;
-    default: return false;
+    case txClassLogical:
+      visit(array.dataAs<bool>());
+      return true;
+    case txClassChar:
+      visit(array.dataAs<char16_t>());
+      return true;
+    case txClassDouble:
+      visit(array.dataAs<double>());
+      return true;
+    case txClassSingle:
+      visit(array.dataAs<float>());
+      return true;
+    case txClassInt8:
+      visit(array.dataAs<std::int8_t>());
+      return true;
+    case txClassUint8:
+      visit(array.dataAs<std::uint8_t>());
+      return true;
+    case txClassInt16:
+      visit(array.dataAs<std::int16_t>());
+      return true;
+    case txClassUint16:
+      visit(array.dataAs<std::uint16_t>());
+      return true;
+    case txClassInt32:
+      visit(array.dataAs<std::int32_t>());
+      return true;
+    case txClassUint32:
+      visit(array.dataAs<std::uint32_t>());
+      return true;
+    case txClassInt64:
+      visit(array.dataAs<std::int64_t>());
+      return true;
+    case txClassUint64:
+      visit(array.dataAs<std::uint64_t>());
+      return true;
+    default:
+      return false;
   }
 }
 
@@ -74,8 +99,8 @@ txArrayPtr txToDouble(txArray const& array) {
 
 bool txToLogical(txArray const& array) {
   txArray const* source = tcos::underlyingArray(array);
-  if (!source || !(source->isNumeric() || source->isLogical() ||
-                   source->classID() == txClassChar)) {
+  if (!source ||
+      !(source->isNumeric() || source->isLogical() || source->classID() == txClassChar)) {
     raiseInvalidConversion(array, "logical");
   }
   if (!source->isScalar()) raiseHostError("TALVOR:logical:NotScalar");

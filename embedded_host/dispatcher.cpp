@@ -21,8 +21,8 @@ std::size_t editDistance(std::string_view a, std::string_view b) {
         continue;
       }
       bool const same = equalIgnoringAsciiCase(a.substr(i - 1, 1), b.substr(j - 1, 1));
-      cost[i][j] = std::min(
-          {cost[i - 1][j] + 1, cost[i][j - 1] + 1, cost[i - 1][j - 1] + (same ? 0 : 1)});
+      cost[i][j] =
+          std::min({cost[i - 1][j] + 1, cost[i][j - 1] + 1, cost[i - 1][j - 1] + (same ? 0 : 1)});
       if (i > 1 && j > 1 && a[i - 1] == b[j - 2] && a[i - 2] == b[j - 1]) {
         cost[i][j] = std::min(cost[i][j], cost[i - 2][j - 2] + 1);
       }

@@ -12,8 +12,8 @@ namespace {
 // A mapping of `bytes`, a multiple of the huge page, aligned to it; null when there is none.
 void* mapAligned(std::size_t bytes) noexcept {
   constexpr std::size_t kPage = LargeBlocks::kHugePage;
-  void* const mapped = mmap(nullptr, bytes + kPage, PROT_READ | PROT_WRITE,
-                            MAP_PRIVATE | MAP_ANONYMOUS, -1, 0);
+  void* const mapped =
+      mmap(nullptr, bytes + kPage, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0);
   if (mapped == MAP_FAILED) return nullptr;
   auto* const first = static_cast<char*>(mapped);
   std::size_t const before = -reinterpret_cast<std::uintptr_t>(first) % kPage;

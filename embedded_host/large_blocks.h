@@ -17,7 +17,8 @@ class LargeBlocks {
  public:
   static constexpr std::size_t kHugePage = std::size_t{2} << 20;
 
-  // The process's only one; it is never destroyed, since arrays may go after the last static object.
+  // The process's only one; it is never destroyed, since arrays may go after the last static
+  // object.
   static LargeBlocks& instance();
 
   // `bytes` bytes or more, aligned to a huge page; null when the system has none left.

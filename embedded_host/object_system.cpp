@@ -76,8 +76,7 @@ Property const* ClassDefinition::findProperty(std::string_view property) const {
 
 void Classes::add(ClassDefinition definition) {
   std::string const name = definition.name;
-  classes_.insert_or_assign(name,
-                            std::make_shared<ClassDefinition const>(std::move(definition)));
+  classes_.insert_or_assign(name, std::make_shared<ClassDefinition const>(std::move(definition)));
 }
 
 bool Classes::remove(std::string_view name) {

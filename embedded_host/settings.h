@@ -13,8 +13,8 @@
 namespace embedded_host {
 
 // The user's settings file: $TVRNG_SETTINGS when that is set, else
-// $XDG_CONFIG_HOME/tvrng/settings.toml, else ~/.config/tvrng/settings.toml. Nothing when none of the
-// three variables is set.
+// $XDG_CONFIG_HOME/tvrng/settings.toml, else ~/.config/tvrng/settings.toml. Nothing when none of
+// the three variables is set.
 TV_EXPORT std::optional<std::filesystem::path> userSettingsFile();
 
 // Reads both levels. A missing file, or none, leaves the factory values. A file that cannot be read

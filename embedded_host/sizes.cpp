@@ -92,7 +92,8 @@ std::size_t txGetDims(std::size_t nArgs, txArray const* const* args, std::uint64
     return nArgs == 0 ? 2 : nArgs;
   }
   txArrayPtr const sizes = toSizes(*args[0], 1);
-  bool const isVector = sizes->dims().size() == 2 && (sizes->dims()[0] == 1 || sizes->dims()[1] == 1);
+  bool const isVector =
+      sizes->dims().size() == 2 && (sizes->dims()[0] == 1 || sizes->dims()[1] == 1);
   if (!isVector && !sizes->isEmpty()) raiseHostError("TALVOR:size:NotVector");
   if (sizes->numel() >= 2) {
     for (std::uint64_t i = 0; i < sizes->numel(); ++i) {

@@ -26,8 +26,8 @@ void clearColumns(std::int64_t* columns, std::size_t groups);
 // Sorts each column of `groups` groups, ascending.
 void sortColumns(std::int64_t* columns, std::size_t groups);
 
-// Takes sorted entries apart, all of them positive: each is a fixed-point number without its leading
-// bits, which are those of `base`, above an index of `indexBits` bits.
+// Takes sorted entries apart, all of them positive: each is a fixed-point number without its
+// leading bits, which are those of `base`, above an index of `indexBits` bits.
 void takeApart(std::int64_t const* entries, std::size_t n, int indexBits, std::int64_t base,
                double* values, double* positions);
 

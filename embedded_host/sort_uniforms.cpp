@@ -139,12 +139,10 @@ class BlockSorter {
     return (entries / kUsual / kGroup + 1) * kGroup;
   }
   // Where column c begins; its rows are kGroup apart.
-  static std::size_t startOf(std::size_t c) {
-    return c / kGroup * (kGroup * kRows) + c % kGroup;
-  }
+  static std::size_t startOf(std::size_t c) { return c / kGroup * (kGroup * kRows) + c % kGroup; }
 
-  // Deals the entries out to columns in ascending order. A column that is full goes on into the next
-  // group.
+  // Deals the entries out to columns in ascending order. A column that is full goes on into the
+  // next group.
   void deal(std::span<const std::int64_t> entries, std::size_t columns) {
     clearColumns(columns_.get(), columns / kGroup);
     std::uint32_t* const ends = ends_.data();
@@ -198,9 +196,8 @@ void settleTies(std::span<std::int64_t> sorted, int indexBits, double const* val
     std::size_t end = first + 1;
     while (end < sorted.size() && sorted[end] >> indexBits == sorted[first] >> indexBits) ++end;
     if (end - first > 1) {
-      std::stable_sort(
-          sorted.begin() + first, sorted.begin() + end,
-          [&](std::int64_t a, std::int64_t b) { return valueOf(a) < valueOf(b); });
+      std::stable_sort(sorted.begin() + first, sorted.begin() + end,
+                       [&](std::int64_t a, std::int64_t b) { return valueOf(a) < valueOf(b); });
     }
     first = end;
   }

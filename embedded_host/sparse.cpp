@@ -36,8 +36,8 @@ txArrayPtr makeSparse(std::uint64_t rows, std::uint64_t columns, txClassID class
                       std::span<const std::uint64_t> rowIndices, std::span<const double> values) {
   bool const complex = complexity == txComplexity::complex;
   bool const classFits = classID == txClassDouble || (classID == txClassLogical && !complex);
-  if (!classFits || !isWellFormed(rows, columns, complex ? 2 : 1,
-                                  {columnStarts, rowIndices, values})) {
+  if (!classFits ||
+      !isWellFormed(rows, columns, complex ? 2 : 1, {columnStarts, rowIndices, values})) {
     raiseHostError("TALVOR:sparse:Structure");
   }
   auto elements = makeElements();
@@ -85,8 +85,8 @@ SparseView sparseView(txArray const& array) {
 txArrayPtr txToFull(txArray const& array) {
   using namespace embedded_host;
   if (!array.isSparse()) return txShare(array);
-  txArrayPtr full = makeZeros(array.dims(), array.classID(),
-                              static_cast<txComplexity>(array.isComplex()));
+  txArrayPtr full =
+      makeZeros(array.dims(), array.classID(), static_cast<txComplexity>(array.isComplex()));
   SparseView const sparse = sparseView(array);
   std::uint64_t const rows = array.dims()[0];
   for (std::uint64_t c = 0; c < array.dims()[1]; ++c) {

@@ -19,8 +19,12 @@ bool isSurrogate(char32_t code) { return code >= 0xD800 && code <= 0xDFFF; }
 char32_t takeUtf8(std::string_view& rest) {
   auto const byte = [&](std::size_t i) { return static_cast<unsigned char>(rest[i]); };
   unsigned char const lead = byte(0);
-  std::size_t const length = lead < 0x80 ? 1 : lead < 0xC2 ? 0 : lead < 0xE0 ? 2 : lead < 0xF0 ? 3
-                             : lead < 0xF5 ? 4 : 0;
+  std::size_t const length = lead < 0x80   ? 1
+                             : lead < 0xC2 ? 0
+                             : lead < 0xE0 ? 2
+                             : lead < 0xF0 ? 3
+                             : lead < 0xF5 ? 4
+                                           : 0;
   char32_t code = length == 1 ? lead : lead & (0x7Fu >> length);
   bool good = length > 0 && length <= rest.size();
   for (std::size_t i = 1; good && i < length; ++i) {

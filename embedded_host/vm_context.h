@@ -60,8 +60,8 @@ class TV_EXPORT VmContext {
   std::unique_ptr<State> state_;
 };
 
-// Makes a VM the current one of this thread while it lives; scopes nest. A VM that another thread is
-// in is the host error "TALVOR:vm:InUse".
+// Makes a VM the current one of this thread while it lives; scopes nest. A VM that another thread
+// is in is the host error "TALVOR:vm:InUse".
 class TV_EXPORT EnterVm {
  public:
   explicit EnterVm(VmContext& vm);

@@ -86,9 +86,7 @@ class TV_EXPORT txArray {
   // of one element that is not missing. Nothing for every other array.
   std::optional<std::u16string> scalarText() const;
   // True for char and string arrays of any shape.
-  bool isText() const noexcept {
-    return classID() == txClassChar || classID() == txClassString;
-  }
+  bool isText() const noexcept { return classID() == txClassChar || classID() == txClassString; }
 
   // Element `index` (from 0) of a cell array; null when that element was never set or is none.
   txArray const* cell(std::uint64_t index) const noexcept;
@@ -144,11 +142,12 @@ TV_EXPORT txArrayPtr txGetProperty(txArray const& object, std::string_view name)
 // Turns size arguments (numeric, logical or objects over such arrays) into dimensions: one argument
 // is a size vector, two or more are one dimension each. One scalar n means n-by-n: {n, n}; an empty
 // size vector means 0-by-0. Negative values count as 0. Returns the number of dimensions; only the
-// first `capacity` are written, so that a caller whose buffer was too small asks again with a larger
-// one. Host errors: "TALVOR:size:NotNumeric", "TALVOR:size:NotReal", "TALVOR:size:NotVector",
-// "TALVOR:size:NotScalar", "TALVOR:size:NotFinite", "TALVOR:size:NotWhole", "TALVOR:size:TooLarge".
-TV_EXPORT std::size_t txGetDims(std::size_t nArgs, txArray const* const* args,
-                                std::uint64_t* dims, std::size_t capacity);
+// first `capacity` are written, so that a caller whose buffer was too small asks again with a
+// larger one. Host errors: "TALVOR:size:NotNumeric", "TALVOR:size:NotReal",
+// "TALVOR:size:NotVector", "TALVOR:size:NotScalar", "TALVOR:size:NotFinite",
+// "TALVOR:size:NotWhole", "TALVOR:size:TooLarge".
+TV_EXPORT std::size_t txGetDims(std::size_t nArgs, txArray const* const* args, std::uint64_t* dims,
+                                std::size_t capacity);
 // A non-negative double as an integer, truncated. Host errors: "TALVOR:index:Negative",
 // "TALVOR:index:TooLarge" (2^53 and beyond), "TALVOR:index:NaN".
 TV_EXPORT std::uint64_t txCheckIndex(double value);

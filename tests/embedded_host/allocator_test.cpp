@@ -11,9 +11,11 @@
 #include "embedded_host/array.h"
 #include "embedded_host/host_allocator.h"
 #include "host/allocator.h"
-#include "tests/embedded_host/host_error.h"
+#include "tests/support/identifiers.h"
 
 using namespace embedded_host;
+
+using testing_support::identifierOf;
 
 namespace {
 
@@ -88,23 +90,23 @@ TEST(Allocator, FailsExactlyTheRequestItIsToldTo) {
   FailingAllocation const second(2);
   txBuffer<char> const first = txMakeBuffer<char>(1);
   EXPECT_FALSE(second.happened());
-  EXPECT_EQ(errorOf([] { txMakeBuffer<char>(1); }), "TALVOR:nomem");
+  EXPECT_EQ(identifierOf([] { txMakeBuffer<char>(1); }), "TALVOR:nomem");
   EXPECT_TRUE(second.happened());
-  EXPECT_EQ(errorOf([] { txMakeBuffer<char>(1); }), "no error");
+  EXPECT_EQ(identifierOf([] { txMakeBuffer<char>(1); }), "no error");
 }
 
 TEST(Allocator, FailureOfOneThreadLeavesTheOthersAlone) {
   FailingAllocation const next(1);
   std::string elsewhere;
-  std::thread([&] { elsewhere = errorOf([] { txMakeBuffer<char>(1); }); }).join();
+  std::thread([&] { elsewhere = identifierOf([] { txMakeBuffer<char>(1); }); }).join();
   EXPECT_EQ(elsewhere, "no error");
-  EXPECT_EQ(errorOf([] { txMakeBuffer<char>(1); }), "TALVOR:nomem");
+  EXPECT_EQ(identifierOf([] { txMakeBuffer<char>(1); }), "TALVOR:nomem");
 }
 
 TEST(Allocator, RequestsBeyondTheAddressSpaceFail) {
-  EXPECT_EQ(errorOf([] { txMallocEx(SIZE_MAX); }), "TALVOR:nomem");
-  EXPECT_EQ(errorOf([] { txMakeBuffer<double>(SIZE_MAX / 4); }), "TALVOR:nomem");
-  EXPECT_EQ(errorOf([] { HostAllocator<double>().allocate(SIZE_MAX / 4); }), "TALVOR:nomem");
+  EXPECT_EQ(identifierOf([] { txMallocEx(SIZE_MAX); }), "TALVOR:nomem");
+  EXPECT_EQ(identifierOf([] { txMakeBuffer<double>(SIZE_MAX / 4); }), "TALVOR:nomem");
+  EXPECT_EQ(identifierOf([] { HostAllocator<double>().allocate(SIZE_MAX / 4); }), "TALVOR:nomem");
 }
 
 // Each operation below allocates several times; whichever request fails, nothing may stay behind
@@ -118,7 +120,7 @@ TEST(Allocator, FailedArrayOperationsLeaveNothingBehind) {
   std::uint64_t k = 0;
   for (bool failed = true; failed;) {
     FailingAllocation const failure(++k);
-    std::string const error = errorOf([&] {
+    std::string const error = identifierOf([&] {
       txArrayPtr const copy = txShare(*cell);
       copy->setCell(1, txShare(*deep));
       txArrayPtr const numbers = txToDouble(*copy->cell(1));

@@ -4,11 +4,13 @@
 
 #include "embedded_host/allocator.h"
 #include "host/allocator.h"
-#include "tests/embedded_host/host_error.h"
+#include "tests/support/identifiers.h"
 
 using namespace embedded_host;
 using testing::ElementsAre;
 using testing::IsEmpty;
+
+using testing_support::identifierOf;
 
 namespace {
 
@@ -46,7 +48,10 @@ TEST(Array, SharingALargeArrayCopiesNothing) {
   EXPECT_LT(allocationCounts().liveBytes - before, 2000);
   EXPECT_EQ(std::as_const(*first).data(), std::as_const(*third).data());
   EXPECT_THAT(third->dims(), ElementsAre(10, 100, 1000));
-  EXPECT_EQ(errorOf([&] { reshape(*first, DimVector{10, 100}); }), "TALVOR:array:ElementCount");
+  EXPECT_EQ(identifierOf([&] {
+              reshape(*first, DimVector{10, 100});
+            }),
+            "TALVOR:array:ElementCount");
 }
 
 TEST(Array, CellsOfASharedCellArrayAreIndependent) {
@@ -57,7 +62,7 @@ TEST(Array, CellsOfASharedCellArrayAreIndependent) {
   EXPECT_EQ(first->cell(0), nullptr);
   EXPECT_EQ(first->cell(1)->scalarAsDouble(), 5);
   EXPECT_EQ(second->cell(1)->scalarText(), u"text");
-  EXPECT_EQ(errorOf([&] { first->setCell(2, nullptr); }), "TALVOR:array:IndexOutOfRange");
+  EXPECT_EQ(identifierOf([&] { first->setCell(2, nullptr); }), "TALVOR:array:IndexOutOfRange");
 }
 
 TEST(Array, ComplexElementsArePairs) {
@@ -66,7 +71,7 @@ TEST(Array, ComplexElementsArePairs) {
   EXPECT_THAT(elementsOf<double>(*z), ElementsAre(1, -2));
   EXPECT_THAT(elementsOf<float>(*makeZeros(DimVector{1, 2}, txClassSingle, txComplexity::complex)),
               ElementsAre(0, 0, 0, 0));
-  EXPECT_EQ(errorOf([] { makeZeros(DimVector{1}, txClassLogical, txComplexity::complex); }),
+  EXPECT_EQ(identifierOf([] { makeZeros(DimVector{1}, txClassLogical, txComplexity::complex); }),
             "TALVOR:array:ComplexClass");
 }
 
@@ -79,8 +84,8 @@ TEST(Array, ReadsEveryNumericClassAsDouble) {
   EXPECT_EQ(makeScalar(INT64_MIN)->scalarAsDouble(), -0x1p63);
   EXPECT_EQ(makeScalar(UINT64_MAX)->scalarAsDouble(), 0x1p64);
   EXPECT_EQ(makeScalar((std::uint64_t{1} << 53) + 3)->scalarAsDouble(), 0x1p53 + 4);
-  EXPECT_EQ(errorOf([] { makeString(u"1")->scalarAsDouble(); }), "TALVOR:invalidConversion");
-  EXPECT_EQ(errorOf([] { makeRow<double>({})->scalarAsDouble(); }),
+  EXPECT_EQ(identifierOf([] { makeString(u"1")->scalarAsDouble(); }), "TALVOR:invalidConversion");
+  EXPECT_EQ(identifierOf([] { makeRow<double>({})->scalarAsDouble(); }),
             "TALVOR:array:IndexOutOfRange");
 }
 
@@ -92,8 +97,9 @@ TEST(Array, ConvertsToDoubleElementByElement) {
   complex->dataAs<std::int32_t>()[3] = 9;
   EXPECT_TRUE(txToDouble(*complex)->isComplex());
   EXPECT_THAT(elementsOf<double>(*txToDouble(*complex)), ElementsAre(0, 0, 0, 9));
-  EXPECT_EQ(errorOf([] { txToDouble(*makeString(u"1")); }), "TALVOR:invalidConversion");
-  EXPECT_EQ(errorOf([] { txToDouble(*txCreateCell(DimVector{1})); }), "TALVOR:invalidConversion");
+  EXPECT_EQ(identifierOf([] { txToDouble(*makeString(u"1")); }), "TALVOR:invalidConversion");
+  EXPECT_EQ(identifierOf([] { txToDouble(*txCreateCell(DimVector{1})); }),
+            "TALVOR:invalidConversion");
 }
 
 TEST(Array, TruthNeedsOneRealNumberThatIsNotNaN) {
@@ -101,10 +107,10 @@ TEST(Array, TruthNeedsOneRealNumberThatIsNotNaN) {
   EXPECT_FALSE(txToLogical(*txCreateDouble(-0.0)));
   EXPECT_TRUE(txToLogical(*txCreateText("0")));
   EXPECT_FALSE(txToLogical(*makeScalar(std::uint64_t{0})));
-  EXPECT_EQ(errorOf([] { txToLogical(*txCreateDouble(NAN)); }), "TALVOR:logical:NaN");
-  EXPECT_EQ(errorOf([] { txToLogical(*makeComplex(1, 0)); }), "TALVOR:logical:Complex");
-  EXPECT_EQ(errorOf([] { txToLogical(*makeRow({1., 2.})); }), "TALVOR:logical:NotScalar");
-  EXPECT_EQ(errorOf([] { txToLogical(*makeString(u"1")); }), "TALVOR:invalidConversion");
+  EXPECT_EQ(identifierOf([] { txToLogical(*txCreateDouble(NAN)); }), "TALVOR:logical:NaN");
+  EXPECT_EQ(identifierOf([] { txToLogical(*makeComplex(1, 0)); }), "TALVOR:logical:Complex");
+  EXPECT_EQ(identifierOf([] { txToLogical(*makeRow({1., 2.})); }), "TALVOR:logical:NotScalar");
+  EXPECT_EQ(identifierOf([] { txToLogical(*makeString(u"1")); }), "TALVOR:invalidConversion");
 }
 
 TEST(Array, ScalarTextIsOneRowOrOneString) {
@@ -125,18 +131,19 @@ TEST(Array, StringElementsAreTextsOrMissing) {
   setString(*second, 1, std::nullopt);
   EXPECT_EQ(stringAt(*first, 1), u"");
   EXPECT_EQ(stringAt(*second, 1), std::nullopt);
-  EXPECT_EQ(errorOf([&] { stringAt(*first, 2); }), "TALVOR:array:IndexOutOfRange");
+  EXPECT_EQ(identifierOf([&] { stringAt(*first, 2); }), "TALVOR:array:IndexOutOfRange");
 }
 
 TEST(Array, TextConversionsKeepEveryElementOfACharMatrix) {
-  txArrayPtr const matrix = makeArray<char16_t>(DimVector{2, 2}, std::u16string_view(u"ab\u00E9\u20AC"));
+  txArrayPtr const matrix =
+      makeArray<char16_t>(DimVector{2, 2}, std::u16string_view(u"ab\u00E9\u20AC"));
   std::unique_ptr<char, txFree_deleter> const narrow(txArrayToString(*matrix));
   EXPECT_STREQ(narrow.get(), "ab\xE9?");
   EXPECT_EQ(txArrayToU16String(*matrix), u"ab\u00E9\u20AC");
   EXPECT_EQ(txArrayToString(*makeString(u"x")), nullptr);
-  EXPECT_EQ(errorOf([] { txArrayToU16String(*makeMissingString()); }),
+  EXPECT_EQ(identifierOf([] { txArrayToU16String(*makeMissingString()); }),
             "TALVOR:string:MissingNotSupported");
-  EXPECT_EQ(errorOf([] { txArrayToU16String(*txCreateDouble(1)); }),
+  EXPECT_EQ(identifierOf([] { txArrayToU16String(*txCreateDouble(1)); }),
             "TALVOR:string:MustBeStringScalarOrCharacterVector");
 }
 
@@ -144,18 +151,19 @@ TEST(Array, TooLargeAnArrayIsAnErrorBeforeAnythingIsAllocated) {
   std::int64_t const before = allocationCounts().liveBlocks;
   resetPeakBytes();
   std::int64_t const peakBefore = peakBytes();
-  for (DimVector const& dims : {DimVector{std::uint64_t{1} << 40, 1 << 20},
-                                DimVector{std::uint64_t{1} << 32, std::uint64_t{1} << 32},
-                                DimVector{std::uint64_t{1} << 61, 1},
-                                DimVector{1'000'000, 1'000'000}}) {
-    EXPECT_EQ(errorOf([&] { txCreateUninitialized(dims, txClassDouble); }),
+  for (DimVector const& dims :
+       {DimVector{std::uint64_t{1} << 40, 1 << 20},
+        DimVector{std::uint64_t{1} << 32, std::uint64_t{1} << 32},
+        DimVector{std::uint64_t{1} << 61, 1}, DimVector{1'000'000, 1'000'000}}) {
+    EXPECT_EQ(identifierOf([&] { txCreateUninitialized(dims, txClassDouble); }),
               "TALVOR:array:SizeLimitExceeded");
-    EXPECT_EQ(errorOf([&] { txCreateCell(dims); }), "TALVOR:array:SizeLimitExceeded");
+    EXPECT_EQ(identifierOf([&] { txCreateCell(dims); }), "TALVOR:array:SizeLimitExceeded");
   }
   EXPECT_EQ(peakBytes(), peakBefore);
   EXPECT_EQ(allocationCounts().liveBlocks, before);
   // Nothing to hold, however long the other side is.
-  EXPECT_TRUE(txCreateUninitialized(DimVector{0, std::uint64_t{1} << 47}, txClassDouble)->isEmpty());
+  EXPECT_TRUE(
+      txCreateUninitialized(DimVector{0, std::uint64_t{1} << 47}, txClassDouble)->isEmpty());
 }
 
 }  // namespace

@@ -3,12 +3,14 @@
 #include <gmock/gmock.h>
 
 #include "embedded_host/vm_context.h"
-#include "tests/embedded_host/host_error.h"
+#include "tests/support/identifiers.h"
 
 using namespace embedded_host;
 using foundation::core::except::AnyException;
 using foundation::core::except::MessageId;
 using testing::HasSubstr;
+
+using testing_support::identifierOf;
 
 namespace {
 
@@ -58,8 +60,8 @@ TEST(Messages, UnknownIdentifierOrMissingArgumentStillRenders) {
 TEST(Messages, EveryTextAndHintRendersWithTheArgumentsItUses) {
   for (std::string const& identifier : messageIdentifiers()) {
     SCOPED_TRACE(identifier);
-    HostKey const id(identifier,
-                     std::vector<foundation::core::except::Argument>(messageArguments(identifier), "<value>"));
+    HostKey const id(identifier, std::vector<foundation::core::except::Argument>(
+                                     messageArguments(identifier), "<value>"));
     std::string const text = renderMessage(id);
     EXPECT_THAT(text, testing::Not(HasSubstr("There is no text")));
     EXPECT_THAT(text, testing::AnyOf(testing::EndsWith("."), testing::EndsWith(": <value>")));
@@ -77,7 +79,7 @@ TEST(Errors, CarryIdentifierArgumentsAndText) {
     EXPECT_EQ(error.GetBaseMsgIDObj().arguments().size(), 2u);
     EXPECT_THAT(error.text(), HasSubstr("\"Sead\""));
     auto const copy = error.clone();
-    EXPECT_EQ(errorOf([&] { copy->rethrow(); }), "TALVOR:object:UnknownProperty");
+    EXPECT_EQ(identifierOf([&] { copy->rethrow(); }), "TALVOR:object:UnknownProperty");
   }
 }
 
@@ -107,8 +109,9 @@ TEST(Warnings, GoToTheSinkOfTheCurrentVm) {
     txWarningMsgId(warning);
   }
   ASSERT_EQ(seen.size(), 1u);
-  EXPECT_THAT(seen[0], testing::AllOf(testing::StartsWith(
-                           "TALVOR:RandStream:get:SubstreamIndexTooLarge|"), HasSubstr("2^48")));
+  EXPECT_THAT(seen[0],
+              testing::AllOf(testing::StartsWith("TALVOR:RandStream:get:SubstreamIndexTooLarge|"),
+                             HasSubstr("2^48")));
 }
 
 TEST(Warnings, GoToStandardErrorWithoutASink) {

@@ -7,10 +7,12 @@
 #include <optional>
 
 #include "embedded_host/vm_context.h"
-#include "tests/embedded_host/host_error.h"
+#include "tests/support/identifiers.h"
 
 using namespace embedded_host;
 using testing::HasSubstr;
+
+using testing_support::identifierOf;
 
 namespace {
 
@@ -52,8 +54,8 @@ class Variable {
 };
 
 TEST_F(Settings, FactoryValuesHoldWithoutAUserFile) {
-  for (auto const& root : {readSettings(std::nullopt), readSettings(file()),
-                           readSettings(write(""))}) {
+  for (auto const& root :
+       {readSettings(std::nullopt), readSettings(file()), readSettings(write(""))}) {
     auto const group = root->getSettingsByFullName(kGroup);
     ASSERT_TRUE(group);
     EXPECT_EQ(group->get<std::u16string>("DefaultAlgorithm", ""), u"twister");
@@ -72,8 +74,9 @@ TEST_F(Settings, UserValueHidesTheFactoryValueKeyByKey) {
 
 TEST_F(Settings, GroupsAreReachedStepByStepOrByFullName) {
   auto const root = readSettings(write("[own.group]\nx = 1.5\n"));
-  EXPECT_EQ(root->getSettingsByFullName("own")->getSettingsByFullName("group")->get<double>("x", ""),
-            1.5);
+  EXPECT_EQ(
+      root->getSettingsByFullName("own")->getSettingsByFullName("group")->get<double>("x", ""),
+      1.5);
   EXPECT_FALSE(root->getSettingsByFullName("own.other"));
   EXPECT_FALSE(root->getSettingsByFullName("own.group.x"));
 }
@@ -83,13 +86,15 @@ TEST_F(Settings, MissingKeysAndWrongTypesAreErrors) {
                                         "DefaultAlgorithm = 3\nDefaultSeed = \"7\"\n"
                                         "Extra = true\n"))
                          ->getSettingsByFullName(kGroup);
-  EXPECT_EQ(errorOf([&] { group->get<std::u16string>("DefaultAlgorithm", ""); }),
+  EXPECT_EQ(identifierOf([&] { group->get<std::u16string>("DefaultAlgorithm", ""); }),
             "TALVOR:settings:WrongType");
-  EXPECT_EQ(errorOf([&] { group->get<double>("DefaultSeed", ""); }), "TALVOR:settings:WrongType");
-  EXPECT_EQ(errorOf([&] { group->get<double>("Extra", ""); }), "TALVOR:settings:WrongType");
-  EXPECT_EQ(errorOf([&] { group->get<double>("None", ""); }), "TALVOR:settings:UnknownKey");
-  EXPECT_EQ(errorOf([&] { group->get<double>("Extra", "factory"); }), "TALVOR:settings:UnknownKey");
-  EXPECT_EQ(errorOf([&] { group->get<double>("DefaultSeed", "user"); }),
+  EXPECT_EQ(identifierOf([&] { group->get<double>("DefaultSeed", ""); }),
+            "TALVOR:settings:WrongType");
+  EXPECT_EQ(identifierOf([&] { group->get<double>("Extra", ""); }), "TALVOR:settings:WrongType");
+  EXPECT_EQ(identifierOf([&] { group->get<double>("None", ""); }), "TALVOR:settings:UnknownKey");
+  EXPECT_EQ(identifierOf([&] { group->get<double>("Extra", "factory"); }),
+            "TALVOR:settings:UnknownKey");
+  EXPECT_EQ(identifierOf([&] { group->get<double>("DefaultSeed", "user"); }),
             "TALVOR:settings:UnknownLevel");
 }
 
@@ -102,7 +107,7 @@ TEST_F(Settings, BrokenFileIsNamedWithItsLine) {
     EXPECT_THAT(error.text(), HasSubstr(file().string()));
     EXPECT_THAT(error.text(), HasSubstr("line 2, column 15"));
   }
-  EXPECT_EQ(errorOf([&] { readSettings(folder_); }), "TALVOR:settings:UnreadableFile");
+  EXPECT_EQ(identifierOf([&] { readSettings(folder_); }), "TALVOR:settings:UnreadableFile");
 }
 
 TEST_F(Settings, FileIsFoundThroughTheEnvironment) {
@@ -135,7 +140,7 @@ TEST_F(Settings, VmReadsAtFirstUseAndAgainWhenAsked) {
   EXPECT_EQ(seed(), -1);
   write("talvor.general.randomnumbers.DefaultSeed =\n");
   vm.reloadSettings();
-  EXPECT_EQ(errorOf(seed), "TALVOR:settings:BrokenFile");
+  EXPECT_EQ(identifierOf(seed), "TALVOR:settings:BrokenFile");
   write("talvor.general.randomnumbers.DefaultSeed = 2\n");
   EXPECT_EQ(seed(), 2);
 }

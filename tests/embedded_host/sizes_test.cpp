@@ -7,10 +7,12 @@
 #include "embedded_host/array.h"
 #include "embedded_host/object_system.h"
 #include "host/messages.h"
-#include "tests/embedded_host/host_error.h"
+#include "tests/support/identifiers.h"
 
 using namespace embedded_host;
 using testing::ElementsAre;
+
+using testing_support::identifierOf;
 
 namespace {
 
@@ -53,22 +55,26 @@ TEST(Sizes, LooksThroughObjectsToTheirArray) {
   auto const length = std::make_shared<ClassDefinition>(ClassDefinition{.name = "Length"});
   EXPECT_THAT(dimsFrom(makeObject(length, number(2)), number(5)), ElementsAre(2, 5));
   txArrayPtr const bare = makeObject(length);
-  EXPECT_EQ(errorOf([&] { dimsFrom(bare); }), "TALVOR:size:NotNumeric");
+  EXPECT_EQ(identifierOf([&] { dimsFrom(bare); }), "TALVOR:size:NotNumeric");
 }
 
 TEST(Sizes, RefusesWhatIsNoSize) {
   double const inf = std::numeric_limits<double>::infinity();
-  EXPECT_EQ(errorOf([] { dimsFrom(number(2.5)); }), "TALVOR:size:NotWhole");
-  EXPECT_EQ(errorOf([] { dimsFrom(number(-0.5)); }), "TALVOR:size:NotWhole");
-  EXPECT_EQ(errorOf([] { dimsFrom(number(NAN)); }), "TALVOR:size:NotFinite");
-  EXPECT_EQ(errorOf([&] { dimsFrom(number(2), number(-inf)); }), "TALVOR:size:NotFinite");
-  EXPECT_EQ(errorOf([&] { dimsFrom(number(0x1p48)); }), "TALVOR:size:TooLarge");
-  EXPECT_EQ(errorOf([] { dimsFrom(makeScalar(UINT64_MAX), number(0)); }), "TALVOR:size:TooLarge");
-  EXPECT_EQ(errorOf([] { dimsFrom(makeComplex(2, 0)); }), "TALVOR:size:NotReal");
-  EXPECT_EQ(errorOf([] { dimsFrom(txCreateText("3")); }), "TALVOR:size:NotNumeric");
-  EXPECT_EQ(errorOf([] { dimsFrom(number(2), makeRow({3., 4.})); }), "TALVOR:size:NotScalar");
-  EXPECT_EQ(errorOf([] { dimsFrom(number(2), makeRow<double>({})); }), "TALVOR:size:NotScalar");
-  EXPECT_EQ(errorOf([] { dimsFrom(makeZeros(std::array<std::uint64_t, 2>{2, 2}, txClassDouble)); }),
+  EXPECT_EQ(identifierOf([] { dimsFrom(number(2.5)); }), "TALVOR:size:NotWhole");
+  EXPECT_EQ(identifierOf([] { dimsFrom(number(-0.5)); }), "TALVOR:size:NotWhole");
+  EXPECT_EQ(identifierOf([] { dimsFrom(number(NAN)); }), "TALVOR:size:NotFinite");
+  EXPECT_EQ(identifierOf([&] { dimsFrom(number(2), number(-inf)); }), "TALVOR:size:NotFinite");
+  EXPECT_EQ(identifierOf([&] { dimsFrom(number(0x1p48)); }), "TALVOR:size:TooLarge");
+  EXPECT_EQ(identifierOf([] { dimsFrom(makeScalar(UINT64_MAX), number(0)); }),
+            "TALVOR:size:TooLarge");
+  EXPECT_EQ(identifierOf([] { dimsFrom(makeComplex(2, 0)); }), "TALVOR:size:NotReal");
+  EXPECT_EQ(identifierOf([] { dimsFrom(txCreateText("3")); }), "TALVOR:size:NotNumeric");
+  EXPECT_EQ(identifierOf([] { dimsFrom(number(2), makeRow({3., 4.})); }), "TALVOR:size:NotScalar");
+  EXPECT_EQ(identifierOf([] { dimsFrom(number(2), makeRow<double>({})); }),
+            "TALVOR:size:NotScalar");
+  EXPECT_EQ(identifierOf([] {
+              dimsFrom(makeZeros(std::array<std::uint64_t, 2>{2, 2}, txClassDouble));
+            }),
             "TALVOR:size:NotVector");
 }
 
@@ -93,28 +99,34 @@ TEST(Indices, TruncateAndStayBelowTwoToThe53) {
   EXPECT_EQ(txCheckIndex(0.0), 0u);
   EXPECT_EQ(txCheckIndex(2.9), 2u);
   EXPECT_EQ(txCheckIndex(0x1p53 - 1), (std::uint64_t{1} << 53) - 1);
-  EXPECT_EQ(errorOf([] { txCheckIndex(0x1p53); }), "TALVOR:index:TooLarge");
-  EXPECT_EQ(errorOf([] { txCheckIndex(INFINITY); }), "TALVOR:index:TooLarge");
-  EXPECT_EQ(errorOf([] { txCheckIndex(NAN); }), "TALVOR:index:NaN");
-  EXPECT_EQ(errorOf([] { txCheckIndex(-1.0); }), "TALVOR:index:Negative");
+  EXPECT_EQ(identifierOf([] { txCheckIndex(0x1p53); }), "TALVOR:index:TooLarge");
+  EXPECT_EQ(identifierOf([] { txCheckIndex(INFINITY); }), "TALVOR:index:TooLarge");
+  EXPECT_EQ(identifierOf([] { txCheckIndex(NAN); }), "TALVOR:index:NaN");
+  EXPECT_EQ(identifierOf([] { txCheckIndex(-1.0); }), "TALVOR:index:Negative");
 }
 
 TEST(Indices, ArgumentMustBeOneRealWholeNumber) {
   EXPECT_EQ(txArgMustBeIndices(*number(7), 1), 7u);
   EXPECT_EQ(txArgMustBeIndices(*makeScalar(std::uint8_t{0}), 1), 0u);
   for (double wrong : {-1.0, 0.5, double(NAN), double(-INFINITY)}) {
-    EXPECT_EQ(errorOf([&] { txArgMustBeIndices(*number(wrong), 1); }), "TALVOR:index:NotIndex");
+    EXPECT_EQ(identifierOf([&] { txArgMustBeIndices(*number(wrong), 1); }),
+              "TALVOR:index:NotIndex");
   }
-  EXPECT_EQ(errorOf([] { txArgMustBeIndices(*makeRow({1., 2.}), 1); }), "TALVOR:index:NotIndex");
-  EXPECT_EQ(errorOf([] { txArgMustBeIndices(*makeComplex(1, 0), 1); }), "TALVOR:index:NotIndex");
-  EXPECT_EQ(errorOf([] { txArgMustBeIndices(*txCreateText("1"), 1); }), "TALVOR:index:NotIndex");
-  EXPECT_EQ(errorOf([] { txArgMustBeIndices(*number(0x1p53), 1); }), "TALVOR:index:TooLarge");
+  EXPECT_EQ(identifierOf([] {
+              txArgMustBeIndices(*makeRow({1., 2.}), 1);
+            }),
+            "TALVOR:index:NotIndex");
+  EXPECT_EQ(identifierOf([] { txArgMustBeIndices(*makeComplex(1, 0), 1); }),
+            "TALVOR:index:NotIndex");
+  EXPECT_EQ(identifierOf([] { txArgMustBeIndices(*txCreateText("1"), 1); }),
+            "TALVOR:index:NotIndex");
+  EXPECT_EQ(identifierOf([] { txArgMustBeIndices(*number(0x1p53), 1); }), "TALVOR:index:TooLarge");
 }
 
 TEST(Counts, HaveTheirStandardErrors) {
-  EXPECT_EQ(errorOf(matrix::detail::error_maxlhs), "TALVOR:maxlhs");
-  EXPECT_EQ(errorOf(matrix::detail::error_maxrhs), "TALVOR:maxrhs");
-  EXPECT_EQ(errorOf(matrix::detail::error_minrhs), "TALVOR:minrhs");
+  EXPECT_EQ(identifierOf(matrix::detail::error_maxlhs), "TALVOR:maxlhs");
+  EXPECT_EQ(identifierOf(matrix::detail::error_maxrhs), "TALVOR:maxrhs");
+  EXPECT_EQ(identifierOf(matrix::detail::error_minrhs), "TALVOR:minrhs");
 }
 
 }  // namespace

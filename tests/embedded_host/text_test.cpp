@@ -3,14 +3,17 @@
 #include <gtest/gtest.h>
 
 #include "host/strings.h"
-#include "tests/embedded_host/host_error.h"
+#include "tests/support/identifiers.h"
 
 using namespace embedded_host;
+
+using testing_support::identifierOf;
 
 namespace {
 
 TEST(Text, Utf8AndUtf16ConvertBothWays) {
-  std::string const utf8 = "a\xC2\x80\xDF\xBF\xE0\xA0\x80\xEF\xBF\xBF\xF0\x90\x80\x80\xF4\x8F\xBF\xBF";
+  std::string const utf8 =
+      "a\xC2\x80\xDF\xBF\xE0\xA0\x80\xEF\xBF\xBF\xF0\x90\x80\x80\xF4\x8F\xBF\xBF";
   std::u16string const utf16 = u"a\u0080\u07FF\u0800\uFFFF\U00010000\U0010FFFF";
   EXPECT_EQ(utf8ToUtf16(utf8), utf16);
   EXPECT_EQ(utf16ToUtf8(utf16), utf8);
@@ -47,9 +50,9 @@ TEST(Text, BoundedCopyStopsAtTheLimitAndEndsWithNul) {
 
 TEST(Text, AsciiConversionRefusesEverythingElse) {
   EXPECT_EQ(utToAscii(u"Ziggurat\x7F"), "Ziggurat\x7F");
-  EXPECT_EQ(errorOf([] { utToAscii(u"\u0080"); }), "TALVOR:string:NotAscii");
+  EXPECT_EQ(identifierOf([] { utToAscii(u"\u0080"); }), "TALVOR:string:NotAscii");
   // Fullwidth letters must not fold to ASCII by their low byte.
-  EXPECT_EQ(errorOf([] { utToAscii(u"\u0161"); }), "TALVOR:string:NotAscii");
+  EXPECT_EQ(identifierOf([] { utToAscii(u"\u0161"); }), "TALVOR:string:NotAscii");
 }
 
 TEST(Text, CaseIsIgnoredForAsciiLettersOnly) {

@@ -9,11 +9,13 @@
 #include "host/messages.h"
 #include "host/tdispatcher.h"
 #include "host/usm.h"
-#include "tests/embedded_host/host_error.h"
+#include "tests/support/identifiers.h"
 
 using namespace embedded_host;
 using testing::ElementsAre;
 using Store = foundation::usm::Detail<foundation::usm::scope::Tvm>;
+
+using testing_support::identifierOf;
 
 namespace {
 
@@ -97,7 +99,7 @@ TEST_F(Records, DestroyersFindTheirVmWithTheOlderRecordsStillThere) {
 TEST_F(Records, WithoutAVmThereAreNone) {
   EXPECT_EQ(Store::find(a, typeid(A)), nullptr);
   Store::erase(a, typeid(A));
-  EXPECT_EQ(errorOf([&] { Store::findOrInsert(a, typeid(A), makeRecord, destroyRecord); }),
+  EXPECT_EQ(identifierOf([&] { Store::findOrInsert(a, typeid(A), makeRecord, destroyRecord); }),
             "TALVOR:vm:NoVirtualMachine");
 }
 
@@ -136,9 +138,9 @@ TEST(Vm, MovesBetweenThreadsButServesOneAtATime) {
   std::string whileInside, afterwards;
   {
     EnterVm const inside(vm);
-    std::thread([&] { whileInside = errorOf([&] { EnterVm const other(vm); }); }).join();
+    std::thread([&] { whileInside = identifierOf([&] { EnterVm const other(vm); }); }).join();
   }
-  std::thread([&] { afterwards = errorOf([&] { EnterVm const other(vm); }); }).join();
+  std::thread([&] { afterwards = identifierOf([&] { EnterVm const other(vm); }); }).join();
   EXPECT_EQ(whileInside, "TALVOR:vm:InUse");
   EXPECT_EQ(afterwards, "no error");
 }
@@ -164,10 +166,9 @@ TEST(Dispatcher, FunctionsBelongToTheirVm) {
 TEST(Dispatcher, ErrorsOfAFunctionReachTheCaller) {
   VmContext vm;
   EnterVm const inside(vm);
-  vm.functions().add("fail", [](int, txArrayPtr*, int, txArray const**) {
-    matrix::detail::error_minrhs();
-  });
-  EXPECT_EQ(errorOf([] { Tdispatcher::call("fail", 0, nullptr, {}); }), "TALVOR:minrhs");
+  vm.functions().add(
+      "fail", [](int, txArrayPtr*, int, txArray const**) { matrix::detail::error_minrhs(); });
+  EXPECT_EQ(identifierOf([] { Tdispatcher::call("fail", 0, nullptr, {}); }), "TALVOR:minrhs");
 }
 
 TEST(Dispatcher, ListsAndRemovesNames) {
