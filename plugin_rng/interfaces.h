@@ -86,7 +86,7 @@ class TV_EXPORT PluginRNGError {
 
 // Makes a seeded plug-in, released through destroy(). Checks `nParams` (must be 0) first, then the
 // number of streams and the index, and raises the generator's own identifiers.
-using Factory = IPluginRNG* (*)(std::size_t numStreams, std::size_t streamIndex,
-                                std::uint32_t seed, double const* params, std::size_t nParams);
+using Factory = IPluginRNG* (*)(std::size_t numStreams, std::size_t streamIndex, std::uint32_t seed,
+                                double const* params, std::size_t nParams);
 
 }  // namespace plugin_rng

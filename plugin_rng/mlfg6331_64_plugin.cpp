@@ -46,8 +46,8 @@ class mlfg6331_64_plugin final : public PluginRNGSubstreams<Core, IPluginRNG::ui
 
   void setStateComponents(void const* const* buffers) override {
     auto const* words = static_cast<std::uint64_t const*>(buffers[0]);
-    const bool odd = std::all_of(words, words + kTables,
-                                 [](std::uint64_t word) { return word % 2 != 0; });
+    const bool odd =
+        std::all_of(words, words + kTables, [](std::uint64_t word) { return word % 2 != 0; });
     if (!odd || words[kPosition] >= Core::kLag) {
       errors::raise(errors::GeneratorErrors<Core>::InvalidState());
     }

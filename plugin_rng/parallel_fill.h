@@ -18,7 +18,8 @@ namespace plugin_rng {
 // How a fill is cut into leaves.
 struct Split {
   std::size_t grain;
-  bool adaptive;  // leaves longer than half the grain, as idle threads ask; else halved to the grain
+  bool
+      adaptive;  // leaves longer than half the grain, as idle threads ask; else halved to the grain
 };
 
 inline constexpr Split kUniformSplit{8192, false};
@@ -35,8 +36,7 @@ inline constexpr Split kUniformSplit{8192, false};
 // waiting thread takes no outer task that might draw from the same core. An exception of a leaf
 // reaches the caller with `core` unmoved; out[0, n) is then unspecified.
 template <class Core, class Jump, class Finish>
-void fillInParallel(Core& core, double* out, std::size_t n, Split split, Jump jump,
-                    Finish finish) {
+void fillInParallel(Core& core, double* out, std::size_t n, Split split, Jump jump, Finish finish) {
   struct Worker {
     std::optional<Core> copy;
     std::size_t at = 0;

@@ -28,9 +28,9 @@
 // at 2^61 of its tables, P steps apart. P steps are the operator T = t^P on tables, t one step
 // modulo t^63 - t^32 - 1. On lowest bits T is 1, hence T = 1 + 2a, T^2 = 1 + 4b with b = a + a^2,
 // and by squaring on T^(2^k) = 1 + 2^(k+1) b' with b' = b modulo 2 from k = 1. With E the pattern
-// 1, 0, ..., 0, the entries 15 of aE and bE are odd, which a test computes from T and T^2. So T^(2^k)
-// changes bit k+1 of entry 15 and leaves the bits below, k = 0 to 60: among the 2^61 tables T^j y,
-// j = 0 to 2^61 - 1, no two have the same entry 15, and exactly one has a 0 there.
+// 1, 0, ..., 0, the entries 15 of aE and bE are odd, which a test computes from T and T^2. So
+// T^(2^k) changes bit k+1 of entry 15 and leaves the bits below, k = 0 to 60: among the 2^61 tables
+// T^j y, j = 0 to 2^61 - 1, no two have the same entry 15, and exactly one has a 0 there.
 
 #include <array>
 #include <cstdint>

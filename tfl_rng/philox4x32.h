@@ -29,7 +29,7 @@ class philox4x32 final : public CoreStreamRNG {
   using Block = std::array<std::uint32_t, 4>;
 
   struct State {
-    Counter counter;         // of the block that holds the next draw
+    Counter counter;  // of the block that holds the next draw
     Key key;
     std::uint32_t position;  // of the next draw inside its block, 0 or 1
 

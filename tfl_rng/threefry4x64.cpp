@@ -32,8 +32,7 @@ void threefry4x64::reset(std::uint32_t seed) {
 void threefry4x64::randu(double* out, std::size_t n) {
   drawFromBlocks<kDraws>(state_.position, out, n,
                          [this](std::size_t first, std::size_t count, double* to) {
-                           threefry::fillBlocks(plus(state_.counter, first), state_.key, to,
-                                                count);
+                           threefry::fillBlocks(plus(state_.counter, first), state_.key, to, count);
                          });
   advance(n);
 }

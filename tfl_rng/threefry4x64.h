@@ -24,7 +24,7 @@ class threefry4x64 final : public CoreStreamRNG {
   using Block = std::array<std::uint64_t, 4>;  // as counter and key: low word first
 
   struct State {
-    Block counter;           // of the block that holds the next draw
+    Block counter;  // of the block that holds the next draw
     Block key;
     std::uint32_t position;  // of the next draw inside its block, 0 to 3
 

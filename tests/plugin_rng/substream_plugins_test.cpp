@@ -44,14 +44,45 @@ struct Generator {
 
 std::ostream& operator<<(std::ostream& out, Generator const& g) { return out << g.name; }
 
-const Generator kMrg = {"mrg32k3a", plugin_rng::make_mrg32k3a,   IPluginRNG::uint32State, 12,
-                        1ull << 63, 127, 1ull << 51, 76, false,  1024};
-const Generator kMlfg = {"mlfg6331_64", plugin_rng::make_mlfg6331_64, IPluginRNG::uint64State, 130,
-                         1ull << 61,    124, 1ull << 51, 72, false,   131072};
-const Generator kPhilox = {"philox4x32_10", plugin_rng::make_philox4x32_10,
-                           IPluginRNG::uint32State, 7, kMax - 1, 128, 1ull << 63, 64, true, 1024};
-const Generator kThreefry = {"threefry4x64_20", plugin_rng::make_threefry4x64_20,
-                             IPluginRNG::uint32State, 17, kMax - 1, 128, 1ull << 63, 64, true,
+const Generator kMrg = {"mrg32k3a",
+                        plugin_rng::make_mrg32k3a,
+                        IPluginRNG::uint32State,
+                        12,
+                        1ull << 63,
+                        127,
+                        1ull << 51,
+                        76,
+                        false,
+                        1024};
+const Generator kMlfg = {"mlfg6331_64",
+                         plugin_rng::make_mlfg6331_64,
+                         IPluginRNG::uint64State,
+                         130,
+                         1ull << 61,
+                         124,
+                         1ull << 51,
+                         72,
+                         false,
+                         131072};
+const Generator kPhilox = {"philox4x32_10",
+                           plugin_rng::make_philox4x32_10,
+                           IPluginRNG::uint32State,
+                           7,
+                           kMax - 1,
+                           128,
+                           1ull << 63,
+                           64,
+                           true,
+                           1024};
+const Generator kThreefry = {"threefry4x64_20",
+                             plugin_rng::make_threefry4x64_20,
+                             IPluginRNG::uint32State,
+                             17,
+                             kMax - 1,
+                             128,
+                             1ull << 63,
+                             64,
+                             true,
                              1024};
 
 PluginPtr make(Generator const& generator, std::uint32_t seed, std::size_t stream = 0) {
@@ -187,8 +218,7 @@ class LargeFill : public testing::TestWithParam<Generator> {
   // `draw(plugin, out, n)` fills out[0, n) from a plug-in.
   template <class Draw>
   static void expectSerialNumbers(Draw draw, bool full) {
-    for (const std::size_t n :
-         {0, 1, 1023, 1024, 1025, 8192, 8193, 131072, 131073, 1000007}) {
+    for (const std::size_t n : {0, 1, 1023, 1024, 1025, 8192, 8193, 131072, 131073, 1000007}) {
       const auto serial = make(GetParam(), 6, 1);
       serial->setFullPrecision(full);
       std::vector<double> head(3);
@@ -221,11 +251,9 @@ TEST_P(LargeFill, UniformsAreTheSerialOnes) {
 
 TEST_P(LargeFill, NormalsAreTheSerialOnes) {
   if (!GetParam().normals) GTEST_SKIP() << "no native normals";
-  expectSerialNumbers(
-      [](IPluginRNG& plugin, double* out, std::size_t n) {
-        dynamic_cast<IPluginRNGRandn&>(plugin).randn(out, n);
-      },
-      true);
+  expectSerialNumbers([](IPluginRNG& plugin, double* out,
+                         std::size_t n) { dynamic_cast<IPluginRNGRandn&>(plugin).randn(out, n); },
+                      true);
 }
 
 TEST_P(LargeFill, KeepsTheSubstream) {
@@ -329,7 +357,7 @@ TEST(ThreefryState, HoldsHighHalvesFirst) {
   const auto plugin = make(kThreefry, 0x12345678, 0xA00000005);
   substreams(*plugin).setSubstream(5);
   substreams(*plugin).advance(6);
-  EXPECT_EQ(read(kThreefry, *plugin), (State{0x40000000, 1, 0, 1, 0, 0, 0, 0,           //
+  EXPECT_EQ(read(kThreefry, *plugin), (State{0x40000000, 1, 0, 1, 0, 0, 0, 0,  //
                                              0, 0x12345678, 0xA, 5, 0, 1, 0, 0, 2}));
 }
 

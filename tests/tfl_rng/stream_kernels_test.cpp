@@ -23,11 +23,8 @@ constexpr double kUntouched = -7;
 TEST(PhiloxKernel, EqualsTheScalarForm) {
   namespace philox = tfl_rng::philox;
   // Runs end where the lowest word wraps, and with it any number of those above.
-  const uint128 counters[] = {0,
-                              5,
-                              (uint128{0x0123456789abcdef} << 64) + 0xfedcba98ffffffe0,
-                              (uint128{1} << 64) - 19,
-                              ~uint128{0} - 7};
+  const uint128 counters[] = {0, 5, (uint128{0x0123456789abcdef} << 64) + 0xfedcba98ffffffe0,
+                              (uint128{1} << 64) - 19, ~uint128{0} - 7};
   every_target::run([&] {
     for (const uint128 counter : counters) {
       for (std::size_t count = 0; count < 140; ++count) {

@@ -41,9 +41,8 @@ HWY_INLINE Longs high(Longs product) { return hn::ShiftRight<32>(product); }
 
 // The draw of a low and a high word.
 HWY_INLINE hn::Vec<decltype(f64)> draw(Longs low, Longs highWord) {
-  return tfl_rng::HWY_NAMESPACE::open52(
-      hn::BitCast(u64, hn::OddEven(hn::BitCast(u32, hn::ShiftLeft<32>(highWord)),
-                                   hn::BitCast(u32, low))));
+  return tfl_rng::HWY_NAMESPACE::open52(hn::BitCast(
+      u64, hn::OddEven(hn::BitCast(u32, hn::ShiftLeft<32>(highWord)), hn::BitCast(u32, low))));
 }
 
 // What all blocks of a run share: it does not cross a multiple of 2^32, so that the upper words of
@@ -51,8 +50,8 @@ HWY_INLINE hn::Vec<decltype(f64)> draw(Longs low, Longs highWord) {
 struct Run {
   std::uint64_t k0[kRounds];  // 32-bit words, as wide as the lanes
   std::uint64_t k1[kRounds];
-  std::uint64_t c1;           // after the first round
-  std::uint64_t p0;           // product of the second round
+  std::uint64_t c1;  // after the first round
+  std::uint64_t p0;  // product of the second round
 
   Run(uint128 counter, std::uint64_t key) {
     for (std::uint32_t round = 0; round < kRounds; ++round) {
@@ -66,8 +65,8 @@ struct Run {
     k1[0] ^= c[3];
   }
 
-  // The draws of `vectors` times as many blocks as lanes, in the order of memory. The first have the
-  // lowest counter words `first`, ordered as blockOrder says.
+  // The draws of `vectors` times as many blocks as lanes, in the order of memory. The first have
+  // the lowest counter words `first`, ordered as blockOrder says.
   template <int vectors>
   HWY_INLINE void store(Longs first, double* out) const {
     Longs c0[vectors], c1v[vectors], c2[vectors], c3v[vectors];
