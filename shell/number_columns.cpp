@@ -11,9 +11,8 @@ namespace shell {
 
 namespace {
 
-// Whole numbers below these are shown with all their digits.
-constexpr double kArrayWhole = 1e10;
-constexpr double kScalarWhole = 1e16;
+// Whole numbers below this are shown with all their digits.
+constexpr double kWhole = 1e16;
 
 bool isFloat(txArray const& value) {
   return value.classID() == txClassDouble || value.classID() == txClassSingle;
@@ -45,7 +44,7 @@ NumberColumns::NumberColumns(txArray const& value, std::vector<std::uint64_t> co
       if (x > 0) smallest = std::min(smallest, x);
     }
   }
-  if (whole && largest < (positions.size() == 1 ? kScalarWhole : kArrayWhole)) return;
+  if (whole && largest < kWhole) return;
   int const high = static_cast<int>(std::floor(std::log10(largest)));
   int const low = static_cast<int>(std::floor(std::log10(std::min(smallest, largest))));
   // At most four digits of the largest may be lost on the smallest.
