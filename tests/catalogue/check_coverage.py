@@ -8,30 +8,24 @@ the catalogue and the registry of generators. Tests that build errors by hand ar
 """
 
 import os
-import re
 import subprocess
 import sys
 import tempfile
 from pathlib import Path
 
-FAMILY_KEYS = {
-    "Single": ["InvalidParameter", "InvalidState", "MultipleStreams"],
-    "Substreams": ["InvalidParameter", "InvalidState", "TooManyStreams",
-                   "SubstreamsIndexOutOfRange"],
-}
+sys.path.insert(0, str(Path(__file__).resolve().parents[2] / "tools"))
+sys.dont_write_bytecode = True
+import errors_page  # noqa: E402
+
 BY_HAND = "-Errors.*:*Guard.*/library"
 
 
 def catalogue(root):
-    keys = set()
-    text = (root / "errors/catalogue.def").read_text()
-    for kind, args in re.findall(r"^TV_(KEY|COMPONENT_KEY|PLAIN_KEY)\(([^)]*)\)", text, re.M):
-        parts = [part.strip() for part in args.split(",")][:-1]
-        keys.add(":".join(["TALVOR"] + parts).replace("::", ":"))
-    text = (root / "tfl_rng/generators.def").read_text()
-    for name, family in re.findall(
-            r'^TFL_GENERATOR\((\w+), *\w+, *"[^"]*", *(\w+),', text, re.M):
-        keys.update(f"TALVOR:RandStream:{name}:{key}" for key in FAMILY_KEYS[family])
+    groups = errors_page.read_catalogue((root / "errors/catalogue.def").read_text())
+    keys = {f"{path}:{key}" for path, group in groups.items() for key in group}
+    for name, family in errors_page.read_generators(
+            (root / "tfl_rng/generators.def").read_text()):
+        keys.update(f"TALVOR:RandStream:{name}:{key}" for key in errors_page.FAMILY_KEYS[family])
     return keys
 
 
