@@ -60,15 +60,6 @@ Dimensions::Dimensions(Dims dims) : size_(dims.size()), few_{1, 1, 1} {
   size_ = std::max<std::size_t>(size_, 2);
 }
 
-Array::Array(txClassID classID, Dims arrayDims, Value arrayValue, txComplexity complexity)
-    : id(classID),
-      complex(complexity == txComplexity::complex),
-      count(1),
-      dimensions(arrayDims),
-      value(std::move(arrayValue)) {
-  for (std::uint64_t d : dimensions.view()) count *= d;
-}
-
 Cells::Cells(Cells const& other) {
   items.reserve(other.items.size());
   for (auto const& item : other.items) items.push_back(item ? txShare(*item) : nullptr);

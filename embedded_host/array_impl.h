@@ -107,8 +107,15 @@ class Array final : public txArray {
   using Value = std::variant<Elements, std::shared_ptr<Cells>, std::shared_ptr<Strings>,
                              std::shared_ptr<SparseElements>, std::shared_ptr<Object>, HostText>;
 
-  Array(txClassID classID, Dims arrayDims, Value arrayValue,
-        txComplexity complexity = txComplexity::real);
+  template <class Held>
+  Array(txClassID classID, Dims arrayDims, Held held, txComplexity complexity = txComplexity::real)
+      : id(classID),
+        complex(complexity == txComplexity::complex),
+        count(1),
+        dimensions(arrayDims),
+        value(std::move(held)) {
+    for (std::uint64_t d : dimensions.view()) count *= d;
+  }
 
   static void* operator new(std::size_t bytes) { return txMallocEx(bytes); }
   static void operator delete(void* memory) noexcept { txFreeEx(memory); }

@@ -13,7 +13,7 @@ Elements::Elements(std::size_t bytes) : bytes_(bytes) {
 
 Elements::Elements(Elements const& other) noexcept : bytes_(other.bytes_) {
   if (isInside()) {
-    std::memcpy(inside_, other.inside_, bytes_);
+    std::memcpy(inside_, other.inside_, kInside);
   } else {
     block_ = other.block_;
     block_->owners.fetch_add(1, std::memory_order_relaxed);
@@ -22,7 +22,7 @@ Elements::Elements(Elements const& other) noexcept : bytes_(other.bytes_) {
 
 Elements::Elements(Elements&& other) noexcept : bytes_(other.bytes_) {
   if (isInside()) {
-    std::memcpy(inside_, other.inside_, bytes_);
+    std::memcpy(inside_, other.inside_, kInside);
   } else {
     block_ = other.block_;
     other.bytes_ = 0;

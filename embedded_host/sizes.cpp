@@ -4,8 +4,9 @@
 
 #include <unistd.h>
 
+#include <algorithm>
 #include <cmath>
-#include <limits>
+#include <utility>
 
 #include "embedded_host/messages.h"
 #include "host/messages.h"
@@ -30,14 +31,14 @@ std::uint64_t toDimension(double value, std::size_t position) {
   return value > 0 ? static_cast<std::uint64_t>(value) : 0;
 }
 
-// A size argument as a full double array.
-txArrayPtr toSizes(txArray const& argument, std::size_t position) {
+// The numbers of a size argument: real, numeric or logical.
+txArray const& sizesOf(txArray const& argument, std::size_t position) {
   txArray const* numbers = tcos::underlyingArray(argument);
   if (!numbers || !(numbers->isNumeric() || numbers->isLogical())) {
     raiseHostError("TALVOR:size:NotNumeric", position, tcos::className(argument));
   }
   if (numbers->isComplex()) raiseHostError("TALVOR:size:NotReal", position);
-  return txToDouble(*numbers);
+  return *numbers;
 }
 
 std::string dimensionsText(embedded_host::Dims dims) {
@@ -46,9 +47,9 @@ std::string dimensionsText(embedded_host::Dims dims) {
   return text;
 }
 
-double physicalBytes() {
-  static double const bytes =
-      static_cast<double>(sysconf(_SC_PHYS_PAGES)) * static_cast<double>(sysconf(_SC_PAGE_SIZE));
+std::uint64_t physicalBytes() {
+  static std::uint64_t const bytes = static_cast<std::uint64_t>(sysconf(_SC_PHYS_PAGES)) *
+                                     static_cast<std::uint64_t>(sysconf(_SC_PAGE_SIZE));
   return bytes;
 }
 
@@ -57,21 +58,18 @@ double physicalBytes() {
 namespace embedded_host {
 
 std::uint64_t countElements(Dims dims, std::size_t bytesEach) {
-  // Rounded products are good enough to tell what is far too large, and they cannot overflow; a
-  // dimension of 0 leaves nothing to hold, however long the others are.
-  double bytes = static_cast<double>(bytesEach);
-  std::uint64_t count = 1;
-  for (std::uint64_t d : dims) {
-    bytes *= static_cast<double>(d);
-    count *= d;
-  }
-  if (bytes == 0) return 0;
-  if (bytes > physicalBytes()) {
-    constexpr double kGigabyte = 0x1p30;
-    raiseHostError("TALVOR:array:SizeLimitExceeded", dimensionsText(dims),
-                   std::ceil(bytes / kGigabyte), std::floor(physicalBytes() / kGigabyte));
-  }
-  return count;
+  std::uint64_t count = 1, bytes;
+  bool tooMany = false;
+  for (std::uint64_t d : dims) tooMany |= __builtin_mul_overflow(count, d, &count);
+  tooMany |= __builtin_mul_overflow(count, bytesEach, &bytes);
+  if (!tooMany && bytes <= physicalBytes()) return count;
+  // A dimension of 0 leaves nothing to hold, however long the others are.
+  if (std::find(dims.begin(), dims.end(), 0u) != dims.end()) return 0;
+  constexpr double kGigabyte = 0x1p30;
+  double gigabytes = static_cast<double>(bytesEach) / kGigabyte;
+  for (std::uint64_t d : dims) gigabytes *= static_cast<double>(d);
+  raiseHostError("TALVOR:array:SizeLimitExceeded", dimensionsText(dims), std::ceil(gigabytes),
+                 std::floor(static_cast<double>(physicalBytes()) / kGigabyte));
 }
 
 }  // namespace embedded_host
@@ -83,28 +81,28 @@ std::size_t txGetDims(std::size_t nArgs, txArray const* const* args, std::uint64
   };
   if (nArgs != 1) {
     for (std::size_t i = 0; i < nArgs; ++i) {
-      txArrayPtr const size = toSizes(*args[i], i + 1);
-      if (!size->isScalar()) raiseHostError("TALVOR:size:NotScalar", i + 1);
-      put(i, toDimension(size->scalarAsDouble(), i + 1));
+      txArray const& size = sizesOf(*args[i], i + 1);
+      if (!size.isScalar()) raiseHostError("TALVOR:size:NotScalar", i + 1);
+      put(i, toDimension(size.scalarAsDouble(), i + 1));
     }
     // No argument at all is a scalar.
     for (std::size_t i = nArgs; i < 2; ++i) put(i, 1);
     return nArgs == 0 ? 2 : nArgs;
   }
-  txArrayPtr const sizes = toSizes(*args[0], 1);
-  bool const isVector =
-      sizes->dims().size() == 2 && (sizes->dims()[0] == 1 || sizes->dims()[1] == 1);
-  if (!isVector && !sizes->isEmpty()) raiseHostError("TALVOR:size:NotVector");
-  if (sizes->numel() >= 2) {
-    for (std::uint64_t i = 0; i < sizes->numel(); ++i) {
-      put(i, toDimension(std::as_const(*sizes).dataAs<double>()[i], i + 1));
-    }
-    return sizes->numel();
+  txArray const& sizes = sizesOf(*args[0], 1);
+  if (sizes.numel() < 2) {
+    std::uint64_t const side = sizes.isEmpty() ? 0 : toDimension(sizes.scalarAsDouble(), 1);
+    put(0, side);
+    put(1, side);
+    return 2;
   }
-  std::uint64_t const side = sizes->isEmpty() ? 0 : toDimension(sizes->scalarAsDouble(), 1);
-  put(0, side);
-  put(1, side);
-  return 2;
+  bool const isVector = sizes.dims().size() == 2 && (sizes.dims()[0] == 1 || sizes.dims()[1] == 1);
+  if (!isVector) raiseHostError("TALVOR:size:NotVector");
+  txArrayPtr const values = txToDouble(sizes);
+  for (std::uint64_t i = 0; i < sizes.numel(); ++i) {
+    put(i, toDimension(std::as_const(*values).dataAs<double>()[i], i + 1));
+  }
+  return sizes.numel();
 }
 
 std::uint64_t txCheckIndex(double value) {
