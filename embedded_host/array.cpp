@@ -128,9 +128,7 @@ txArrayPtr reshape(txArray const& array, Dims dims) {
 
 txArrayPtr makeStrings(Dims dims) {
   std::uint64_t const count = countElements(dims, storedBytes(txClassString));
-  HostAllocator<Strings> const memory;
-  return makeImpl(txClassString, dims,
-                  std::allocate_shared<Strings>(memory, count, std::optional<HostText>(u"")));
+  return makeImpl(txClassString, dims, Shared<Strings>::make(count, std::optional<HostText>(u"")));
 }
 
 txArrayPtr makeString(std::u16string_view text) {
@@ -159,7 +157,7 @@ void setString(txArray& array, std::uint64_t index, std::optional<std::u16string
   if (!strings || index >= array.numel()) {
     raiseHostError("TALVOR:array:IndexOutOfRange", index + 1, array.numel());
   }
-  auto& element = unshare(*strings)[index];
+  auto& element = strings->own()[index];
   element = text ? std::optional<HostText>(*text) : std::nullopt;
 }
 
@@ -201,7 +199,7 @@ void txArray::setCell(std::uint64_t index, txArrayPtr element) {
   if (!cells || index >= numel()) {
     embedded_host::raiseHostError("TALVOR:array:IndexOutOfRange", index + 1, numel());
   }
-  unshare(*cells).items[index] = std::move(element);
+  cells->own().items[index] = std::move(element);
 }
 
 void txDestroy_deleter::operator()(txArray* array) const noexcept {
@@ -224,8 +222,7 @@ txArrayPtr txCreateText(std::u16string_view text) { return embedded_host::makeCh
 txArrayPtr txCreateCell(std::span<const std::uint64_t> dims) {
   std::uint64_t const count =
       embedded_host::countElements(dims, embedded_host::storedBytes(txClassCell));
-  return embedded_host::makeImpl(
-      txClassCell, dims, std::allocate_shared<Cells>(embedded_host::HostAllocator<Cells>(), count));
+  return embedded_host::makeImpl(txClassCell, dims, embedded_host::Shared<Cells>::make(count));
 }
 
 txArrayPtr txShare(txArray const& array) { return embedded_host::makeImpl(impl(array)); }

@@ -6,7 +6,6 @@
 #include <atomic>
 #include <cstddef>
 #include <cstdint>
-#include <memory>
 #include <optional>
 #include <span>
 #include <utility>
@@ -15,6 +14,7 @@
 #include "embedded_host/array.h"
 #include "embedded_host/host_allocator.h"
 #include "embedded_host/object_system.h"
+#include "embedded_host/shared_value.h"
 #include "host/tx_array.h"
 
 namespace embedded_host {
@@ -78,34 +78,24 @@ struct SparseElements {
   HostVector<double> values;
 };
 
-// An instance of a class. A handle's destroyer runs when it goes.
+// An instance of a class.
 struct Object {
   Object(ClassPtr definitionToUse, txArrayPtr underlyingArray);
   Object(Object const& other);
   Object& operator=(Object const&) = delete;
-  ~Object();
+
+  // Runs the destroyer of a handle.
+  void farewell(Shared<Object> last) const noexcept;
 
   ClassPtr definition;
   HostVector<txArrayPtr> stored;  // one for each property; null is an empty double matrix
   txArrayPtr underlying;
 };
 
-// Makes `shared` the only owner of its value, by a copy if need be.
-template <class T>
-T& unshare(std::shared_ptr<T>& shared) {
-  if (shared.use_count() != 1) {
-    shared = std::allocate_shared<T>(HostAllocator<T>(), std::as_const(*shared));
-  } else {
-    // Pairs with the release of the owner that has just gone, which may be another thread's.
-    std::atomic_thread_fence(std::memory_order_acquire);
-  }
-  return *shared;
-}
-
 class Array final : public txArray {
  public:
-  using Value = std::variant<Elements, std::shared_ptr<Cells>, std::shared_ptr<Strings>,
-                             std::shared_ptr<SparseElements>, std::shared_ptr<Object>, HostText>;
+  using Value = std::variant<Elements, Shared<Cells>, Shared<Strings>, Shared<SparseElements>,
+                             Shared<Object>, HostText>;
 
   template <class Held>
   Array(txClassID classID, Dims arrayDims, Held held, txComplexity complexity = txComplexity::real)
@@ -129,12 +119,12 @@ class Array final : public txArray {
     return std::get_if<T>(&value);
   }
   template <class T>
-  std::shared_ptr<T> const* shares() const noexcept {
-    return std::get_if<std::shared_ptr<T>>(&value);
+  Shared<T> const* shares() const noexcept {
+    return std::get_if<Shared<T>>(&value);
   }
   template <class T>
-  std::shared_ptr<T>* shares() noexcept {
-    return std::get_if<std::shared_ptr<T>>(&value);
+  Shared<T>* shares() noexcept {
+    return std::get_if<Shared<T>>(&value);
   }
 
   txClassID id;

@@ -14,7 +14,7 @@ namespace {
 
 constexpr std::array<std::uint64_t, 2> kOneByOne{1, 1};
 
-std::shared_ptr<Object> const& objectOf(txArray const& value) {
+Shared<Object> const& objectOf(txArray const& value) {
   auto const* object = impl(value).shares<Object>();
   if (!object) raiseHostError("TALVOR:object:NotObject", tcos::className(value));
   return *object;
@@ -24,7 +24,7 @@ std::shared_ptr<Object> const& objectOf(txArray const& value) {
 Object& objectForChange(txArray& value) {
   objectOf(value);
   auto& object = *impl(value).shares<Object>();
-  return object->definition->handle ? *object : unshare(object);
+  return object->definition->handle ? object.common() : object.own();
 }
 
 Property const& requireProperty(Object const& object, std::string_view name) {
@@ -57,12 +57,11 @@ Object::Object(Object const& other)
   for (auto const& value : other.stored) stored.push_back(value ? txShare(*value) : nullptr);
 }
 
-Object::~Object() {
+void Object::farewell(Shared<Object> last) const noexcept {
   if (!definition->handle || !definition->destroyer) return;
   try {
-    // An array that refers to this object without owning it.
-    Array last(txClassObject, kOneByOne, std::shared_ptr<Object>(std::shared_ptr<void>(), this));
-    definition->destroyer(last);
+    Array object(txClassObject, kOneByOne, std::move(last));
+    definition->destroyer(object);
   } catch (...) {
     // Nobody is left who could be told.
   }
@@ -101,9 +100,8 @@ std::vector<std::string> Classes::names() const {
 txArrayPtr makeObject(ClassPtr definition, txArrayPtr underlying) {
   std::vector<std::uint64_t> dims(kOneByOne.begin(), kOneByOne.end());
   if (underlying) dims.assign(underlying->dims().begin(), underlying->dims().end());
-  auto object = std::allocate_shared<Object>(HostAllocator<Object>(), std::move(definition),
-                                             std::move(underlying));
-  return makeImpl(txClassObject, Dims(dims), std::move(object));
+  return makeImpl(txClassObject, Dims(dims),
+                  Shared<Object>::make(std::move(definition), std::move(underlying)));
 }
 
 ClassPtr classOf(txArray const& value) {

@@ -41,8 +41,8 @@ struct ClassDefinition {
   std::map<std::string, Function, std::less<>> staticMethods = {};
   // In the order in which they are listed.
   std::vector<Property> properties = {};
-  // Runs when the last share of a handle object goes, before its properties do; the object must not
-  // be shared any more. Errors that leave it are dropped.
+  // Runs when the last share of a handle object goes, before its properties do. It runs once: an
+  // object that it shares lives on. Errors that leave it are dropped.
   std::function<void(txArray& object)> destroyer = {};
 
   TV_EXPORT Property const* findProperty(std::string_view property) const;

@@ -39,10 +39,11 @@ FixedPoint toFixed(double const* values, std::size_t n, std::int64_t* fixed) {
       n,
       [&](std::size_t i) {
         auto const value = hn::LoadU(f64, values + i);
-        Longs const number = hn::ConvertTo(i64, hn::Mul(value, scale));
-        hn::StoreU(number, i64, fixed + i);
         auto const inside = hn::And(hn::Ge(value, hn::Zero(f64)), hn::Lt(value, hn::Set(f64, 1)));
         inRange = hn::And(inRange, inside);
+        auto const scaled = hn::Mul(hn::IfThenElseZero(inside, value), scale);
+        Longs const number = hn::ConvertTo(i64, scaled);
+        hn::StoreU(number, i64, fixed + i);
         auto const back = hn::Mul(hn::ConvertTo(f64, number), unit);
         inexact = hn::Or(inexact, hn::Xor(hn::BitCast(i64, back), hn::BitCast(i64, value)));
       },

@@ -14,7 +14,7 @@ struct FixedPoint {
   bool inRange;  // all values lie in [0,1)
   bool exact;    // and all are multiples of 2^-53, +0 included but not -0
 };
-// Writes the values as fixed-point numbers, rounded down; those out of range give any number.
+// Writes the values as fixed-point numbers, rounded down; those out of range as 0.
 FixedPoint toFixed(double const* values, std::size_t n, std::int64_t* fixed);
 
 // Columns stand side by side in groups: row j of column c of a group is number [j * kGroup + c].

@@ -25,10 +25,6 @@ bool isWellFormed(std::uint64_t rows, std::uint64_t columns, std::size_t perEntr
   return true;
 }
 
-std::shared_ptr<SparseElements> makeElements() {
-  return std::allocate_shared<SparseElements>(HostAllocator<SparseElements>());
-}
-
 }  // namespace
 
 txArrayPtr makeSparse(std::uint64_t rows, std::uint64_t columns, txClassID classID,
@@ -40,12 +36,12 @@ txArrayPtr makeSparse(std::uint64_t rows, std::uint64_t columns, txClassID class
       !isWellFormed(rows, columns, complex ? 2 : 1, {columnStarts, rowIndices, values})) {
     raiseHostError("TALVOR:sparse:Structure");
   }
-  auto elements = makeElements();
-  elements->columnStarts.assign(columnStarts.begin(), columnStarts.end());
-  elements->rowIndices.assign(rowIndices.begin(), rowIndices.end());
-  elements->values.assign(values.begin(), values.end());
-  return makeImpl(classID, std::array<std::uint64_t, 2>{rows, columns}, std::move(elements),
-                  complexity);
+  SparseElements elements;
+  elements.columnStarts.assign(columnStarts.begin(), columnStarts.end());
+  elements.rowIndices.assign(rowIndices.begin(), rowIndices.end());
+  elements.values.assign(values.begin(), values.end());
+  return makeImpl(classID, std::array<std::uint64_t, 2>{rows, columns},
+                  Shared<SparseElements>::make(std::move(elements)), complexity);
 }
 
 txArrayPtr toSparse(txArray const& full) {
@@ -59,18 +55,18 @@ txArrayPtr toSparse(txArray const& full) {
   auto const part = [&](std::uint64_t at) {
     return isDouble ? full.dataAs<double>()[at] : static_cast<double>(full.dataAs<bool>()[at]);
   };
-  auto elements = makeElements();
-  elements->columnStarts.push_back(0);
+  SparseElements elements;
+  elements.columnStarts.push_back(0);
   for (std::uint64_t c = 0; c < columns; ++c) {
     for (std::uint64_t r = 0; r < rows; ++r) {
       std::uint64_t const at = (c * rows + r) * perEntry;
       if (part(at) == 0 && part(at + perEntry - 1) == 0) continue;
-      elements->rowIndices.push_back(r);
-      for (std::size_t p = 0; p < perEntry; ++p) elements->values.push_back(part(at + p));
+      elements.rowIndices.push_back(r);
+      for (std::size_t p = 0; p < perEntry; ++p) elements.values.push_back(part(at + p));
     }
-    elements->columnStarts.push_back(elements->rowIndices.size());
+    elements.columnStarts.push_back(elements.rowIndices.size());
   }
-  return makeImpl(full.classID(), full.dims(), std::move(elements),
+  return makeImpl(full.classID(), full.dims(), Shared<SparseElements>::make(std::move(elements)),
                   static_cast<txComplexity>(full.isComplex()));
 }
 

@@ -71,6 +71,24 @@ TEST(Objects, HandleIsDestroyedOnceWithItsLastShareAndItsPropertiesStillThere) {
   EXPECT_EQ(allocationCounts().liveBlocks, before);
 }
 
+TEST(Objects, HandleThatItsDestroyerSharesLivesOn) {
+  txArrayPtr kept;
+  int destroyed = 0;
+  txArrayPtr object = makeObject(makeClass({.name = "Handle",
+                                            .handle = true,
+                                            .properties = {{.name = "X"}},
+                                            .destroyer = [&](txArray& dying) {
+                                              ++destroyed;
+                                              kept = txShare(dying);
+                                            }}));
+  setProperty(*object, "X", *txCreateDouble(4));
+  object.reset();
+  ASSERT_NE(kept, nullptr);
+  EXPECT_EQ(readNumber(*kept, "X"), 4);
+  kept.reset();
+  EXPECT_EQ(destroyed, 1);
+}
+
 TEST(Objects, PropertiesGoThroughTheirHooks) {
   ClassPtr const definition = makeClass(
       {.name = "Celsius",
