@@ -1,0 +1,110 @@
+// The mrg32k3a kernels and their quick scalar form against the recurrence in plain integers.
+
+#include <gtest/gtest.h>
+
+#include <vector>
+
+#include "tests/support/every_target.h"
+#include "tfl_rng/kernels/mrg32k3a.h"
+#include "tfl_rng/kernels/mrg32k3a_reference.h"
+
+namespace {
+
+namespace kernels = tfl_rng::mrg32k3a_steps;
+using kernels::Words;
+
+constexpr std::uint32_t kM1 = 4294967087;
+constexpr std::uint32_t kM2 = 4294944443;
+constexpr double kUntouched = -7;
+
+constexpr Words kStarts[] = {
+    {12345, 12345, 12345, 12345, 12345, 12345},
+    {1, 0, 0, 1, 0, 0},
+    {0, 0, 1, 0, 0, 1},
+    {0, 1, 0, 0, kM2 - 1, 0},
+    {kM1 - 1, 0, 0, 0, 0, kM2 - 1},
+    {0, kM1 - 1, 0, kM2 - 1, 0, 0},
+    {kM1 - 1, kM1 - 1, kM1 - 1, kM2 - 1, kM2 - 1, kM2 - 1},
+    {0x80000000, 0x7fffffff, kM1 / 2, kM2 / 2, kM2 / 2 + 1, 0x80000000},
+    {0xffff, 0x10000, 0xffff0000, 0xffff, 0x10000, 0xffff0000},
+    // The first two steps make 1 and the number after it of the sum before it is reduced.
+    {0, 0, 353412662, 0, 1, 0},
+    {0, 0, 4100629002, 0, 1, 0},
+};
+
+double plainStep(Words& s) {
+  const auto x = static_cast<std::uint32_t>(
+      (std::uint64_t{1403580} * s[1] + std::uint64_t{810728} * (kM1 - s[0])) % kM1);
+  const auto y = static_cast<std::uint32_t>(
+      (std::uint64_t{527612} * s[5] + std::uint64_t{1370589} * (kM2 - s[3])) % kM2);
+  s = {s[1], s[2], x, s[4], s[5], y};
+  return (x > y ? x - y : x - y + kM1) * 2.328306549295727688e-10;
+}
+
+TEST(Mrg32k3aScalar, FoldsEqualDivision) {
+  for (Words const& start : kStarts) {
+    Words words = start, plain = start;
+    for (int i = 0; i < 20000; ++i) {
+      ASSERT_EQ(kernels::reference::step(words), plainStep(plain)) << i;
+      ASSERT_EQ(words, plain) << i;
+    }
+  }
+}
+
+// A step whose terms are next to 0 or to the modulus, where a quotient in doubles may be one off:
+// from (0, b, 0) and (0, 0, c) it makes a b modulo m, for which b takes an inverse.
+std::uint32_t inverse(std::uint64_t a, std::uint64_t m) {
+  std::uint64_t result = 1;
+  for (std::uint64_t exponent = m - 2; exponent != 0; exponent /= 2, a = a * a % m)
+    if (exponent % 2 != 0) result = result * a % m;
+  return static_cast<std::uint32_t>(result);
+}
+
+template <class Precision>
+class Mrg32k3aKernel : public testing::Test {
+ protected:
+  static void expectEqual(Words const& start, std::size_t n) {
+    std::vector<double> expected(n + 1, kUntouched), actual(n + 1, kUntouched);
+    Words last = start, words = start;
+    kernels::reference::fill(Precision{}, last, expected.data(), n);
+    kernels::fill(Precision{}, words, actual.data(), n);
+    ASSERT_EQ(actual, expected) << n;
+    ASSERT_EQ(words, last) << n;
+  }
+};
+
+using Precisions = testing::Types<kernels::Reduced, kernels::Full>;
+TYPED_TEST_SUITE(Mrg32k3aKernel, Precisions);
+
+// Every count around the blocks of both lengths.
+TYPED_TEST(Mrg32k3aKernel, EqualsTheScalarForm) {
+  every_target::run([] {
+    for (std::size_t n = 0; n < 400; ++n) TestFixture::expectEqual(kStarts[n % 11], n);
+    for (std::size_t n = 1000; n < 1200; ++n) TestFixture::expectEqual(kStarts[n % 11], n);
+    for (std::size_t n = 2040; n < 2240; n += 3) TestFixture::expectEqual(kStarts[n % 11], n);
+  });
+}
+
+TYPED_TEST(Mrg32k3aKernel, EqualsTheScalarFormFromExtremeWords) {
+  every_target::run([] {
+    for (Words const& start : kStarts) TestFixture::expectEqual(start, 20000);
+  });
+}
+
+TYPED_TEST(Mrg32k3aKernel, QuotientsNextToAnIntegerDoNotShow) {
+  const std::uint64_t unit1 = inverse(1403580, kM1);
+  const std::uint64_t unit2 = inverse(527612, kM2);
+  every_target::run([&] {
+    for (std::uint64_t distance = 0; distance < 40; ++distance) {
+      for (const std::uint64_t x : {distance, kM1 - 1 - distance}) {
+        for (const std::uint64_t y : {distance, kM2 - 1 - distance, kM2 / 2 - 20 + distance}) {
+          const auto second = static_cast<std::uint32_t>(x * unit1 % kM1);
+          const auto third = static_cast<std::uint32_t>(y * unit2 % kM2);
+          TestFixture::expectEqual({0, second, 1, 0, 1, third}, 64);
+        }
+      }
+    }
+  });
+}
+
+}  // namespace
