@@ -51,8 +51,7 @@ TEST(Mrg32k3aScalar, FoldsEqualDivision) {
   }
 }
 
-// A step whose terms are next to 0 or to the modulus, where a quotient in doubles may be one off:
-// from (0, b, 0) and (0, 0, c) it makes a b modulo m, for which b takes an inverse.
+// Of a modulo the prime m.
 std::uint32_t inverse(std::uint64_t a, std::uint64_t m) {
   std::uint64_t result = 1;
   for (std::uint64_t exponent = m - 2; exponent != 0; exponent /= 2, a = a * a % m)
@@ -91,6 +90,8 @@ TYPED_TEST(Mrg32k3aKernel, EqualsTheScalarFormFromExtremeWords) {
   });
 }
 
+// The first step makes terms next to 0, the modulus and its half, where a quotient in doubles may
+// be one off: of (0, b, 1) and (0, 1, c) it leaves products with b and c alone.
 TYPED_TEST(Mrg32k3aKernel, QuotientsNextToAnIntegerDoNotShow) {
   const std::uint64_t unit1 = inverse(1403580, kM1);
   const std::uint64_t unit2 = inverse(527612, kM2);

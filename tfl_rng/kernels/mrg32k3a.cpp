@@ -23,7 +23,7 @@ constexpr std::size_t kLongStretch = 64;
 constexpr std::size_t kShortStretch = 8;
 
 // For fewer draws than this the scalar form is the faster one.
-constexpr std::size_t kLeastDraws = 48;
+constexpr std::size_t kLeastDraws = 36;
 
 // One number for each lane.
 using Row = std::array<double, kLanes>;
@@ -68,7 +68,7 @@ constexpr hn::CappedTag<double, 8> f64;
 using Doubles = hn::Vec<decltype(f64)>;
 
 constexpr std::size_t kVectorLanes = hn::MaxLanes(f64);
-constexpr std::size_t kInFlight = 2;
+constexpr std::size_t kInFlight = std::min<std::size_t>(4, kLanes / kVectorLanes);
 
 // Everything up to the output of a step is computed in doubles that hold integers of at most 53
 // bits, and is exact but for the quotients. Those are up to 2^20.5, and rounding moves them by less
@@ -86,8 +86,28 @@ HWY_INLINE Doubles centredRemainder(Doubles value, double m) {
   return hn::Sub(value, hn::Mul(quotient, hn::Set(f64, m)));
 }
 
-HWY_INLINE Doubles addIf(hn::Mask<decltype(f64)> condition, Doubles value, double addend) {
-  return hn::IfThenElse(condition, hn::Add(value, hn::Set(f64, addend)), value);
+// The value, plus m where it is negative. No zero is a negative one here. Read as unsigned integers
+// the negative numbers are larger than all others.
+HWY_INLINE Doubles addToNegative(Doubles value, double m) {
+  const Doubles sum = hn::Add(value, hn::Set(f64, m));
+#if HWY_TARGET <= HWY_AVX3
+  const hn::RebindToUnsigned<decltype(f64)> u64;
+  return hn::BitCast(f64, hn::Min(hn::BitCast(u64, value), hn::BitCast(u64, sum)));
+#else
+  return hn::IfThenElse(hn::Lt(value, hn::Zero(f64)), sum, value);
+#endif
+}
+
+// The value, less m unless it is negative. Read as signed integers negative numbers are below all
+// others, and the closer to 0 the lower.
+HWY_INLINE Doubles subtractUnlessNegative(Doubles value, double m) {
+  const Doubles difference = hn::Sub(value, hn::Set(f64, m));
+#if HWY_TARGET <= HWY_AVX3
+  const hn::RebindToSigned<decltype(f64)> i64;
+  return hn::BitCast(f64, hn::Min(hn::BitCast(i64, value), hn::BitCast(i64, difference)));
+#else
+  return hn::IfThenElse(hn::Lt(value, hn::Zero(f64)), value, difference);
+#endif
 }
 
 // The last three terms of a vector of lanes, from -1 to m1 and from -m2/2 - 1 to m2.
@@ -95,21 +115,20 @@ struct Terms {
   Doubles x[3], y[3];
 
   HWY_INLINE Doubles step() {
-    const Doubles x3 = hn::Sub(hn::Mul(x[1], hn::Set(f64, kA12)),
-                               hn::Mul(x[0], hn::Set(f64, kA13n)));
-    const Doubles y3 = hn::Sub(hn::Mul(y[2], hn::Set(f64, kA21)),
-                               hn::Mul(y[0], hn::Set(f64, kA23n)));
+    const Doubles x3 =
+        hn::Sub(hn::Mul(x[1], hn::Set(f64, kA12)), hn::Mul(x[0], hn::Set(f64, kA13n)));
+    const Doubles y3 =
+        hn::Sub(hn::Mul(y[2], hn::Set(f64, kA21)), hn::Mul(y[0], hn::Set(f64, kA23n)));
     x[0] = x[1];
     x[1] = x[2];
     x[2] = remainder(x3, kM1);
     y[0] = y[1];
     y[1] = y[2];
     y[2] = centredRemainder(y3, kM2);
-    // A -1 or m1 among the x leads to the z of m1 - 1 or 0 all the same.
-    const Doubles zero = hn::Zero(f64);
-    const Doubles difference = hn::Sub(x[2], addIf(hn::Lt(y[2], zero), y[2], kM2));
-    const Doubles z = addIf(hn::Le(difference, zero), difference, kM1);
-    return hn::Mul(z, hn::Set(f64, kNorm));
+    // A -1 or m1 instead of m1 - 1 or 0 as x leads to the same z of 1 to m1.
+    const Doubles difference = hn::Sub(addToNegative(y[2], kM2), x[2]);
+    const Doubles minusZ = subtractUnlessNegative(difference, kM1);
+    return hn::Mul(minusZ, hn::Set(f64, -kNorm));
   }
 
   HWY_INLINE Doubles draw(Reduced) { return step(); }
@@ -118,7 +137,8 @@ struct Terms {
     const Doubles first = step();
     const Doubles sum = hn::Add(first, hn::Mul(step(), hn::Set(f64, 0x1p-24)));
     // Nothing but 0 is below 2^-53.
-    return hn::Max(addIf(hn::Ge(sum, hn::Set(f64, 1.0)), sum, -1.0),
+    const Doubles one = hn::Set(f64, 1.0);
+    return hn::Max(hn::IfThenElse(hn::Ge(sum, one), hn::Sub(sum, one), sum),
                    hn::Set(f64, kSmallestUniform));
   }
 };

@@ -54,9 +54,7 @@ inline double draw(Full, Words& words) noexcept {
 
 template <class Precision>
 void fill(Precision precision, Words& words, double* out, std::size_t n) noexcept {
-  Words w = words;
-  for (std::size_t i = 0; i < n; ++i) out[i] = draw(precision, w);
-  words = w;
+  for (std::size_t i = 0; i < n; ++i) out[i] = draw(precision, words);
 }
 
 }  // namespace reference
