@@ -91,17 +91,21 @@ TYPED_TEST(Mrg32k3aKernel, EqualsTheScalarFormFromExtremeWords) {
 }
 
 // The first step makes terms next to 0, the modulus and its half, where a quotient in doubles may
-// be one off: of (0, b, 1) and (0, 1, c) it leaves products with b and c alone.
+// be one off. All but one of the terms behind it are 0: products of both signs.
 TYPED_TEST(Mrg32k3aKernel, QuotientsNextToAnIntegerDoNotShow) {
-  const std::uint64_t unit1 = inverse(1403580, kM1);
-  const std::uint64_t unit2 = inverse(527612, kM2);
+  const auto quotient = [](std::uint64_t term, std::uint64_t a, std::uint64_t m) {
+    return static_cast<std::uint32_t>(term * inverse(a, m) % m);
+  };
   every_target::run([&] {
     for (std::uint64_t distance = 0; distance < 40; ++distance) {
       for (const std::uint64_t x : {distance, kM1 - 1 - distance}) {
         for (const std::uint64_t y : {distance, kM2 - 1 - distance, kM2 / 2 - 20 + distance}) {
-          const auto second = static_cast<std::uint32_t>(x * unit1 % kM1);
-          const auto third = static_cast<std::uint32_t>(y * unit2 % kM2);
-          TestFixture::expectEqual({0, second, 1, 0, 1, third}, 64);
+          const std::uint32_t x1 = quotient(x, 1403580, kM1);
+          const std::uint32_t x0 = quotient(x, kM1 - 810728, kM1);
+          const std::uint32_t y2 = quotient(y, 527612, kM2);
+          const std::uint32_t y0 = quotient(y, kM2 - 1370589, kM2);
+          TestFixture::expectEqual({0, x1, 1, 0, 1, y2}, 64);
+          TestFixture::expectEqual({x0, 0, 1, y0, 1, 0}, 64);
         }
       }
     }
