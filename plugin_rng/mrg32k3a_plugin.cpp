@@ -1,6 +1,6 @@
 // State: twelve 32-bit words, the last three terms of both recurrences (oldest first) now and at
-// the start of the stream. Words 0 to 2 and 6 to 8 must be below the first modulus, the others below
-// the second, and no three that belong together all zero.
+// the start of the stream. Words 0 to 2 and 6 to 8 must be below the first modulus, the others
+// below the second, and no three that belong together all zero.
 
 #include "tfl_rng/mrg32k3a.h"
 

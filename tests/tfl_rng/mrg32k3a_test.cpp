@@ -57,8 +57,8 @@ TEST(Mrg32k3a, OneStepDrawsFollowTheRecurrence) {
   for (std::size_t i = 0; i < 500; ++i) {
     EXPECT_EQ(values[i], static_cast<double>(z[i]) * 2.328306549295727688e-10) << i;
   }
-  EXPECT_EQ(core.state().current, (Words{1539072245, 1392410662, 630929338, 2743946990, 3212329495,
-                                         2694678887}));
+  EXPECT_EQ(core.state().current,
+            (Words{1539072245, 1392410662, 630929338, 2743946990, 3212329495, 2694678887}));
 }
 
 TEST(Mrg32k3a, TwoStepDrawsAreThePublishedIncreasedPrecision) {
@@ -147,14 +147,14 @@ TEST(Mrg32k3a, DrawsOfStreamsAndSubstreamsAreThePublishedOnes) {
   expectPublished({std::accumulate(values.begin() + 1, values.end(), 0.0)},
                   {"published", "g3", "sum", "of", "u", "number", "2", "to", "101"});
   third.setSubstream(4);
-  expectPublished(draw(third, 5), {"published", "g3", "substream", "4", "(zero-based)", "first",
-                                   "5", "u"});
+  expectPublished(draw(third, 5),
+                  {"published", "g3", "substream", "4", "(zero-based)", "first", "5", "u"});
 
   mrg32k3a second(0, 1, true);
   const auto doubles = draw(second, 100000);
-  expectPublished({std::accumulate(doubles.begin(), doubles.end(), 0.0)},
-                  {"published", "g2", "sum", "of", "the", "first", "100000", "two-draw",
-                   "doubles"});
+  expectPublished(
+      {std::accumulate(doubles.begin(), doubles.end(), 0.0)},
+      {"published", "g2", "sum", "of", "the", "first", "100000", "two-draw", "doubles"});
 }
 
 TEST(Mrg32k3a, SeedsFillAllWordsBelowTheirModuli) {
