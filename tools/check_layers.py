@@ -23,8 +23,8 @@ LAYERS = {
     "language": "host embedded_host",
     # The one place where the library and the embedded host meet.
     "runtime": "tfl_rng host errors plugin_rng rng vmstate builtins embedded_host language",
-    "cpp": "host rng runtime",
-    "c": "host rng runtime cpp",
+    "cpp": "tfl_rng host rng",
+    "c": "tfl_rng host rng cpp",
     "shell": "tfl_rng host rng embedded_host language runtime",
     "python": "host rng runtime cpp c",
     "examples": "host rng runtime cpp c",
@@ -41,6 +41,8 @@ THIRD_PARTY = {
     "histedit.h": "shell",
     "hwy/": "tfl_rng rng embedded_host benchmarks tests",
     "oneapi/": "plugin_rng/parallel_fill.h tests",
+    # The C++ and C interfaces, as installed.
+    "tvmathrng/": "cpp c python examples benchmarks tests",
     "tbb/": "plugin_rng/parallel_fill.h tests",
     "toml++/": "embedded_host tests",
     "benchmark/": "benchmarks",

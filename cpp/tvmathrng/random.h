@@ -1,0 +1,8 @@
+#pragma once
+
+// All of the C++ interface.
+
+#include <tvmathrng/bits.h>
+#include <tvmathrng/error.h>
+#include <tvmathrng/stream.h>
+#include <tvmathrng/values.h>

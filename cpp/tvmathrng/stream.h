@@ -1,0 +1,271 @@
+#pragma once
+
+// A random-number stream for C++ programs: a thin face of the library's stream class, with the
+// draws of rand, randn, randi and randperm of the host language.
+
+#include <algorithm>
+#include <array>
+#include <complex>
+#include <concepts>
+#include <cstddef>
+#include <cstdint>
+#include <memory>
+#include <span>
+#include <string>
+#include <string_view>
+#include <type_traits>
+#include <vector>
+
+#include <tvmathrng/error.h>
+#include <tvmathrng/values.h>
+
+#include "rng/mr_functions.h"
+
+namespace tvmathrng {
+
+template <class T, class... Choice>
+concept OneOf = (std::same_as<T, Choice> || ...);
+
+/// What uniforms are made of.
+template <class T>
+concept Real = OneOf<T, double, float>;
+
+/// What normals are made of. A complex normal has variance 1, half of it in each part.
+template <class T>
+concept RealOrComplex = Real<T> || OneOf<T, std::complex<double>, std::complex<float>>;
+
+/// What integers() fills. 64-bit integers hold the same values as doubles, below 2^53 in magnitude.
+template <class T>
+concept Integer = OneOf<T, std::int8_t, std::uint8_t, std::int16_t, std::uint16_t, std::int32_t,
+                        std::uint32_t, std::int64_t, std::uint64_t, bool, double, float>;
+
+/// What permutation() and sample() return: types that hold every whole number below 2^53.
+template <class T>
+concept Position = OneOf<T, double, std::int64_t, std::uint64_t>;
+
+/// The names of all generators.
+inline std::span<char const* const> generators() noexcept {
+  static constexpr char const* kNames[] = {
+#define TFL_GENERATOR(name, core, otherSpelling, family, stateClass, stateLen, native, period) \
+#name,
+#include "tfl_rng/generators.def"
+#undef TFL_GENERATOR
+  };
+  return kNames;
+}
+
+/// A source of random numbers. It belongs to one thread at a time; threads that share work take a
+/// substream each, see at_substream(). Numbers of draws are exact and do not depend on how a
+/// request is divided over calls, but for normals made in pairs or by rejection.
+class Stream {
+ public:
+  /// The first stream of a generator. Errors: create:UnknownRNGType.
+  explicit Stream(std::string const& generator, Seed seed = Seed{0})
+      : Stream(generator, seed, StreamIndex{0}, StreamCount{1}) {}
+
+  /// One of several streams of a seed, which do not overlap. Errors: create:UnknownRNGType and
+  /// those of the generator, which may have one stream only.
+  Stream(std::string const& generator, Seed seed, StreamIndex index, StreamCount count)
+      : stream_(detail::withErrors([&] {
+          return mrCreateRNGStream(generator.c_str(), count.value(), index.value(), seed.value(),
+                                   nullptr, 0);
+        })) {}
+
+  /// @name Uniform values of the open interval (0,1): one draw each.
+  ///@{
+  template <Real T = double>
+  T uniform() {
+    T value;
+    uniform(std::span<T>(&value, 1));
+    return value;
+  }
+  void uniform(std::span<double> out) { fillUniform(out); }
+  void uniform(std::span<float> out) { fillUniform(out); }
+  template <Real T = double>
+  std::vector<T> uniform(std::size_t n) {
+    std::vector<T> values(n);
+    fillUniform(std::span<T>(values));
+    return values;
+  }
+  ///@}
+
+  /// @name Standard normal values, by the stream's normal_method().
+  ///@{
+  template <RealOrComplex T = double>
+  T normal() {
+    T value;
+    normal(std::span<T>(&value, 1));
+    return value;
+  }
+  void normal(std::span<double> out) { fillNormal(out.data(), out.size(), false); }
+  void normal(std::span<float> out) { fillNormal(out.data(), out.size(), false); }
+  void normal(std::span<std::complex<double>> out) { fillComplexNormal(out); }
+  void normal(std::span<std::complex<float>> out) { fillComplexNormal(out); }
+  template <RealOrComplex T = double>
+  std::vector<T> normal(std::size_t n) {
+    std::vector<T> values(n);
+    normal(std::span<T>(values));
+    return values;
+  }
+  ///@}
+
+  /// @name Whole numbers from limits.lowest to limits.highest: one draw each.
+  /// Errors: randi:invalidLimits, randi:LimitsTooLarge, randi:RangeTooLarge.
+  ///@{
+  template <Integer T>
+  T integer(Limits<std::type_identity_t<T>> limits) {
+    T value;
+    integers<T>(limits, std::span<T>(&value, 1));
+    return value;
+  }
+  template <Integer T>
+  void integers(Limits<std::type_identity_t<T>> limits, std::span<T> out) {
+    auto const lowest = static_cast<double>(limits.lowest);
+    auto const highest = static_cast<double>(limits.highest);
+    detail::withErrors([&] {
+      if constexpr (OneOf<T, std::int64_t, std::uint64_t>) {
+        fillThroughDoubles(out, [&](double* chunk, std::size_t n) {
+          stream_->randiFcn(lowest, highest, chunk, n);
+        });
+      } else {
+        stream_->randiFcn(lowest, highest, out.data(), out.size());
+      }
+    });
+  }
+  template <Integer T>
+  requires(!std::same_as<T, bool>) std::vector<T> integers(Limits<std::type_identity_t<T>> limits,
+                                                           std::size_t n) {
+    std::vector<T> values(n);
+    integers<T>(limits, std::span<T>(values));
+    return values;
+  }
+  ///@}
+
+  /// The numbers 1 to n in random order, n the size of `out`: n draws.
+  void permutation(std::span<double> out) {
+    detail::withErrors([&] { stream_->randpermFcn(out.data(), out.size()); });
+  }
+  template <Position T = std::uint64_t>
+  std::vector<T> permutation(std::size_t n) {
+    return positions<T>(n, [this](std::span<double> out) { permutation(out); });
+  }
+
+  /// Distinct numbers of 1 to `population` in random order, as many as `out` holds, with a number
+  /// of draws that depends on both sizes. Errors: randperm:inputKTooLarge, randperm:inputNTooLarge.
+  void sample(std::span<double> out, Population population) {
+    detail::withErrors([&] {
+      stream_->randkpermFcn(out.data(), out.size(), static_cast<double>(population.value()));
+    });
+  }
+  template <Position T = std::uint64_t>
+  std::vector<T> sample(std::size_t n, Population population) {
+    return positions<T>(n, [&](std::span<double> out) { sample(out, population); });
+  }
+
+  /// A stream of its own with this one's generator and settings, at the start of substream k:
+  /// what work item k draws from, whoever works on it. Errors: set:SubstreamsNotSupported.
+  Stream at_substream(Substream k) const {
+    Stream item = twin();
+    item.set_substream(k);
+    return item;
+  }
+
+  /// Moves to the start of substream k. Errors: set:SubstreamsNotSupported.
+  void set_substream(Substream k) {
+    detail::withErrors([&] { stream_->setSubstream(k.value()); });
+  }
+  Substream substream() const {
+    return detail::withErrors([&] { return Substream{stream_->getSubstream()}; });
+  }
+
+  /// Back to the start of the stream, or to that of another seed. Settings stay.
+  void reset() { reset(seed()); }
+  void reset(Seed seed) {
+    detail::withErrors([&] { stream_->reset(seed.value()); });
+  }
+  /// Passes over n draws: in microseconds where the generator has substreams, else by drawing them.
+  void advance(std::uint64_t n) {
+    detail::withErrors([&] { stream_->advance(n); });
+  }
+
+  std::string_view generator() const noexcept { return stream_->generatorType(); }
+  Seed seed() const noexcept { return Seed{stream_->seed()}; }
+  StreamIndex index() const noexcept { return StreamIndex{stream_->streamIndex()}; }
+  StreamCount count() const noexcept { return StreamCount{stream_->numStreams()}; }
+
+  /// "Ziggurat", "Polar" or "Inversion". Errors: set:UnknownRandnAlg.
+  void set_normal_method(std::string const& name) {
+    detail::withErrors([&] { stream_->setRandnAlg(name.c_str()); });
+  }
+  std::string_view normal_method() const noexcept { return stream_->getRandnAlg(); }
+  /// Draws 1 - u for u, -z for z.
+  void set_antithetic(bool on) noexcept { stream_->setAntithetic(on); }
+  bool antithetic() const noexcept { return stream_->antithetic(); }
+  /// Off: some generators make a double of fewer bits, in less time.
+  void set_full_precision(bool on) {
+    detail::withErrors([&] { stream_->setFullPrecision(on); });
+  }
+  bool full_precision() const noexcept { return stream_->fullPrecision(); }
+
+  /// The library's own object, for what this face leaves out.
+  randstream& native() noexcept { return *stream_; }
+  randstream const& native() const noexcept { return *stream_; }
+
+ private:
+  // Another stream with this one's settings and generator state.
+  Stream twin() const {
+    Stream copy(stream_->generatorType(), seed(), index(), count());
+    detail::withErrors([&] {
+      std::vector<std::byte> state(stream_->getStateBufLen());
+      stream_->getStateBuf(state.data(), state.size());
+      copy.stream_->setFullPrecision(full_precision());
+      copy.stream_->setRandnAlg(stream_->getRandnAlg());
+      copy.stream_->setAntithetic(antithetic());
+      copy.stream_->setStateBuf(state.data(), state.size());
+    });
+    return copy;
+  }
+
+  template <class T>
+  void fillUniform(std::span<T> out) {
+    detail::withErrors([&] { stream_->randuFcn(out.data(), out.size()); });
+  }
+  template <class T>
+  void fillNormal(T* out, std::size_t n, bool halfVariance) {
+    detail::withErrors([&] { stream_->randnFcn(out, n, halfVariance); });
+  }
+  template <class T>
+  void fillComplexNormal(std::span<std::complex<T>> out) {
+    // The standard lets an array of complex numbers be used as one of their parts.
+    fillNormal(reinterpret_cast<T*>(out.data()), 2 * out.size(), true);
+  }
+
+  // Fills `out` with whole doubles, a chunk at a time; an empty one too, so that limits are
+  // checked.
+  template <class T, class Fill>
+  static void fillThroughDoubles(std::span<T> out, Fill const& fill) {
+    std::array<double, 256> chunk;
+    std::size_t at = 0;
+    do {
+      std::size_t const n = std::min(chunk.size(), out.size() - at);
+      fill(chunk.data(), n);
+      std::transform(chunk.begin(), chunk.begin() + n, out.begin() + at,
+                     [](double value) { return static_cast<T>(value); });
+      at += n;
+    } while (at < out.size());
+  }
+
+  template <class T, class Fill>
+  static std::vector<T> positions(std::size_t n, Fill const& fill) {
+    std::vector<double> values(n);
+    fill(std::span<double>(values));
+    if constexpr (std::same_as<T, double>)
+      return values;
+    else
+      return std::vector<T>(values.begin(), values.end());
+  }
+
+  std::unique_ptr<randstream> stream_;
+};
+
+}  // namespace tvmathrng

@@ -1,0 +1,116 @@
+// The C++ interface draws what the host language draws.
+
+#include <gtest/gtest.h>
+
+#include <complex>
+#include <concepts>
+#include <numeric>
+#include <string>
+#include <vector>
+
+#include <tvmathrng/random.h>
+#include "runtime/vm.h"
+
+namespace {
+
+using namespace tvmathrng;
+
+static_assert(!std::constructible_from<Stream, char const*, int>);
+static_assert(!std::constructible_from<Stream, char const*, Seed, StreamCount, StreamIndex>);
+static_assert(!std::constructible_from<Stream, char const*, Substream>);
+static_assert(std::uniform_random_bit_generator<Bits>);
+
+class EveryGenerator : public testing::TestWithParam<char const*> {
+ protected:
+  // The values that the host language gives from a new stream of seed 7.
+  template <class T>
+  std::vector<T> builtin(std::string const& draw, std::string const& settings = "") {
+    txArrayPtr const value = vm_.evaluate("s = RandStream('" + std::string(GetParam()) +
+                                          "','Seed',7); " + settings + draw);
+    T const* const first = std::as_const(*value).dataAs<T>();
+    return {first, first + value->numel()};
+  }
+  Stream stream_{GetParam(), Seed{7}};
+
+ private:
+  runtime::Vm vm_;
+};
+
+TEST_P(EveryGenerator, DrawsWhatTheBuiltinsDraw) {
+  EXPECT_EQ(stream_.uniform(5), builtin<double>("rand(s,1,5)"));
+  stream_.reset();
+  EXPECT_EQ(stream_.uniform<float>(5), builtin<float>("rand(s,1,5,'single')"));
+  stream_.reset();
+  EXPECT_EQ(stream_.normal(5), builtin<double>("randn(s,1,5)"));
+  stream_.reset();
+  EXPECT_EQ(stream_.normal<std::complex<float>>(3),
+            builtin<std::complex<float>>("randn(s,1,3,'like',single(1i))"));
+  stream_.reset();
+  EXPECT_EQ(stream_.integers<std::uint8_t>({3, 250}, 9),
+            builtin<std::uint8_t>("randi(s,[3 250],1,9,'uint8')"));
+  stream_.reset();
+  auto const wide = stream_.integers<std::int64_t>({-(1LL << 51), 1LL << 51}, 300);
+  EXPECT_EQ(std::vector<double>(wide.begin(), wide.end()),
+            builtin<double>("randi(s,[-2^51 2^51],1,300)"));
+  stream_.reset();
+  EXPECT_EQ(stream_.permutation<double>(20), builtin<double>("randperm(s,20)"));
+  stream_.reset();
+  EXPECT_EQ(stream_.sample<double>(3, Population{1000}), builtin<double>("randperm(s,1000,3)"));
+  stream_.reset(Seed{8});
+  stream_.advance(3);
+  EXPECT_EQ(stream_.uniform(2), builtin<double>("rand(s,1,2)", "reset(s,8); advance(s,3);"));
+}
+
+TEST_P(EveryGenerator, SubstreamsKeepTheSettingsAndLeaveTheirStreamAlone) {
+  stream_.set_antithetic(true);
+  stream_.set_full_precision(false);
+  stream_.set_normal_method("polar");
+  std::string const settings =
+      "s.Antithetic = true; s.FullPrecision = false; s.RandnAlg = 'polar'; s.Substream = 4;";
+  std::vector<double> normals;
+  try {
+    normals = stream_.at_substream(Substream{3}).normal(3);
+  } catch (Error const& error) {
+    EXPECT_EQ(error.identifier(), "TALVOR:RandStream:set:SubstreamsNotSupported");
+    EXPECT_EQ(error.arguments(), std::vector<Error::Argument>{GetParam()});
+    return;
+  }
+  EXPECT_EQ(normals, builtin<double>("randn(s,1,3)", settings));
+  EXPECT_EQ(stream_.uniform(3), builtin<double>("rand(s,1,3)", settings + "reset(s);"));
+}
+
+INSTANTIATE_TEST_SUITE_P(, EveryGenerator,
+                         testing::ValuesIn(generators().begin(), generators().end()),
+                         [](auto const& row) { return std::string(row.param); });
+
+TEST(Errors, CarryIdentifierArgumentsAndText) {
+  try {
+    Stream("mersenne");
+    FAIL() << "made";
+  } catch (Error const& error) {
+    EXPECT_EQ(error.identifier(), "TALVOR:RandStream:create:UnknownRNGType");
+    EXPECT_EQ(error.arguments(), std::vector<Error::Argument>{"mersenne"});
+    EXPECT_STREQ(error.what(), "There is no generator named \"mersenne\".");
+  }
+}
+
+TEST(Errors, RefusedCallsDrawNothing) {
+  Stream stream("mt19937ar");
+  EXPECT_THROW(stream.integers<int>({6, 1}, 10), Error);
+  EXPECT_THROW(stream.integers<std::int64_t>({0, 1LL << 53}, 0), Error);
+  EXPECT_THROW(stream.sample(5, Population{4}), Error);
+  EXPECT_THROW(stream.set_normal_method("box"), Error);
+  EXPECT_THROW(Stream("mt19937ar", Seed{1}, StreamIndex{1}, StreamCount{2}), Error);
+  EXPECT_EQ(stream.uniform(), 0.81472368639317894);
+}
+
+TEST(Bits, AreTheLeadingBitsOfUniforms) {
+  Stream stream("philox4x32_10", Seed{3});
+  Stream same("philox4x32_10", Seed{3});
+  Bits bits(stream);
+  std::vector<std::uint32_t> drawn(100);
+  std::generate(drawn.begin(), drawn.end(), bits);
+  EXPECT_EQ(drawn, same.integers<std::uint32_t>({0, 4294967295}, 100));
+}
+
+}  // namespace
