@@ -1,0 +1,122 @@
+#pragma once
+
+/* Random-number streams for C, and for the languages that call C (C99 and later). No exception
+ * crosses this border.
+ *
+ * Every function that can fail returns a status. After a failure tvrng_error_identifier() and
+ * tvrng_error_text() tell, in the same thread, what was wrong; a call refused for its arguments has
+ * drawn nothing and changed nothing. Sizes stand before the memory that they are the size of, in
+ * elements; memory of no elements may be a null pointer. A stream is used by one thread at a time.
+ * Indices count from 0. */
+
+#include <stddef.h>
+#include <stdint.h>
+
+#if defined(__GNUC__)
+#define TVRNG_API __attribute__((visibility("default")))
+#else
+#define TVRNG_API
+#endif
+
+#ifdef __cplusplus
+extern "C" {
+#endif
+
+/** One source of random numbers. */
+typedef struct tvrng_stream tvrng_stream;
+
+typedef enum tvrng_status {
+  TVRNG_OK = 0,
+  TVRNG_ERROR = 1,        /**< See tvrng_error_identifier(). */
+  TVRNG_OUT_OF_MEMORY = 2 /**< The same, where memory was missing. */
+} tvrng_status;
+
+/** @name Errors
+ * Of the last call of this thread that failed; empty texts before. The texts stay until the next
+ * failure. Beyond the identifiers of the library there is "TALVOR:c:NullPointer".
+ * @{ */
+TVRNG_API char const* tvrng_error_identifier(void);
+TVRNG_API char const* tvrng_error_text(void);
+/** @} */
+
+/** @name Generators
+ * @{ */
+TVRNG_API size_t tvrng_generator_count(void);
+/** The name of generator i; a null pointer from tvrng_generator_count() on. */
+TVRNG_API char const* tvrng_generator_name(size_t i);
+/** @} */
+
+/** @name Making streams
+ * @{ */
+/** Makes stream `index` of the `count` streams that a generator has for a seed; 0 of 1 is the usual
+ * one. On failure *stream is a null pointer. */
+TVRNG_API tvrng_status tvrng_create(char const* generator, uint32_t seed, uint64_t index,
+                                    uint64_t count, tvrng_stream** stream);
+/** Makes a stream of its own with the settings of `stream`, at the start of substream k: what work
+ * item k draws from. */
+TVRNG_API tvrng_status tvrng_at_substream(tvrng_stream const* stream, uint64_t k,
+                                          tvrng_stream** item);
+/** Ends a stream; a null pointer is none. */
+TVRNG_API void tvrng_destroy(tvrng_stream* stream);
+/** @} */
+
+/** @name Drawing
+ * Each fills out[0, n).
+ * @{ */
+/** Uniform values of the open interval (0,1). */
+TVRNG_API tvrng_status tvrng_uniform(tvrng_stream* stream, size_t n, double* out);
+TVRNG_API tvrng_status tvrng_uniform_float(tvrng_stream* stream, size_t n, float* out);
+/** Standard normal values. */
+TVRNG_API tvrng_status tvrng_normal(tvrng_stream* stream, size_t n, double* out);
+TVRNG_API tvrng_status tvrng_normal_float(tvrng_stream* stream, size_t n, float* out);
+/** n complex normal values of variance 1: 2n numbers, real and imaginary parts in turn. */
+TVRNG_API tvrng_status tvrng_normal_complex(tvrng_stream* stream, size_t n, double* out);
+TVRNG_API tvrng_status tvrng_normal_complex_float(tvrng_stream* stream, size_t n, float* out);
+/** Whole numbers from `lowest` to `highest`, both whole and below 2^53 in magnitude; where a type
+ * cannot hold a value it takes the nearest that it can. */
+TVRNG_API tvrng_status tvrng_integers(tvrng_stream* stream, double lowest, double highest, size_t n,
+                                      double* out);
+TVRNG_API tvrng_status tvrng_integers_float(tvrng_stream* stream, double lowest, double highest,
+                                            size_t n, float* out);
+TVRNG_API tvrng_status tvrng_integers_int8(tvrng_stream* stream, double lowest, double highest,
+                                           size_t n, int8_t* out);
+TVRNG_API tvrng_status tvrng_integers_uint8(tvrng_stream* stream, double lowest, double highest,
+                                            size_t n, uint8_t* out);
+TVRNG_API tvrng_status tvrng_integers_int16(tvrng_stream* stream, double lowest, double highest,
+                                            size_t n, int16_t* out);
+TVRNG_API tvrng_status tvrng_integers_uint16(tvrng_stream* stream, double lowest, double highest,
+                                             size_t n, uint16_t* out);
+TVRNG_API tvrng_status tvrng_integers_int32(tvrng_stream* stream, double lowest, double highest,
+                                            size_t n, int32_t* out);
+TVRNG_API tvrng_status tvrng_integers_uint32(tvrng_stream* stream, double lowest, double highest,
+                                             size_t n, uint32_t* out);
+/** The numbers 1 to n in random order. */
+TVRNG_API tvrng_status tvrng_permutation(tvrng_stream* stream, size_t n, double* out);
+/** n distinct numbers of 1 to `population` in random order. */
+TVRNG_API tvrng_status tvrng_sample(tvrng_stream* stream, uint64_t population, size_t n,
+                                    double* out);
+/** @} */
+
+/** @name Position
+ * @{ */
+/** Back to the start of the stream of a seed. Settings stay. */
+TVRNG_API tvrng_status tvrng_reset(tvrng_stream* stream, uint32_t seed);
+TVRNG_API tvrng_status tvrng_set_substream(tvrng_stream* stream, uint64_t k);
+TVRNG_API tvrng_status tvrng_get_substream(tvrng_stream const* stream, uint64_t* k);
+/** Passes over n draws. */
+TVRNG_API tvrng_status tvrng_advance(tvrng_stream* stream, uint64_t n);
+/** @} */
+
+/** @name Settings
+ * @{ */
+/** "Ziggurat", "Polar" or "Inversion". */
+TVRNG_API tvrng_status tvrng_set_normal_method(tvrng_stream* stream, char const* name);
+/** 1 draws 1 - u for u and -z for z; 0 does not. */
+TVRNG_API tvrng_status tvrng_set_antithetic(tvrng_stream* stream, int on);
+/** 0 lets some generators make a double of fewer bits, in less time. */
+TVRNG_API tvrng_status tvrng_set_full_precision(tvrng_stream* stream, int on);
+/** @} */
+
+#ifdef __cplusplus
+} /* extern "C" */
+#endif
