@@ -2,6 +2,7 @@
 
 option(TV_TESTS "Build the tests" ON)
 option(TV_BENCHMARKS "Build the benchmarks and their peers" OFF)
+option(TV_FUZZ "Build the fuzzing programs with libFuzzer (clang)" OFF)
 option(TV_WERROR "Treat warnings as errors" ON)
 set(TV_SANITIZE "" CACHE STRING "Sanitizers, for example address;undefined")
 
@@ -35,6 +36,10 @@ if(TV_SANITIZE)
   list(JOIN TV_SANITIZE "," _sanitizers)
   add_compile_options(-fsanitize=${_sanitizers} -fno-omit-frame-pointer -g)
   add_link_options(-fsanitize=${_sanitizers})
+  if(CMAKE_CXX_COMPILER_ID STREQUAL "Clang")
+    # Its sanitizers live in the program, so that our libraries find them only when they are loaded.
+    string(APPEND CMAKE_CXX_STANDARD_LIBRARIES " -Wl,-z,undefs")
+  endif()
   if("undefined" IN_LIST TV_SANITIZE)
     add_compile_options(-fsanitize=float-cast-overflow -fno-sanitize-recover=all)
   endif()
