@@ -29,6 +29,12 @@ TV_EXPORT void resetFcn(int nlhs, txArrayPtr* plhs, int nrhs, txArray const** pr
 // advance(object, steps). Errors: advance:BadNsteps.
 TV_EXPORT void advance(int nlhs, txArrayPtr* plhs, int nrhs, txArray const** prhs);
 
+// text = snapshotFcn(object): the stream as text (rng/snapshot.h). restoreFcn(object, text) makes
+// the stream the one that a snapshot was taken of; handle = restoreFcn(text) is a new one behind a
+// new handle. Errors: those of restoreSnapshot, set:WrongNumberArgs for any other shape of call.
+TV_EXPORT void snapshotFcn(int nlhs, txArrayPtr* plhs, int nrhs, txArray const** prhs);
+TV_EXPORT void restoreFcn(int nlhs, txArrayPtr* plhs, int nrhs, txArray const** prhs);
+
 // The builtins rand, randn, randi and randperm on the object's own stream: object first, then their
 // arguments; no call is offered to other classes.
 TV_EXPORT void randstreamRand(int nlhs, txArrayPtr* plhs, int nrhs, txArray const** prhs);

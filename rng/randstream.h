@@ -117,6 +117,8 @@ class TV_EXPORT randstream {
   // The plug-in, inside the guard of a control operation: a stream without one fails there.
   TV_LOCAL plugin_rng::IPluginRNG& requiredPlugin() const;
 
+  friend class StreamContents;  // of rng/snapshot.cpp
+
   static constexpr std::size_t kNameSize = 32;
 
   char generatorType_[kNameSize];
@@ -133,7 +135,7 @@ class TV_EXPORT randstream {
   NormalGenerator normalGenerator_ = &randstream::randnZiggurat;
   char randnAlg_[kNameSize];
   bool pendingNormalValid_ = false;
-  double pendingNormal_;
+  double pendingNormal_ = 0;
 };
 
 template <>

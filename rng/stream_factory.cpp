@@ -25,19 +25,26 @@ constexpr Generator kGenerators[] = {
 #undef TFL_GENERATOR
 };
 
-plugin_rng::Factory factoryOf(char const* type) {
+Generator const* find(char const* type) noexcept {
   for (Generator const& generator : kGenerators)
-    if (generator.isCalled(type)) return generator.factory;
-  errors::raise(TALVOR::RandStream::create::UnknownRNGType(type));
+    if (generator.isCalled(type)) return &generator;
+  return nullptr;
 }
 
 }  // namespace
 
+char const* canonicalGeneratorType(char const* type) noexcept {
+  Generator const* const generator = find(type);
+  return generator ? generator->name : nullptr;
+}
+
 randstream* mrCreateRNGStream(char const* type, unsigned long numStreams, unsigned long streamIndex,
                               unsigned int seed, unsigned long* params, unsigned long nParams) {
   if (!type) type = "";
+  Generator const* const generator = find(type);
+  if (!generator) errors::raise(TALVOR::RandStream::create::UnknownRNGType(type));
   // No generator reads parameter words; only their number counts.
-  PluginOwner plugin(factoryOf(type)(numStreams, streamIndex, seed,
-                                     reinterpret_cast<double const*>(params), nParams));
+  PluginOwner plugin(generator->factory(numStreams, streamIndex, seed,
+                                        reinterpret_cast<double const*>(params), nParams));
   return makeStream(type, seed, std::move(plugin), numStreams, streamIndex).release();
 }

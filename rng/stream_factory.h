@@ -1,6 +1,6 @@
 #pragma once
 
-// Owners of a plug-in and of a stream under construction.
+// Owners of a plug-in and of a stream under construction, and the names of generators.
 
 #include <memory>
 
@@ -20,3 +20,6 @@ inline std::unique_ptr<randstream> makeStream(char const* type, unsigned int see
   (void)plugin.release();
   return stream;
 }
+
+// The canonical name of the generator that mrCreateRNGStream makes for `type`; null for none.
+char const* canonicalGeneratorType(char const* type) noexcept;

@@ -90,13 +90,17 @@ struct Identity {
   txArrayPtr streamIndex;
 };
 
+void store(txArray& object, Identity identity) {
+  setStoredProperty(object, "Type", std::move(identity.type));
+  setStoredProperty(object, "Seed", std::move(identity.seed));
+  setStoredProperty(object, "NumStreams", std::move(identity.numStreams));
+  setStoredProperty(object, "StreamIndex", std::move(identity.streamIndex));
+}
+
 txArrayPtr makeStreamObject(Loaded const& loaded, txArrayPtr handle, Identity identity) {
   HandleOwner owner(std::move(handle));
   txArrayPtr object = embedded_host::makeObject(loaded.vm->classes().find(kClassName));
-  setStoredProperty(*object, "Type", std::move(identity.type));
-  setStoredProperty(*object, "Seed", std::move(identity.seed));
-  setStoredProperty(*object, "NumStreams", std::move(identity.numStreams));
-  setStoredProperty(*object, "StreamIndex", std::move(identity.streamIndex));
+  store(*object, std::move(identity));
   setStoredProperty(*object, kHandle, owner.take());
   return object;
 }
@@ -186,6 +190,22 @@ void reset(int nlhs, txArrayPtr* plhs, int nrhs, txArray const** prhs) {
   setStoredProperty(*object, "Seed", std::move(seed));
 }
 
+// What an object tells of a stream.
+Identity identityOf(randstream const& stream, txArrayPtr type) {
+  return {std::move(type), makeScalar(std::uint32_t{stream.seed()}),
+          makeScalar(std::uint64_t{stream.numStreams()}),
+          makeScalar(std::uint64_t{stream.streamIndex() + 1})};
+}
+
+// restore(s, x): the object tells of the stream that the snapshot was taken of.
+void restore(int nlhs, txArrayPtr* plhs, int nrhs, txArray const** prhs) {
+  errors::checkCounts(nlhs, 0, nrhs, 2, 2);
+  RandStream::restoreFcn(nlhs, plhs, nrhs, prhs);
+  txArrayPtr const object = txShare(*prhs[0]);
+  store(*object,
+        identityOf(*mrGetCPPRandStreamFromTxArray(prhs[0]), txGetProperty(*object, "Type")));
+}
+
 // delete(s): the object stays behind without a stream. Deleting it again does nothing.
 void deleteObject(Loaded& loaded, int nlhs, int nrhs, txArray const** prhs) {
   errors::checkCounts(nlhs, 0, nrhs, 1, 1);
@@ -230,6 +250,17 @@ void global(Loaded& loaded, int nlhs, txArrayPtr* plhs, int nrhs, txArray const*
   if (previous) plhs[0] = std::move(previous);
 }
 
+// RandStream.restore(x): a new stream from a snapshot.
+void createRestored(Loaded const& loaded, int nlhs, txArrayPtr* plhs, int nrhs,
+                    txArray const** prhs) {
+  errors::checkCounts(nlhs, 1, nrhs, 1, 1);
+  txArrayPtr handle;
+  RandStream::restoreFcn(1, &handle, nrhs, prhs);
+  plhs[0] = makeStreamObject(loaded, std::move(handle), {});
+  randstream const& stream = *mrGetCPPRandStreamFromTxArray(plhs[0].get());
+  store(*plhs[0], identityOf(stream, txCreateText(std::string_view(stream.generatorType()))));
+}
+
 // RandStream.list(): the names of the generators.
 void list(int nlhs, txArrayPtr* plhs, int nrhs, txArray const** /*prhs*/) {
   errors::checkCounts(nlhs, 1, nrhs, 0, 0);
@@ -271,6 +302,8 @@ void addRandStreamClass(SharedLoaded const& loaded) {
       {"randperm", counted(loaded, RandStream::randperm)},
       {"reset", counted(loaded, reset)},
       {"advance", counted(loaded, RandStream::advance)},
+      {"snapshot", RandStream::snapshotFcn},
+      {"restore", counted(loaded, restore)},
       {"delete", [loaded](int nlhs, txArrayPtr*, int nrhs,
                           txArray const** prhs) { deleteObject(*loaded, nlhs, nrhs, prhs); }},
   };
@@ -279,6 +312,10 @@ void addRandStreamClass(SharedLoaded const& loaded) {
                           txArray const** prhs) { global(*loaded, nlhs, plhs, nrhs, prhs); }},
       {"default", setDefaultRandStream},
       {"list", list},
+      {"restore",
+       [loaded](int nlhs, txArrayPtr* plhs, int nrhs, txArray const** prhs) {
+         createRestored(*loaded, nlhs, plhs, nrhs, prhs);
+       }},
   };
   definition.destroyer = [loaded](txArray& object) {
     if (txArray const* const handle = liveHandle(object)) dropStream(*loaded, *handle);
