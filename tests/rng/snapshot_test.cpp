@@ -118,7 +118,7 @@ TEST(Snapshots, RefusalsSayWhatIsWrongAndChangeNothing) {
   Stream const stream = make("mrg32k3a");
   stream->setRandnAlg("Inversion");
   std::string const text = takeSnapshot(*stream);
-  for (auto const& [changed, identifier] : std::vector<std::pair<std::string, char const*>>{
+  for (auto const& row : std::vector<std::pair<std::string, char const*>>{
            {"", "NotASnapshot"},
            {"tvmathrng-snapshot x\n", "NotASnapshot"},
            {text.substr(0, 200), "Truncated"},
@@ -126,8 +126,8 @@ TEST(Snapshots, RefusalsSayWhatIsWrongAndChangeNothing) {
            {text + "0", "Damaged"},
            {text + " \r\n\n", "no error"},
            {"tvmathrng-snapshot 2\nwhatever comes then\n", "OtherVersion"}})
-    EXPECT_THAT(identifierOf([&] { restoreSnapshot(*stream, changed); }),
-                testing::EndsWith(identifier));
+    EXPECT_THAT(identifierOf([&] { restoreSnapshot(*stream, row.first); }),
+                testing::EndsWith(row.second));
 
   constexpr char kState[] = "00000007 00000000";
   Refusal const rows[] = {
@@ -155,13 +155,14 @@ TEST(Snapshots, RefusalsSayWhatIsWrongAndChangeNothing) {
 
   std::size_t const state = text.find("component uint32 12\n") + 20;
   std::string const first = text.substr(state, text.find('\n', state) - state);
-  for (auto const& [by, identifier] : std::vector<std::pair<std::string, char const*>>{
+  for (auto const& row : std::vector<std::pair<std::string, char const*>>{
            {"ffffffff" + first.substr(8), "TALVOR:RandStream:mrg32k3a:InvalidState"},
            {first.substr(1), "TALVOR:RandStream:snapshot:InvalidLine"},
            {first + " ", "TALVOR:RandStream:snapshot:InvalidLine"},
            {first + "\n" + first, "TALVOR:RandStream:snapshot:InvalidLine"},
            {"0000000g" + first.substr(8), "TALVOR:RandStream:snapshot:InvalidLine"}})
-    EXPECT_EQ(identifierOf([&] { restoreSnapshot(*stream, edited(text, first, by)); }), identifier);
+    EXPECT_EQ(identifierOf([&] { restoreSnapshot(*stream, edited(text, first, row.first)); }),
+              row.second);
 
   EXPECT_EQ(takeSnapshot(*stream), text);
   EXPECT_EQ(identifierOf([&] { createFromSnapshot(edited(text, rows[0].line, rows[0].by)); }),
