@@ -39,7 +39,7 @@ void Evaluator::runAssignment(Assignment const& node) {
   if (!node.many) {
     Expression const& target = *node.targets.front();
     bool const deletes = isEmptyBrackets(*node.value) && isParenIndex(target);
-    assign(target, evaluate(*node.value), deletes);
+    assign(target, {evaluate(*node.value), node.value->span, deletes});
     std::string const root = rootOf(target);
     show(root, *session_.variable(root), node.show);
     return;
@@ -58,32 +58,32 @@ void Evaluator::runAssignment(Assignment const& node) {
       raiseFaultAt(node.value->span, "fewValues",
                    "Value " + std::to_string(i + 1) + " did not come.");
     }
-    assign(target, std::move(values[i]), false);
+    assign(target, {std::move(values[i]), node.value->span});
     std::string const root = rootOf(target);
     show(root, *session_.variable(root), node.show);
   }
 }
 
-void Evaluator::assign(Expression const& target, txArrayPtr value, bool deletes) {
+void Evaluator::assign(Expression const& target, NewValue value) {
   std::vector<Expression const*> const path = pathOf(target);
   std::string const& root = std::get<Name>(path.front()->node).name;
   std::span<Expression const* const> const steps(path.begin() + 1, path.end());
   auto const found = session_.variables_.find(root);
   if (found != session_.variables_.end()) {
-    assignPath(found->second, steps, std::move(value), deletes);
+    assignPath(found->second, steps, std::move(value));
     return;
   }
   txArrayPtr fresh;
-  assignPath(fresh, steps, std::move(value), deletes);
+  assignPath(fresh, steps, std::move(value));
   session_.setVariable(root, std::move(fresh));
 }
 
 // Stores `value` at the end of the path below `slot`, reading each part on the way, changing it and
 // writing it back.
 void Evaluator::assignPath(txArrayPtr& slot, std::span<Expression const* const> path,
-                           txArrayPtr value, bool deletes) {
+                           NewValue value) {
   if (path.empty()) {
-    slot = std::move(value);
+    slot = std::move(value.array);
     return;
   }
   Expression const& step = *path.front();
@@ -95,17 +95,21 @@ void Evaluator::assignPath(txArrayPtr& slot, std::span<Expression const* const> 
                         : std::string("There is no object here."));
     }
     auto const definition = embedded_host::classOf(*slot);
-    if (definition && !definition->findProperty(member->name)) unknownMember(*slot, *member);
+    auto const* const property = definition ? definition->findProperty(member->name) : nullptr;
+    if (definition && !property) unknownMember(*slot, *member);
+    // At fault is the value, or the name of a property that takes none.
+    bool const takesNone = property && property->readOnly;
+    SourceSpan const fault = takesNone ? member->nameSpan : value.span;
     txArrayPtr part;
     if (!last) {
       part = located(step.span, [&] { return txGetProperty(*slot, member->name); });
       if (!part) unknownMember(*slot, *member);
-      assignPath(part, path.subspan(1), std::move(value), deletes);
+      assignPath(part, path.subspan(1), std::move(value));
     } else {
-      part = std::move(value);
+      part = std::move(value.array);
     }
     auto const outer = std::exchange(session_.callInProgress_, step.span);
-    located(member->nameSpan, [&] { embedded_host::setProperty(*slot, member->name, *part); });
+    located(fault, [&] { embedded_host::setProperty(*slot, member->name, *part); });
     session_.callInProgress_ = outer;
     return;
   }
@@ -130,17 +134,19 @@ void Evaluator::assignPath(txArrayPtr& slot, std::span<Expression const* const> 
         if (parts.size() != 1) raiseFault("index", "One part was expected here.");
         part = std::move(parts.front());
       }
-      assignPath(part, path.subspan(1), std::move(value), deletes);
-      value = std::move(part);
+      bool const deletes = value.deletes;
+      SourceSpan const span = value.span;
+      assignPath(part, path.subspan(1), std::move(value));
+      value = {std::move(part), span, deletes};
       // Handles are changed where they are; only values are written back.
       if (!index.brace && slot && slot->classID() == txClassObject) return;
     }
-    if (deletes && last) {
+    if (value.deletes && last) {
       deleteElements(slot, list);
     } else if (index.brace) {
-      writeCell(slot, list, std::move(value));
+      writeCell(slot, list, std::move(value.array));
     } else {
-      writeElements(slot, list, *value);
+      writeElements(slot, list, *value.array);
     }
   } catch (...) {
     rethrowLocated(step.span, arguments.spans);

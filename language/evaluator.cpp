@@ -31,21 +31,23 @@ Evaluator::Flow Evaluator::runBlock(Block const& block) {
 Evaluator::Flow Evaluator::runStatement(Statement const& statement) {
   checkInterrupt(statement.span);
   ends_.clear();
-  return std::visit(Overloaded{[&](ExpressionStatement const& node) {
-                                 runExpression(node);
-                                 return Flow::next;
-                               },
-                               [&](Assignment const& node) {
-                                 runAssignment(node);
-                                 return Flow::next;
-                               },
-                               [&](If const& node) { return runIf(node); },
-                               [&](For const& node) { return runFor(node); },
-                               [&](While const& node) { return runWhile(node); },
-                               [&](Try const& node) { return runTry(node); },
-                               [](Break const&) { return Flow::breakLoop; },
-                               [](Continue const&) { return Flow::continueLoop; }},
-                    statement.node);
+  return located(statement.span, [&] {
+    return std::visit(Overloaded{[&](ExpressionStatement const& node) {
+                                   runExpression(node);
+                                   return Flow::next;
+                                 },
+                                 [&](Assignment const& node) {
+                                   runAssignment(node);
+                                   return Flow::next;
+                                 },
+                                 [&](If const& node) { return runIf(node); },
+                                 [&](For const& node) { return runFor(node); },
+                                 [&](While const& node) { return runWhile(node); },
+                                 [&](Try const& node) { return runTry(node); },
+                                 [](Break const&) { return Flow::breakLoop; },
+                                 [](Continue const&) { return Flow::continueLoop; }},
+                      statement.node);
+  });
 }
 
 bool Evaluator::isTrueAt(Expression const& condition) {

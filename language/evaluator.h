@@ -83,9 +83,14 @@ class Evaluator {
 
   // Assignments (assignment.cpp).
   void runAssignment(Assignment const& node);
-  void assign(Expression const& target, txArrayPtr value, bool deletes);
-  void assignPath(txArrayPtr& slot, std::span<Expression const* const> path, txArrayPtr value,
-                  bool deletes);
+  // What is assigned, and where it stands in the source.
+  struct NewValue {
+    txArrayPtr array;
+    SourceSpan span;
+    bool deletes = false;
+  };
+  void assign(Expression const& target, NewValue value);
+  void assignPath(txArrayPtr& slot, std::span<Expression const* const> path, NewValue value);
   static Subscripts subscripts(Arguments const& arguments);
 
   Session& session_;

@@ -86,8 +86,10 @@ txArrayPtr Vm::call(std::string_view name, std::initializer_list<txArray const*>
 
 txArrayPtr Vm::evaluate(std::string_view source, language::Output* output) {
   embedded_host::EnterVm const inside(*context_);
-  if (!session_) session_ = std::make_unique<EvaluationSession>(*context_);
-  return session_->run(source, output);
+  return language::located({0, static_cast<std::uint32_t>(source.size())}, [&] {
+    if (!session_) session_ = std::make_unique<EvaluationSession>(*context_);
+    return session_->run(source, output);
+  });
 }
 
 std::uint64_t Vm::streamActivity() const noexcept { return loaded_->streamActivity; }

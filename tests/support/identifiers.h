@@ -4,6 +4,7 @@
 
 #include <gtest/gtest.h>
 
+#include <concepts>
 #include <string>
 
 #include "host/except.h"
@@ -21,20 +22,25 @@ std::string identifierOf(Action&& action) {
   return "no error";
 }
 
-// The arguments that travel with the error, as texts joined by "|".
-template <class Action>
-std::string argumentsOf(Action&& action) {
+// The arguments that travel with an error, as texts joined by "|".
+inline std::string argumentsOf(foundation::core::except::MessageId const& id) {
   std::string joined;
+  for (auto const& argument : id.arguments()) {
+    if (!joined.empty()) joined += '|';
+    auto const* text = std::get_if<std::string>(&argument);
+    joined += text ? *text : std::to_string(std::get<double>(argument));
+  }
+  return joined;
+}
+// The same of the error that `action` raises, "" when it raises none.
+template <std::invocable Action>
+std::string argumentsOf(Action&& action) {
   try {
     action();
   } catch (foundation::core::except::AnyException const& error) {
-    for (auto const& argument : error.GetBaseMsgIDObj().arguments()) {
-      if (!joined.empty()) joined += '|';
-      auto const* text = std::get_if<std::string>(&argument);
-      joined += text ? *text : std::to_string(std::get<double>(argument));
-    }
+    return argumentsOf(error.GetBaseMsgIDObj());
   }
-  return joined;
+  return "";
 }
 
 }  // namespace testing_support
