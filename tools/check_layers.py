@@ -31,6 +31,7 @@ LAYERS = {
     "python": "host rng runtime cpp c",
     "examples": "host rng runtime cpp c",
     "benchmarks": "*",
+    "fuzz": "*",
     "tests": "*",
 }
 
