@@ -2,6 +2,8 @@
 
 #include <fmt/format.h>
 
+#include <algorithm>
+
 namespace shell {
 
 char const kUsage[] =
@@ -9,6 +11,7 @@ char const kUsage[] =
     "       tvrng [options] FILE          runs a program; - is standard input\n"
     "       tvrng [options] -e TEXT ...   runs the texts in one session and shows the last value\n"
     "       tvrng stream [options]        writes random numbers; see tvrng stream --help\n"
+    "       tvrng doctor                  checks the numbers that this machine draws\n"
     "\n"
     "  -e, --eval TEXT  a program; may be given several times\n"
     "  -i, --interactive  as at the prompt, also when standard input is a pipe: statements are\n"
@@ -21,11 +24,29 @@ char const kUsage[] =
     "\n"
     "Exit status: 0, 1 for an error in the program, 2 for wrong use of the command.\n";
 
+namespace {
+
+struct Command {
+  std::string_view name;
+  Invocation::Action action;
+};
+constexpr Command kCommands[] = {{"stream", Invocation::Action::stream},
+                                 {"doctor", Invocation::Action::doctor}};
+
+Command const* findCommand(std::string_view word) {
+  auto const* const found = std::ranges::find(kCommands, word, &Command::name);
+  return found == std::end(kCommands) ? nullptr : found;
+}
+
+}  // namespace
+
+bool isCommand(std::string_view word) { return findCommand(word) != nullptr; }
+
 Invocation parseCommandLine(std::vector<std::string> const& words, bool inputIsTerminal) {
   Invocation invocation;
   bool onlyFiles = false;
-  if (!words.empty() && words.front() == "stream") {
-    invocation.action = Invocation::Action::stream;
+  if (Command const* const command = words.empty() ? nullptr : findCommand(words.front())) {
+    invocation.action = command->action;
     invocation.rest.assign(words.begin() + 1, words.end());
     return invocation;
   }

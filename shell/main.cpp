@@ -8,6 +8,7 @@
 
 #include "language/limits.h"
 #include "shell/command_line.h"
+#include "shell/doctor_command.h"
 #include "shell/interpreter.h"
 #include "shell/prompt.h"
 #include "shell/stream_command.h"
@@ -75,6 +76,8 @@ int runInvocation(Invocation const& invocation) {
       return 0;
     case Invocation::Action::stream:
       return shell::runStreamCommand(invocation.rest);
+    case Invocation::Action::doctor:
+      return shell::runDoctorCommand(invocation.rest);
     case Invocation::Action::prompt: {
       Interpreter interpreter(invocation.quiet ? Interpreter::Echo::none : Interpreter::Echo::all);
       if (invocation.longNumbers) interpreter.style().digits = 15;
@@ -98,9 +101,9 @@ int main(int count, char** words) {
     }
     return status;
   } catch (shell::UsageError const& error) {
-    bool const ofStream = count > 1 && std::strcmp(words[1], "stream") == 0;
-    std::fprintf(stderr, "tvrng: %s\n       tvrng %s--help tells what there is\n", error.what(),
-                 ofStream ? "stream " : "");
+    bool const ofCommand = count > 1 && shell::isCommand(words[1]);
+    std::fprintf(stderr, "tvrng: %s\n       tvrng %s%s--help tells what there is\n", error.what(),
+                 ofCommand ? words[1] : "", ofCommand ? " " : "");
     return kWrongUse;
   } catch (std::exception const& error) {
     std::fprintf(stderr, "tvrng: %s\n", error.what());

@@ -1,0 +1,242 @@
+#include "golden/cases.h"
+
+#include <cmath>
+#include <cstring>
+#include <iterator>
+#include <string>
+#include <vector>
+
+#include "embedded_host/array.h"
+#include "rng/ziggurat_tables.h"
+#include "runtime/vm.h"
+#include "tfl_rng/core_ziggurat_tables.h"
+#include "tfl_rng/elementary.h"
+#include "tfl_rng/normal_quantile.h"
+#include "tfl_rng/ziggurat128.h"
+
+namespace golden {
+
+namespace {
+
+constexpr char kLegacy[] = "legacy";
+constexpr char kLibrary[] = "library";
+
+constexpr char const* kGenerators[] = {
+#define TFL_GENERATOR(name, ...) #name,
+#include "tfl_rng/generators.def"
+#undef TFL_GENERATOR
+    kLegacy, kLibrary};
+
+// Whom a case is for.
+enum Family : unsigned { kSingle = 1, kSubstreams = 2, kOld = 4 };
+constexpr unsigned kOwn = kSingle | kSubstreams;
+constexpr unsigned kAll = kOwn | kOld;
+
+// A program of the host language whose value is hashed. Before it, s is a stream that has drawn a
+// little, so that no block of a generator begins where the draws do; n is long enough for every
+// branch of the methods for normals to be taken, `large` for every generator's parallel fill.
+struct Case {
+  char const* name;
+  unsigned families;
+  char const* program;
+};
+
+constexpr Case kCases[] = {
+    {"rand", kAll, "rand(s,1,n)"},
+    {"rand-single", kAll, "rand(s,1,n,'single')"},
+    {"rand-complex", kAll, "rand(s,1,n,'like',1i)"},
+    {"rand-single-complex", kAll, "rand(s,1,n,'like',single(1i))"},
+    {"rand-antithetic", kAll, "s.Antithetic = true; rand(s,1,n)"},
+    {"rand-antithetic-single", kAll, "s.Antithetic = true; rand(s,1,n,'single')"},
+    {"rand-reduced", kOwn, "s.FullPrecision = false; rand(s,1,n)"},
+    {"rand-reduced-single", kOwn, "s.FullPrecision = false; rand(s,1,n,'single')"},
+    {"rand-reduced-antithetic", kOwn, "s.FullPrecision = false; s.Antithetic = true; rand(s,1,n)"},
+    {"rand-pieces", kAll,
+     "[rand(s,1,1) rand(s,1,100) rand(s,1,101) rand(s,1,1023) rand(s,1,1025)]"},
+    {"rand-large", kAll, "rand(s,1,large)"},
+    {"rand-global", kAll, "RandStream.global(s); [rand(1,9) randn(1,9) randi(9,1,9) randperm(9)]"},
+    {"after-reset", kAll, "reset(s); [rand(s,1,n) randn(s,1,n)]"},
+    {"after-advance", kAll, "advance(s,100003); [rand(s,1,n) randn(s,1,n)]"},
+    {"after-reduced-advance", kOwn, "s.FullPrecision = false; advance(s,100003); rand(s,1,n)"},
+    {"after-far-advance", kSubstreams, "advance(s,2^50+12345); rand(s,1,n)"},
+    {"after-substream", kSubstreams, "s.Substream = 3; rand(s,1,n)"},
+    {"after-far-substream", kSubstreams,
+     "s.Substream = 2^40+7; q = rand(s,1,5); s.Substream = 2^45; rand(s,1,n)"},
+    {"after-state", kAll,
+     "q = rand(s,1,1001); x = s.State; q = randn(s,1,n); s.State = x; rand(s,1,n)"},
+    {"after-snapshot", kAll,
+     "q = randn(s); t = RandStream.restore(snapshot(s)); [randn(t,1,n) rand(t,1,n)]"},
+    {"other-seed", kOwn, "s = RandStream(type,'Seed',4294967295); [rand(s,1,n) randn(s,1,n)]"},
+    {"other-stream", kSubstreams,
+     "s = RandStream(type,'Seed',7,'NumStreams',9,'StreamIndices',9); rand(s,1,n)"},
+    {"randn", kAll, "randn(s,1,n)"},
+    {"randn-single", kAll, "randn(s,1,n,'single')"},
+    {"randn-complex", kAll, "randn(s,1,n,'like',1i)"},
+    {"randn-single-complex", kAll, "randn(s,1,n,'like',single(1i))"},
+    {"randn-antithetic", kAll, "s.Antithetic = true; randn(s,1,n)"},
+    {"randn-antithetic-complex", kAll, "s.Antithetic = true; randn(s,1,n,'like',1i)"},
+    {"randn-reduced", kOwn, "s.FullPrecision = false; randn(s,1,n)"},
+    {"randn-large", kAll, "randn(s,1,large)"},
+    {"randn-ziggurat", kOwn, "s.RandnAlg = 'Ziggurat'; randn(s,1,n)"},
+    {"randn-ziggurat-single", kOwn, "s.RandnAlg = 'Ziggurat'; randn(s,1,n,'single')"},
+    {"randn-ziggurat-reduced", kOwn,
+     "s.RandnAlg = 'Ziggurat'; s.FullPrecision = false; randn(s,1,n)"},
+    {"randn-polar", kOwn, "s.RandnAlg = 'Polar'; randn(s,1,n)"},
+    {"randn-polar-pieces", kOwn,
+     "s.RandnAlg = 'Polar'; [randn(s,1,1) randn(s,1,2) randn(s,1,101) randn(s,1,n)]"},
+    {"randn-polar-reduced", kOwn, "s.RandnAlg = 'Polar'; s.FullPrecision = false; randn(s,1,n)"},
+    {"randn-inversion", kOwn, "s.RandnAlg = 'Inversion'; randn(s,1,n)"},
+    {"randn-inversion-single", kOwn, "s.RandnAlg = 'Inversion'; randn(s,1,n,'single')"},
+    {"randn-inversion-reduced", kOwn,
+     "s.RandnAlg = 'Inversion'; s.FullPrecision = false; randn(s,1,n)"},
+    {"randi-double", kAll, "randi(s,[-2^51 2^51],1,n)"},
+    {"randi-single", kAll, "randi(s,[0 2^25],1,n,'single')"},
+    {"randi-logical", kAll, "randi(s,[0 1],1,n,'logical')"},
+    {"randi-int8", kAll, "randi(s,[-200 200],1,n,'int8')"},
+    {"randi-uint8", kAll, "randi(s,[-3 300],1,n,'uint8')"},
+    {"randi-int16", kAll, "randi(s,[-40000 40000],1,n,'int16')"},
+    {"randi-uint16", kAll, "randi(s,[0 65535],1,n,'uint16')"},
+    {"randi-int32", kAll, "randi(s,[-2^31 2^31-1],1,n,'int32')"},
+    {"randi-uint32", kAll, "randi(s,[0 2^32-1],1,n,'uint32')"},
+    {"randi-antithetic", kAll, "s.Antithetic = true; randi(s,6,1,n)"},
+    {"randi-reduced", kOwn, "s.FullPrecision = false; randi(s,1000003,1,n)"},
+    {"randperm", kAll, "randperm(s,n)"},
+    {"randperm-large", kAll, "randperm(s,large)"},
+    {"randperm-shuffle", kAll, "randperm(s,n,n)"},
+    {"randperm-sparse", kAll, "[randperm(s,n,1000) randperm(s,2^52,1000)]"},
+    {"randperm-selection", kAll, "randperm(s,n,6000)"},
+    {"seed-state", kOld, "rand('seed',5); q = rand; [rand('seed') rand(1,n)]"},
+    {"state-state", kOld, "rand('state',5); q = rand; [rand('state')' rand(1,n)]"},
+    {"twister-state", kOld, "rand('twister',5); q = rand; [double(rand('twister')') rand(1,n)]"},
+    {"seed-normals", kOld, "randn('seed',5); q = randn; [randn('seed') randn(1,n)]"},
+    {"state-normals", kOld, "randn('state',5); q = randn; [randn('state')' randn(1,n)]"},
+};
+
+constexpr char kBegin[] =
+    "n = 10007; large = 150001; s = RandStream(type,'Seed',7,'NumStreams',4,'StreamIndices',2);"
+    "q = rand(s,1,3);";
+constexpr char kBeginSingle[] =
+    "n = 10007; large = 150001; s = RandStream(type,'Seed',7); q = rand(s,1,3);";
+// Every generator of the legacy stream is seeded, and the stream's mode set, as the case before may
+// have left them otherwise.
+constexpr char kBeginLegacy[] =
+    "n = 10007; large = 150001; rand('seed',7); rand('state',7); randn('seed',7); randn('state',7);"
+    "rand('twister',7); s = RandStream.global(); s.Antithetic = false; q = rand(s,1,3);";
+
+unsigned familyOf(std::string_view generator) {
+  enum { Single = kSingle, Substreams = kSubstreams };
+#define TFL_GENERATOR(name, core, otherSpelling, family, ...) \
+  if (generator == #name) return family;
+#include "tfl_rng/generators.def"
+#undef TFL_GENERATOR
+  return kOld;
+}
+
+void computeDraws(std::string_view generator, TakeRow const& take) {
+  unsigned const family = familyOf(generator);
+  runtime::Vm vm;
+  vm.context().useSettingsFile("/");  // no file: what the user has set is of no account
+  vm.context().setWarningSink([](auto const&, std::string const&) {});
+  vm.evaluate("type = '" + std::string(generator) + "';");
+  for (Case const& row : kCases) {
+    if ((row.families & family) == 0) continue;
+    vm.evaluate(family == kOld ? kBeginLegacy : family == kSingle ? kBeginSingle : kBegin);
+    txArrayPtr const value = vm.evaluate(row.program);
+    Hash hash;
+    hash.add(value->data(), value->numel() * (value->isComplex() ? 2 : 1),
+             embedded_host::elementBytes(value->classID()));
+    take(row.name, hash.value());
+  }
+}
+
+// Doubles from every binary order of (0,1), a few hundred of each, and their mirror images near 1.
+std::vector<double> anyUniforms() {
+  std::vector<double> values;
+  std::uint64_t weyl = 0;
+  for (int exponent = -1074; exponent < 0; ++exponent) {
+    for (int i = 0; i < (exponent < -60 ? 8 : 300); ++i) {
+      weyl += 0x9E37'79B9'7F4A'7C15;
+      double const x = std::ldexp(1 + static_cast<double>(weyl >> 12) * 0x1p-52, exponent);
+      if (x > 0 && x < 1) values.push_back(x);
+      if (x >= 0x1p-53 && x < 1) values.push_back(1 - x);
+    }
+  }
+  std::erase(values, 1.0);
+  return values;
+}
+
+template <class Elements>
+void takeElements(TakeRow const& take, char const* name, Elements const& elements) {
+  Hash hash;
+  hash.add(std::data(elements), std::size(elements), sizeof elements[0]);
+  take(name, hash.value());
+}
+
+void computeLibrary(TakeRow const& take) {
+  std::vector<double> const uniforms = anyUniforms();
+  auto const applied = [&](char const* name, auto function) {
+    std::vector<double> values = uniforms;
+    for (double& x : values) x = function(x);
+    takeElements(take, name, values);
+  };
+  auto const inPlace = [&](char const* name, auto function) {
+    std::vector<double> values = uniforms;
+    function(values.data(), values.size());
+    takeElements(take, name, values);
+  };
+  applied("log", tfl_rng::pinnedLog);
+  inPlace("log-vector", tfl_rng::pinnedLogInPlace);
+  // All arguments that normals are decided by, and beyond.
+  applied("exp", [](double x) { return tfl_rng::pinnedExp(-0x1p7 * x); });
+  applied("exp-near-0", [](double x) { return tfl_rng::pinnedExp(x - 0.5); });
+  applied("quantile", tfl_rng::normalQuantile);
+  inPlace("quantile-vector", tfl_rng::normalQuantileInPlace);
+  takeElements(take, "ziggurat-x", ziggurat::kX);
+  takeElements(take, "ziggurat-f", ziggurat::kF);
+  takeElements(take, "core-ziggurat-x", tfl_rng::ziggurat::kX);
+  takeElements(take, "core-ziggurat-f", tfl_rng::ziggurat::kF);
+  auto const& tables = tfl_rng::Ziggurat128::tables();
+  takeElements(take, "ziggurat128-inside", tables.inside);
+  takeElements(take, "ziggurat128-width", tables.width);
+  takeElements(take, "ziggurat128-height", tables.height);
+}
+
+template <class Word>
+std::uint64_t loadWord(unsigned char const* from) {
+  Word word;
+  std::memcpy(&word, from, sizeof word);
+  return word;
+}
+std::uint64_t loadWord(unsigned char const* from, std::size_t bytes) {
+  switch (bytes) {
+    case 1:
+      return *from;
+    case 2:
+      return loadWord<std::uint16_t>(from);
+    case 4:
+      return loadWord<std::uint32_t>(from);
+    default:
+      return loadWord<std::uint64_t>(from);
+  }
+}
+
+}  // namespace
+
+void Hash::add(void const* elements, std::size_t count, std::size_t elementBytes) {
+  auto const* from = static_cast<unsigned char const*>(elements);
+  std::uint64_t value = value_;
+  for (std::size_t i = 0; i < count; ++i, from += elementBytes) {
+    std::uint64_t word = loadWord(from, elementBytes);
+    for (std::size_t byte = 0; byte < elementBytes; ++byte, word >>= 8)
+      value = (value ^ (word & 255)) * 0x100'0000'01B3;
+  }
+  value_ = value;
+}
+
+std::span<char const* const> generators() { return kGenerators; }
+
+void computeRows(std::string_view generator, TakeRow const& take) {
+  generator == kLibrary ? computeLibrary(take) : computeDraws(generator, take);
+}
+
+}  // namespace golden
