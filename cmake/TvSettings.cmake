@@ -25,6 +25,11 @@ set(CMAKE_EXPORT_COMPILE_COMMANDS ON)
 set(CMAKE_LIBRARY_OUTPUT_DIRECTORY ${PROJECT_BINARY_DIR}/lib)
 set(CMAKE_RUNTIME_OUTPUT_DIRECTORY ${PROJECT_BINARY_DIR}/bin)
 
+# Installed programs find their libraries from where they stand, so that an installation may move.
+include(GNUInstallDirs)
+file(RELATIVE_PATH _to_libraries /prefix/${CMAKE_INSTALL_BINDIR} /prefix/${CMAKE_INSTALL_LIBDIR})
+set(CMAKE_INSTALL_RPATH "$ORIGIN;$ORIGIN/${_to_libraries}")
+
 include_directories(${PROJECT_SOURCE_DIR})
 
 # Contraction into fused multiply-adds would change results from machine to machine.

@@ -1,0 +1,11 @@
+# cmake -DSOURCE=... -DDESTINATION=... -DHEADERS="a/b.h ..." -P InstalledHeaders.cmake
+# Copies headers to where users see them: all below tvmathrng/, including each other by that path, so
+# that no name of ours gets in the way of a user's.
+separate_arguments(HEADERS)
+file(REMOVE_RECURSE ${DESTINATION}/tvmathrng)
+foreach(header ${HEADERS})
+  string(REGEX REPLACE "^(c|cpp)/tvmathrng/" "" place ${header})
+  file(READ ${SOURCE}/${header} text)
+  string(REGEX REPLACE "#include \"([^\"]+)\"" "#include \"tvmathrng/\\1\"" text "${text}")
+  file(WRITE ${DESTINATION}/tvmathrng/${place} "${text}")
+endforeach()
