@@ -185,6 +185,32 @@ tvrng_status tvrng_advance(tvrng_stream* stream, std::uint64_t n) {
   return withStatus([&] { streamOf(stream).advance(n); });
 }
 
+tvrng_status tvrng_snapshot_size(tvrng_stream const* stream, std::size_t* size) {
+  return withStatus([&] { required(size, "size") = streamOf(stream).snapshot().size(); });
+}
+tvrng_status tvrng_snapshot(tvrng_stream const* stream, std::size_t size, char* text) {
+  return withStatus([&] {
+    std::string const snapshot = streamOf(stream).snapshot();
+    if (size != snapshot.size()) {
+      throw tvmathrng::Error("TALVOR:c:SnapshotSize", {static_cast<double>(snapshot.size())},
+                             "The snapshot takes " + std::to_string(snapshot.size()) +
+                                 " bytes, as tvrng_snapshot_size tells.");
+    }
+    snapshot.copy(&required(text, "text"), size);
+  });
+}
+tvrng_status tvrng_from_snapshot(std::size_t size, char const* text, tvrng_stream** stream) {
+  return withStatus([&] {
+    required(stream, "stream") = nullptr;
+    std::string_view const snapshot(&required(text, "text"), size);
+    *stream = new tvrng_stream{tvmathrng::Stream::from_snapshot(snapshot)};
+  });
+}
+tvrng_status tvrng_restore(tvrng_stream* stream, std::size_t size, char const* text) {
+  return withStatus(
+      [&] { streamOf(stream).restore(std::string_view(&required(text, "text"), size)); });
+}
+
 tvrng_status tvrng_set_normal_method(tvrng_stream* stream, char const* name) {
   return withStatus([&] { streamOf(stream).set_normal_method(&required(name, "name")); });
 }

@@ -40,6 +40,7 @@ list(APPEND headers
   rng/global_stream.h
   rng/mr_functions.h
   rng/randstream.h
+  rng/snapshot.h
   runtime/vm.h
   tfl_rng/convert.h
   tfl_rng/core_rng.h

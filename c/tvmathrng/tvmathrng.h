@@ -33,7 +33,8 @@ typedef enum tvrng_status {
 
 /** @name Errors
  * Of the last call of this thread that failed; empty texts before. The texts stay until the next
- * failure. Beyond the identifiers of the library there is "TALVOR:c:NullPointer".
+ * failure. Beyond the identifiers of the library there are "TALVOR:c:NullPointer" and
+ * "TALVOR:c:SnapshotSize".
  * @{ */
 TVRNG_API char const* tvrng_error_identifier(void);
 TVRNG_API char const* tvrng_error_text(void);
@@ -105,6 +106,20 @@ TVRNG_API tvrng_status tvrng_set_substream(tvrng_stream* stream, uint64_t k);
 TVRNG_API tvrng_status tvrng_get_substream(tvrng_stream const* stream, uint64_t* k);
 /** Passes over n draws. */
 TVRNG_API tvrng_status tvrng_advance(tvrng_stream* stream, uint64_t n);
+/** @} */
+
+/** @name Snapshots
+ * The whole stream as text, for a file or another machine: ask for its size, give that much room.
+ * @{ */
+/** The number of bytes that a snapshot of the stream, as it is, takes. */
+TVRNG_API tvrng_status tvrng_snapshot_size(tvrng_stream const* stream, size_t* size);
+/** Writes the snapshot to text[0, size), without a terminating zero. Another size than the one
+ * asked for is an error, "TALVOR:c:SnapshotSize". */
+TVRNG_API tvrng_status tvrng_snapshot(tvrng_stream const* stream, size_t size, char* text);
+/** Makes a stream that goes on as the one of the snapshot would have. */
+TVRNG_API tvrng_status tvrng_from_snapshot(size_t size, char const* text, tvrng_stream** stream);
+/** Takes a stream of the same generator back to where the snapshot was taken. */
+TVRNG_API tvrng_status tvrng_restore(tvrng_stream* stream, size_t size, char const* text);
 /** @} */
 
 /** @name Settings

@@ -20,6 +20,7 @@
 #include <tvmathrng/values.h>
 
 #include "rng/mr_functions.h"
+#include "rng/snapshot.h"
 
 namespace tvmathrng {
 
@@ -188,6 +189,24 @@ class Stream {
     detail::withErrors([&] { stream_->advance(n); });
   }
 
+  /// @name Snapshots: the whole stream as text, for a file or another machine. Draw nothing.
+  ///@{
+  std::string snapshot() const {
+    return detail::withErrors([&] { return takeSnapshot(*stream_); });
+  }
+  /// Errors: snapshot:NotASnapshot, OtherVersion, Truncated, Damaged, InvalidLine.
+  static Stream from_snapshot(std::string_view text) {
+    return Stream(detail::withErrors([&] { return createFromSnapshot(text); }));
+  }
+  /// Goes back to where the snapshot was taken. Errors: the same, and snapshot:OtherGenerator; the
+  /// stream then stays as it is.
+  void restore(std::string_view text) {
+    detail::withErrors([&] { restoreSnapshot(*stream_, text); });
+  }
+  /// A stream that goes on as this one will.
+  Stream copy() const { return from_snapshot(snapshot()); }
+  ///@}
+
   std::string_view generator() const noexcept { return stream_->generatorType(); }
   Seed seed() const noexcept { return Seed{stream_->seed()}; }
   StreamIndex index() const noexcept { return StreamIndex{stream_->streamIndex()}; }
@@ -212,6 +231,8 @@ class Stream {
   randstream const& native() const noexcept { return *stream_; }
 
  private:
+  explicit Stream(randstream* stream) noexcept : stream_(stream) {}
+
   // Another stream with this one's settings and generator state.
   Stream twin() const {
     Stream copy(stream_->generatorType(), seed(), index(), count());

@@ -86,6 +86,26 @@ static void misuse_is_told_and_draws_nothing(void) {
   tvrng_destroy(stream);
 }
 
+static void snapshots_take_the_size_they_tell(void) {
+  tvrng_stream *stream, *later;
+  size_t size;
+  char text[20000];
+  double next[2], again[2];
+  EXPECT(tvrng_create("mrg32k3a", 3, 0, 1, &stream) == TVRNG_OK);
+  EXPECT(tvrng_snapshot_size(stream, &size) == TVRNG_OK && size <= sizeof text);
+  EXPECT_ERROR(tvrng_snapshot(stream, size - 1, text), "TALVOR:c:SnapshotSize");
+  EXPECT(tvrng_snapshot(stream, size, text) == TVRNG_OK);
+  EXPECT(tvrng_uniform(stream, 2, next) == TVRNG_OK);
+  EXPECT(tvrng_from_snapshot(size, text, &later) == TVRNG_OK);
+  EXPECT(tvrng_uniform(later, 2, again) == TVRNG_OK);
+  EXPECT(again[0] == next[0] && again[1] == next[1]);
+  tvrng_destroy(later);
+  EXPECT(tvrng_restore(stream, size, text) == TVRNG_OK);
+  EXPECT(tvrng_uniform(stream, 1, again) == TVRNG_OK && again[0] == next[0]);
+  EXPECT(tvrng_from_snapshot(size - 1, text, &later) == TVRNG_ERROR && later == NULL);
+  tvrng_destroy(stream);
+}
+
 static void every_generator_can_be_made(void) {
   for (size_t i = 0; i < tvrng_generator_count(); ++i) {
     tvrng_stream* stream;
@@ -101,6 +121,7 @@ int main(void) {
   misuse_is_told_and_draws_nothing();
   draws_known_numbers();
   substreams_jump();
+  snapshots_take_the_size_they_tell();
   every_generator_can_be_made();
   return faults != 0;
 }

@@ -79,6 +79,19 @@ TEST_P(EveryGenerator, SubstreamsKeepTheSettingsAndLeaveTheirStreamAlone) {
   EXPECT_EQ(stream_.uniform(3), builtin<double>("rand(s,1,3)", settings + "reset(s);"));
 }
 
+TEST_P(EveryGenerator, SnapshotsGoOnAsTheirStreamWould) {
+  stream_.set_normal_method("polar");
+  stream_.normal(3);  // one normal of a pair is kept
+  std::string const snapshot = stream_.snapshot();
+  Stream copy = stream_.copy();
+  std::vector<double> const rest = stream_.normal(4);
+  EXPECT_EQ(copy.normal(4), rest);
+  EXPECT_EQ(Stream::from_snapshot(snapshot).normal(4), rest);
+  stream_.restore(snapshot);
+  EXPECT_THROW(stream_.restore(snapshot.substr(1)), Error);
+  EXPECT_EQ(stream_.normal(4), rest);
+}
+
 INSTANTIATE_TEST_SUITE_P(, EveryGenerator,
                          testing::ValuesIn(generators().begin(), generators().end()),
                          [](auto const& row) { return std::string(row.param); });
