@@ -1,7 +1,7 @@
 #!/bin/sh
 # All checks of the source tree, or the named ones:
 #
-#   tools/check.sh                 everything but tsan
+#   tools/check.sh                 everything but tsan and packages
 #   tools/check.sh format layers   these steps only
 #
 # Installs the packages it needs. Each step runs to its end whatever became of the one before; the
@@ -47,11 +47,13 @@ step_asan() {
     ASAN_OPTIONS=detect_stack_use_after_return=1:strict_string_checks=1 \
       UBSAN_OPTIONS=print_stacktrace=1 run_tests asan
 }
+# Debian packages, installed into a scratch root.
+step_packages() { tools/packages.sh --check; }
 step_tsan() { configure_and_build tsan && run_tests tsan; }
 
 for step in "$@"; do
   if ! command -v "step_$step" >/dev/null; then
-    echo "check.sh: no step '$step'; there are: $all_steps tsan" >&2
+    echo "check.sh: no step '$step'; there are: $all_steps tsan packages" >&2
     exit 2
   fi
 done
