@@ -4,6 +4,7 @@
 #include <array>
 #include <bit>
 #include <charconv>
+#include <cmath>
 #include <cstdint>
 #include <cstring>
 #include <memory>
@@ -267,8 +268,9 @@ std::unique_ptr<randstream> readStream(Lines& lines, std::string const& generato
   std::string_view const pending = lines.field("pending");
   if (pending != "none") {
     auto const bits = fromHex(pending, sizeof(double));
-    if (!bits) lines.refuse();
-    StreamContents::setPending(*stream, std::bit_cast<double>(*bits));
+    double const normal = std::bit_cast<double>(bits.value_or(0));
+    if (!bits || !std::isfinite(normal)) lines.refuse();
+    StreamContents::setPending(*stream, normal);
   }
 
   StateComponents components(*stream);

@@ -38,7 +38,7 @@ LAYERS = {
 
 # Third-party headers, and where they may be included: rooms, or single files.
 THIRD_PARTY = {
-    "boost/": "plugin_rng statistics benchmarks tests",
+    "boost/": "plugin_rng statistics benchmarks fuzz tests",
     "fmt/": "embedded_host shell benchmarks tests",
     "gmock/": "tests",
     "gtest/": "tests",

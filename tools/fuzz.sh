@@ -38,7 +38,7 @@ for name in $targets; do
   if [ -f "fuzz/$name.dict" ]; then dictionary=-dict=fuzz/$name.dict; fi
   # shellcheck disable=SC2086  # absent when empty
   if UBSAN_OPTIONS=print_stacktrace=1 "out/fuzz/bin/fuzz_$name" $dictionary \
-    -max_total_time="$seconds" -max_len=4096 -timeout=60 -rss_limit_mb=2048 \
+    -max_total_time="$seconds" -max_len=8192 -timeout=60 -rss_limit_mb=2048 \
     -artifact_prefix="out/fuzz/findings/$name-" -print_final_stats=1 \
     "out/fuzz/corpus/$name" "fuzz/corpus/$name" 2>"out/fuzz/$name.log"; then
     outcome="no finding"

@@ -143,6 +143,7 @@ TEST(Snapshots, RefusalsSayWhatIsWrongAndChangeNothing) {
       {"full-precision true", "fullprecision true", "RandStream:snapshot:InvalidLine"},
       {"normals Inversion", "normals Guess", "RandStream:set:UnknownRandnAlg"},
       {"pending none", "pending 3ff00000", "RandStream:snapshot:InvalidLine"},
+      {"pending none", "pending 7ff8000000000000", "RandStream:snapshot:InvalidLine"},
       {"components 1", "components 2", "RandStream:snapshot:InvalidLine"},
       {"component uint32 12", "component uint64 12", "RandStream:snapshot:InvalidLine"},
       {"component uint32 12", "component uint32 12\n", "RandStream:snapshot:InvalidLine"},
