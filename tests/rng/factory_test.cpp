@@ -15,6 +15,8 @@ struct Row {
   int stateClass;
   unsigned long stateLen;
   char const* nativeNormals;
+
+  unsigned long elementBytes() const { return stateClass == 7 ? 4 : 8; }
 };
 
 class Factory : public ::testing::TestWithParam<Row> {
@@ -45,64 +47,25 @@ TEST_P(Factory, KnowsTheNameInAnyCaseAndKeepsItsSpelling) {
   EXPECT_TRUE(u > 0 && u < 1);
 }
 
-TEST_P(Factory, ChecksParametersFirstAndStreamsThen) {
+// What the plug-ins make of them is their tests' matter.
+TEST_P(Factory, PassesStreamsAndParametersOn) {
   EXPECT_EQ(identifierOf([&] { make(GetParam().name, ~0UL, ~0UL, 1); }), id("InvalidParameter"));
   EXPECT_EQ(identifierOf([&] { make(GetParam().name, 0, 0); }), "no error");
-  if (GetParam().substreams) {
-    EXPECT_EQ(identifierOf([&] { make(GetParam().name, ~0UL, 0); }), id("TooManyStreams"));
-    EXPECT_EQ(identifierOf([&] { make(GetParam().name, 1, ~0UL); }), id("TooManyStreams"));
-    EXPECT_EQ(identifierOf([&] { make(GetParam().name, 2, 9); }), "no error");
-  } else {
-    EXPECT_EQ(identifierOf([&] { make(GetParam().name, 2, 0); }), id("MultipleStreams"));
-    EXPECT_EQ(identifierOf([&] { make(GetParam().name, 1, 1); }), id("MultipleStreams"));
-  }
+  const std::string tooMany = id(GetParam().substreams ? "TooManyStreams" : "MultipleStreams");
+  EXPECT_EQ(identifierOf([&] { make(GetParam().name, ~0UL, 0); }), tooMany);
+  EXPECT_EQ(identifierOf([&] { make(GetParam().name, 1, ~0UL); }), tooMany);
 }
 
 TEST_P(Factory, FreshStateIsAcceptedBackAndRestoresTheSequence) {
-  for (const unsigned seed : {0U, 1U, 4294967295U}) {
-    std::unique_ptr<randstream> stream(mrCreateRNGStream(GetParam().name, 1, 0, seed, nullptr, 0));
-    txClassID classID{};
-    unsigned long length = 0;
-    ASSERT_EQ(stream->getNumStateComponents(), 1U);
-    stream->getStateComponentTypes(1, &classID, &length);
-    EXPECT_EQ(classID, GetParam().stateClass + 6);
-    EXPECT_EQ(length, GetParam().stateLen);
-
-    std::vector<char> state(stream->getStateBufLen());
-    std::vector<double> before(700), after(700);
-    for (const std::size_t drawnFirst : {0, 1, 3, 700}) {
-      stream->randuFcn(before.data(), drawnFirst);
-      stream->getStateBuf(state.data(), state.size());
-      stream->randuFcn(before.data(), before.size());
-      stream->setStateBuf(state.data(), state.size());
-      stream->randuFcn(after.data(), after.size());
-      EXPECT_EQ(before, after) << "seed " << seed << " after " << drawnFirst;
-    }
-  }
-}
-
-TEST_P(Factory, AllZeroStateIsRefusedAndLeavesTheStreamAsItWas) {
   const auto stream = make(GetParam().name, 1, 0);
-  const auto twin = make(GetParam().name, 1, 0);
-  std::vector<char> zeros(stream->getStateBufLen());
-  EXPECT_EQ(identifierOf([&] { stream->setStateBuf(zeros.data(), zeros.size()); }),
-            id("InvalidState"));
-  double a[10], b[10];
-  stream->randuFcn(a, 10);
-  twin->randuFcn(b, 10);
-  EXPECT_TRUE(std::equal(a, a + 10, b));
-}
-
-TEST_P(Factory, ResetReturnsToTheStartOfTheSeed) {
-  const auto stream = make(GetParam().name, 1, 0);
-  double first[50], again[50];
-  stream->randuFcn(first, 50);
-  stream->reset(8);
-  stream->randuFcn(again, 50);
-  EXPECT_FALSE(std::equal(first, first + 50, again)) << "another seed, another sequence";
-  stream->reset(7);
-  stream->randuFcn(again, 50);
-  EXPECT_TRUE(std::equal(first, first + 50, again));
+  std::vector<char> state(stream->getStateBufLen());
+  EXPECT_EQ(state.size(), GetParam().stateLen * GetParam().elementBytes());
+  std::vector<double> before(700), after(700);
+  stream->getStateBuf(state.data(), state.size());
+  stream->randuFcn(before.data(), before.size());
+  stream->setStateBuf(state.data(), state.size());
+  stream->randuFcn(after.data(), after.size());
+  EXPECT_EQ(before, after);
 }
 
 constexpr bool Single = false;

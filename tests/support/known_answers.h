@@ -1,6 +1,7 @@
 #pragma once
 
-// Reads the known-answer files of tests/kat: plain text, "#" starts a comment line, "@" a block.
+// Reads known answers and other tables of the tests: plain text, "#" starts a comment line, "@" a
+// block.
 
 #include <cstdint>
 #include <fstream>
@@ -30,9 +31,10 @@ struct Block {
   }
 };
 
-inline std::vector<Block> read(std::string const& name) {
-  std::ifstream file(std::string(TV_TEST_DATA) + "/kat/" + name);
-  if (!file) throw std::runtime_error("no known-answer file " + name);
+// The blocks of a file of that path below tests/.
+inline std::vector<Block> readFile(std::string const& path) {
+  std::ifstream file(std::string(TV_TEST_DATA) + "/" + path);
+  if (!file) throw std::runtime_error("no data file " + path);
   std::vector<Block> blocks(1);
   for (std::string line; std::getline(file, line);) {
     if (line.empty() || line[0] == '#') continue;
@@ -46,6 +48,13 @@ inline std::vector<Block> read(std::string const& name) {
     blocks.back().rows.push_back(row);
   }
   return blocks;
+}
+
+inline std::vector<Block> read(std::string const& name) { return readFile("kat/" + name); }
+
+// The rows of a file without blocks.
+inline std::vector<std::vector<std::string>> rows(std::string const& path) {
+  return readFile(path).front().rows;
 }
 
 // The block whose title starts with `title`.
