@@ -1,4 +1,5 @@
-// The twisters' ziggurat: its tables, and the distribution of its normals.
+// The twisters' ziggurat: its tables; and the distribution of the normals of all cores that have a
+// method of their own.
 
 #include "tfl_rng/core_ziggurat.h"
 
@@ -13,7 +14,9 @@
 #include "tests/support/every_target.h"
 #include "tests/support/known_answers.h"
 #include "tfl_rng/dsfmt19937.h"
+#include "tfl_rng/mcg16807.h"
 #include "tfl_rng/mt19937ar.h"
+#include "tfl_rng/shr3cong.h"
 
 namespace {
 
@@ -43,8 +46,8 @@ class NativeNormals : public testing::Test {
   std::vector<double> values;
 };
 
-using Twisters = testing::Types<mt19937ar, dsfmt19937>;
-TYPED_TEST_SUITE(NativeNormals, Twisters);
+using WithMethodsOfTheirOwn = testing::Types<mt19937ar, dsfmt19937, shr3cong, mcg16807>;
+TYPED_TEST_SUITE(NativeNormals, WithMethodsOfTheirOwn);
 
 // Bins of equal probability; chi-square with many degrees of freedom is close to normal.
 TYPED_TEST(NativeNormals, AreSpreadLikeTheNormalDistribution) {
@@ -72,8 +75,8 @@ TYPED_TEST(NativeNormals, HaveTheRightMoments) {
   EXPECT_NEAR(sums[4] / n, 3, deviations * std::sqrt(96.0));
 }
 
-// The tail is drawn by another method than the rest: its weight on both sides, and within it the
-// conditional distribution (Kolmogorov-Smirnov).
+// A ziggurat draws its tail by another method than the rest: its weight on both sides, and within
+// it the conditional distribution (Kolmogorov-Smirnov).
 TYPED_TEST(NativeNormals, HaveTheRightTail) {
   const double start = ziggurat::kTailStart;
   const double weight = 2 * distribution(-start);

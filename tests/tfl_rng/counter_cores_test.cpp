@@ -2,12 +2,15 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <iterator>
 #include <set>
+#include <span>
+#include <sstream>
 
+#include "tests/support/cores.h"
 #include "tests/support/known_answers.h"
-#include "tfl_rng/philox4x32.h"
 #include "tfl_rng/splitmix.h"
-#include "tfl_rng/threefry4x64.h"
 #include "tfl_rng/to_double.h"
 
 #if __has_include(<Random123/philox.h>)
@@ -23,132 +26,103 @@ namespace {
 using tfl_rng::philox4x32;
 using tfl_rng::threefry4x64;
 
-// Consecutive numbers from `words` as an array of words.
+// What the tests need of each generator.
+template <class Core>
+struct Traits;
+template <>
+struct Traits<philox4x32> {
+  static constexpr char const* kName = "philox4x32";
+  static constexpr std::size_t kRows = 55;
+  using Counter = philox4x32::Counter;
+  using Key = philox4x32::Key;
+#ifdef TV_HAVE_RANDOM123
+  using Published = r123::Philox4x32;
+#endif
+};
+template <>
+struct Traits<threefry4x64> {
+  static constexpr char const* kName = "threefry4x64";
+  static constexpr std::size_t kRows = 113;
+  using Counter = threefry4x64::Block;
+  using Key = threefry4x64::Block;
+#ifdef TV_HAVE_RANDOM123
+  using Published = r123::Threefry4x64;
+#endif
+};
+
+template <class Core>
+class CounterCore : public testing::Test {};
+using CounterCores = testing::Types<philox4x32, threefry4x64>;
+TYPED_TEST_SUITE(CounterCore, CounterCores);
+
+// Words from text, base 16, as an array; the rest stays 0.
 template <class Array>
-Array take(std::vector<std::uint64_t> const& words, std::size_t& at) {
-  Array result;
-  for (auto& word : result) word = static_cast<typename Array::value_type>(words.at(at++));
+Array take(std::span<std::string const> words) {
+  Array result{};
+  for (std::size_t i = 0; i < result.size() && i < words.size(); ++i)
+    result[i] = static_cast<typename Array::value_type>(std::stoull(words[i], nullptr, 16));
   return result;
 }
 
-// The published rows of one generator: counter, key and result follow its name and its rounds.
-std::vector<std::vector<std::uint64_t>> publishedRows(std::string const& name) {
-  std::vector<std::vector<std::uint64_t>> rows;
-  const auto blocks = known_answers::read("random123_kat.txt");
-  for (auto const& row : blocks.front().rows) {
-    if (row.front() != name) continue;
-    auto& words = rows.emplace_back();
-    for (std::size_t i = 2; i < row.size(); ++i) words.push_back(std::stoull(row[i], nullptr, 16));
+// Rows of name, rounds, counter, key and result.
+TYPED_TEST(CounterCore, EncryptsPublishedCounters) {
+  std::size_t checked = 0;
+  for (auto const& row : known_answers::rows("kat/random123_kat.txt")) {
+    if (row.front() != Traits<TypeParam>::kName) continue;
+    auto const words = std::span(row).subspan(2);
+    auto const keySize = std::tuple_size_v<typename Traits<TypeParam>::Key>;
+    EXPECT_EQ(TypeParam::encrypt(take<typename Traits<TypeParam>::Counter>(words),
+                                 take<typename Traits<TypeParam>::Key>(words.subspan(4))),
+              take<typename Traits<TypeParam>::Counter>(words.subspan(4 + keySize)));
+    ++checked;
   }
-  return rows;
+  EXPECT_EQ(checked, Traits<TypeParam>::kRows);
 }
 
-TEST(Philox, EncryptsPublishedCounters) {
-  const auto rows = publishedRows("philox4x32");
-  ASSERT_EQ(rows.size(), 55u);
-  for (auto const& row : rows) {
-    std::size_t at = 0;
-    const auto counter = take<philox4x32::Counter>(row, at);
-    const auto key = take<philox4x32::Key>(row, at);
-    EXPECT_EQ(philox4x32::encrypt(counter, key), take<philox4x32::Block>(row, at));
-  }
-}
-
-TEST(Threefry, EncryptsPublishedCounters) {
-  const auto rows = publishedRows("threefry4x64");
-  ASSERT_EQ(rows.size(), 113u);
-  for (auto const& row : rows) {
-    std::size_t at = 0;
-    const auto counter = take<threefry4x64::Block>(row, at);
-    const auto key = take<threefry4x64::Block>(row, at);
-    EXPECT_EQ(threefry4x64::encrypt(counter, key), take<threefry4x64::Block>(row, at));
-  }
-}
-
-// Runs of 16 blocks across carries into the second and third counter word.
-struct CounterRun {
-  char const* title;
-  std::vector<std::uint64_t> counter;
-  std::vector<std::uint64_t> key;
-};
-
-TEST(Philox, DrawsTheWordsOfConsecutiveCounters) {
-  const std::vector<CounterRun> runs = {
-      {"philox4x32-10 counter run from 00000000 00000000 00000000 00000000 key 00000000", {}, {}},
-      {"philox4x32-10 counter run from 00000000 00000000 00000000 00000000 key 00000001", {}, {1}},
-      {"philox4x32-10 counter run from ffffffff 00000000", {0xffffffff}, {0x1571}},
-      {"philox4x32-10 counter run from ffffffff ffffffff",
-       {0xffffffff, 0xffffffff},
-       {0x3039, 0x2a6}}};
-  for (auto const& run : runs) {
-    const auto words = known_answers::block("random123_kat.txt", run.title).words(16);
-    ASSERT_EQ(words.size(), 64u);
-    philox4x32::State state{};
-    std::copy(run.counter.begin(), run.counter.end(), state.counter.begin());
-    std::copy(run.key.begin(), run.key.end(), state.key.begin());
-    philox4x32 core(0, 0, true);
+// Runs of 16 blocks, some across carries: "<name>-<rounds> counter run from <words> key <words>".
+TYPED_TEST(CounterCore, DrawsTheWordsOfConsecutiveCounters) {
+  int runs = 0;
+  for (auto const& block : known_answers::read("random123_kat.txt")) {
+    if (!block.title.starts_with(Traits<TypeParam>::kName)) continue;
+    std::istringstream title(block.title);
+    std::vector<std::string> fields(std::istream_iterator<std::string>(title), {});
+    auto const key = static_cast<std::size_t>(std::ranges::find(fields, "key") - fields.begin());
+    TypeParam core(0, 0, true);
+    typename TypeParam::State state{};
+    state.counter =
+        take<typename Traits<TypeParam>::Counter>(std::span(fields).subspan(4, key - 4));
+    state.key = take<typename Traits<TypeParam>::Key>(std::span(fields).subspan(key + 1));
     core.setState(state);
-    double draws[32];
-    core.randu(draws, 32);
-    for (std::size_t i = 0; i < 32; ++i) {
-      EXPECT_EQ(draws[i], tfl_rng::open52(words[2 * i] | words[2 * i + 1] << 32)) << run.title;
-    }
-  }
-}
-
-TEST(Threefry, DrawsTheWordsOfConsecutiveCounters) {
-  const std::vector<CounterRun> runs = {
-      {"threefry4x64-20 counter run from 0000000000000000 0000000000000000 0000000000000000 "
-       "0000000000000000 key 0000000000000000",
-       {},
-       {}},
-      {"threefry4x64-20 counter run from 0000000000000000 0000000000000000 0000000000000000 "
-       "0000000000000000 key 0000000000000001",
-       {},
-       {1}},
-      {"threefry4x64-20 counter run from ffffffffffffffff", {~std::uint64_t{0}}, {0x1571}}};
-  for (auto const& run : runs) {
-    const auto words = known_answers::block("random123_kat.txt", run.title).words(16);
+    const auto words = block.words(16);
+    std::size_t const each = sizeof(state.counter[0]) == 4 ? 2 : 1;
     ASSERT_EQ(words.size(), 64u);
-    threefry4x64::State state{};
-    std::copy(run.counter.begin(), run.counter.end(), state.counter.begin());
-    std::copy(run.key.begin(), run.key.end(), state.key.begin());
-    threefry4x64 core(0, 0, true);
-    core.setState(state);
-    double draws[64];
-    core.randu(draws, 64);
-    for (std::size_t i = 0; i < 64; ++i) {
-      EXPECT_EQ(draws[i], tfl_rng::open52(words[i])) << run.title;
+    const auto draws = testing_support::draw(core, words.size() / each);
+    for (std::size_t i = 0; i < draws.size(); ++i) {
+      const std::uint64_t word = each == 1 ? words[i] : words[2 * i] | words[2 * i + 1] << 32;
+      EXPECT_EQ(draws[i], tfl_rng::open52(word)) << block.title;
     }
+    ++runs;
   }
+  EXPECT_GE(runs, 3);
 }
 
 #ifdef TV_HAVE_RANDOM123
-TEST(Philox, EncryptsAsThePublishersCode) {
-  tfl_rng::SplitMix64 words(1);
+TYPED_TEST(CounterCore, EncryptsAsThePublishersCode) {
+  tfl_rng::SplitMix64 source(1);
   for (int i = 0; i < 10000; ++i) {
-    philox4x32::Counter counter;
-    philox4x32::Key key;
-    for (auto& word : counter) word = static_cast<std::uint32_t>(words.next());
-    for (auto& word : key) word = static_cast<std::uint32_t>(words.next());
-    const r123::Philox4x32::ctr_type expected =
-        r123::Philox4x32()({{counter[0], counter[1], counter[2], counter[3]}}, {{key[0], key[1]}});
-    const auto block = philox4x32::encrypt(counter, key);
-    ASSERT_TRUE(std::equal(block.begin(), block.end(), expected.begin()));
-  }
-}
-
-TEST(Threefry, EncryptsAsThePublishersCode) {
-  tfl_rng::SplitMix64 words(2);
-  for (int i = 0; i < 10000; ++i) {
-    threefry4x64::Block counter;
-    threefry4x64::Block key;
-    for (auto& word : counter) word = words.next();
-    for (auto& word : key) word = words.next();
-    const r123::Threefry4x64::ctr_type expected = r123::Threefry4x64()(
-        {{counter[0], counter[1], counter[2], counter[3]}}, {{key[0], key[1], key[2], key[3]}});
-    const auto block = threefry4x64::encrypt(counter, key);
-    ASSERT_TRUE(std::equal(block.begin(), block.end(), expected.begin()));
+    typename Traits<TypeParam>::Counter counter;
+    typename Traits<TypeParam>::Key key;
+    for (auto& word : counter)
+      word = static_cast<std::remove_reference_t<decltype(word)>>(source.next());
+    for (auto& word : key)
+      word = static_cast<std::remove_reference_t<decltype(word)>>(source.next());
+    using Published = typename Traits<TypeParam>::Published;
+    typename Published::ctr_type publishedCounter;
+    typename Published::key_type publishedKey;
+    std::ranges::copy(counter, publishedCounter.begin());
+    std::ranges::copy(key, publishedKey.begin());
+    const auto expected = Published()(publishedCounter, publishedKey);
+    ASSERT_TRUE(std::ranges::equal(TypeParam::encrypt(counter, key), expected));
   }
 }
 #endif

@@ -131,12 +131,4 @@ TEST(Mcg16807, OddCountOfNormalsDropsTheSecondOfThePair) {
   EXPECT_EQ(cut.word(), whole.word());
 }
 
-TEST(Mcg16807, PrecisionModeDoesNotChangeNormals) {
-  mcg16807 full(3, true), reduced(3, false);
-  std::vector<double> a(64), b(64);
-  full.randn(a.data(), a.size());
-  reduced.randn(b.data(), b.size());
-  EXPECT_EQ(a, b);
-}
-
 }  // namespace

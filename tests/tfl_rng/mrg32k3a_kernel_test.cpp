@@ -59,6 +59,18 @@ std::uint32_t inverse(std::uint64_t a, std::uint64_t m) {
   return static_cast<std::uint32_t>(result);
 }
 
+// The words from which so many steps lead to these.
+Words before(Words words, std::size_t steps) {
+  static const std::uint64_t inverse1 = inverse(810728, kM1), inverse2 = inverse(1370589, kM2);
+  for (; steps != 0; --steps) {
+    auto const& [x0, x1, x2, y0, y1, y2] = words;
+    const std::uint64_t x = (std::uint64_t{1403580} * x0 + kM1 - x2) % kM1 * inverse1 % kM1;
+    const std::uint64_t y = (std::uint64_t{527612} * y1 + kM2 - y2) % kM2 * inverse2 % kM2;
+    words = {static_cast<std::uint32_t>(x), x0, x1, static_cast<std::uint32_t>(y), y0, y1};
+  }
+  return words;
+}
+
 template <class Precision>
 class Mrg32k3aKernel : public testing::Test {
  protected:
@@ -108,6 +120,17 @@ TYPED_TEST(Mrg32k3aKernel, QuotientsNextToAnIntegerDoNotShow) {
           TestFixture::expectEqual({x0, 0, 1, y0, 1, 0}, 64);
         }
       }
+    }
+  });
+}
+
+// A block that ends in a term of 0, which the quotient may leave as the modulus: a negative
+// multiple of it was divided.
+TYPED_TEST(Mrg32k3aKernel, TermEqualToItsModulusIsReadAsZero) {
+  every_target::run([] {
+    for (const std::size_t n : {40, 128, 1024}) {
+      for (std::uint32_t x = 1; x < 20; ++x)
+        TestFixture::expectEqual(before({x, 7, 0, 1, x, 0}, n * TypeParam::kStepsEach), n);
     }
   });
 }

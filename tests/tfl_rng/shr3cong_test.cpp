@@ -115,37 +115,6 @@ TEST(Shr3Cong, MostNormalsAreOneSumTimesItsLayersWidth) {
   }
 }
 
-// Draws of the distribution's body, edges and tail in their right shares.
-TEST(Shr3Cong, NormalsFollowTheNormalDistribution) {
-  constexpr std::size_t count = 4'000'000;
-  shr3cong core(12345, true);
-  std::vector<double> x(count);
-  core.randn(x.data(), count);
-  // 64 bins of equal width on [-4, 4] and both ends beyond.
-  std::vector<double> observed(66, 0);
-  for (const double v : x) {
-    observed[static_cast<std::size_t>(std::clamp(std::floor((v + 4) * 8), -1.0, 64.0) + 1)] += 1;
-  }
-  auto const cdf = [](double v) { return 0.5 * std::erfc(-v / std::sqrt(2.0)); };
-  double chiSquare = 0;
-  for (std::size_t i = 0; i < observed.size(); ++i) {
-    const double low = i == 0 ? 0 : cdf(-4 + (static_cast<double>(i) - 1) / 8);
-    const double high = i == 65 ? 1 : cdf(-4 + static_cast<double>(i) / 8);
-    const double expected = count * (high - low);
-    chiSquare += (observed[i] - expected) * (observed[i] - expected) / expected;
-  }
-  // 65 degrees of freedom: 99.9 % of good samples stay below 105.99.
-  EXPECT_LT(chiSquare, 106);
-}
-
-TEST(Shr3Cong, PrecisionModeDoesNotChangeNormals) {
-  shr3cong full(3, true), reduced(3, false);
-  std::vector<double> a(1000), b(1000);
-  full.randn(a.data(), a.size());
-  reduced.randn(b.data(), b.size());
-  EXPECT_EQ(a, b);
-}
-
 TEST(Shr3Cong, NormalsComeToAnEndWithoutAShiftRegister) {
   shr3cong core(1, true);
   core.setState({0, 0});

@@ -1,4 +1,4 @@
-// mt19937ar and dsfmt19937 against their published outputs, and what holds for both.
+// mt19937ar and dsfmt19937 against their published outputs.
 
 #include <gtest/gtest.h>
 
@@ -10,21 +10,14 @@
 #include <string>
 #include <vector>
 
+#include "tests/support/cores.h"
 #include "tests/support/known_answers.h"
-#include "tfl_rng/dsfmt19937.h"
-#include "tfl_rng/mt19937ar.h"
 
 namespace {
 
+using testing_support::draw;
 using tfl_rng::dsfmt19937;
 using tfl_rng::mt19937ar;
-
-template <class Core>
-std::vector<double> draw(Core& core, std::size_t n) {
-  std::vector<double> values(n);
-  core.randu(values.data(), n);
-  return values;
-}
 
 // A core that stands right after the published seeding.
 template <class Core>
@@ -206,65 +199,6 @@ TEST(Dsfmt19937, AnyStateIsKeptAndSafe) {
     core.randn(normals.data(), normals.size());
     for (double value : normals) ASSERT_TRUE(std::isfinite(value));
   }
-}
-
-template <class Core>
-class Twister : public testing::Test {};
-
-using Twisters = testing::Types<mt19937ar, dsfmt19937>;
-TYPED_TEST_SUITE(Twister, Twisters);
-
-// Sizes around the vector lengths of kernels and the batch lengths 312, 382 and 624, several times
-// round, so that every parity of the position occurs.
-std::vector<std::size_t> pieceSizes() {
-  std::vector<std::size_t> sizes;
-  for (std::size_t n = 0; n < 40; ++n) sizes.push_back(n);
-  for (std::size_t n : {100, 311, 312, 313, 381, 382, 383, 623, 624, 625, 764, 1247, 1, 5000, 3})
-    sizes.push_back(n);
-  return sizes;
-}
-
-TYPED_TEST(Twister, RequestsOfAnySizesGiveOneSequence) {
-  for (bool full : {true, false}) {
-    for (auto method : {&TypeParam::randu, &TypeParam::randn}) {
-      TypeParam parts(42, full), whole(42, full);
-      // In reduced precision a first odd draw leaves the normals an odd position.
-      draw(parts, 1);
-      draw(whole, 1);
-      std::vector<double> pieces;
-      for (std::size_t n : pieceSizes()) {
-        std::vector<double> piece(n + 1, -7);
-        (parts.*method)(piece.data(), n);
-        ASSERT_EQ(piece.back(), -7) << "written past the end of " << n;
-        pieces.insert(pieces.end(), piece.begin(), piece.end() - 1);
-      }
-      std::vector<double> expected(pieces.size());
-      (whole.*method)(expected.data(), expected.size());
-      EXPECT_EQ(pieces, expected);
-      EXPECT_EQ(parts.state(), whole.state());
-    }
-  }
-}
-
-TYPED_TEST(Twister, StateRestoresTheSequenceAtEveryPosition) {
-  for (bool full : {true, false}) {
-    TypeParam core(3, full), other(4, full);
-    for (int i = 0; i < 800; ++i) {
-      draw(core, 1);
-      other.setState(core.state());
-      TypeParam copy = core;
-      ASSERT_EQ(draw(other, 700), draw(copy, 700)) << i;
-      ASSERT_EQ(other.state(), copy.state());
-    }
-  }
-}
-
-TYPED_TEST(Twister, NormalsDoNotDependOnThePrecisionMode) {
-  TypeParam full(8, true), reduced(8, false);
-  std::vector<double> a(2000), b(2000);
-  full.randn(a.data(), a.size());
-  reduced.randn(b.data(), b.size());
-  EXPECT_EQ(a, b);
 }
 
 }  // namespace
