@@ -13,6 +13,10 @@ namespace {
 using namespace testing_support;
 using embedded_host::ClassDefinition;
 
+constexpr auto rand = mathrngRandFcn;
+constexpr auto randn = mathrngRandnFcn;
+constexpr auto randi = mathrngRandiFcn;
+
 // The class "Length" wraps a built-in array. Its methods note how they were called.
 class ClassDispatch : public VmTest {
  protected:
@@ -52,87 +56,85 @@ class ClassDispatch : public VmTest {
   std::string note;
 };
 
-bool isTaken(txArray const& value) { return value.scalarText() == u"taken"; }
-
-TEST_F(ClassDispatch, PrototypeGetsLikeMethodFirst) {
-  defineLength({.like = true, .plain = true});
-  std::size_t const before = globalState();
-  EXPECT_TRUE(isTaken(*call(mathrngRandFcn, args(2, 3, "like", length(row({1}))))));
-  EXPECT_EQ(note, "randLike/1 1x1 Length 1x1 double 1x1 double");
-  EXPECT_TRUE(isTaken(*call(mathrngRandnFcn, args("like", length(row({1}))), 0)));
-  EXPECT_EQ(note, "randnLike/0 1x1 Length");
-  EXPECT_TRUE(isTaken(*call(mathrngRandiFcn, args(row({1, 6}), 2, "like", length(row({1}))))));
-  EXPECT_EQ(note, "randiLike/1 1x1 Length 1x2 double 1x1 double");
-  EXPECT_EQ(globalState(), before);
-}
-
-TEST_F(ClassDispatch, PrototypeWithoutLikeMethodGetsPlainOneWithoutItself) {
-  defineLength({.plain = true});
-  EXPECT_TRUE(isTaken(*call(mathrngRandFcn, args(2, 3, "like", length(row({1}))))));
-  EXPECT_EQ(note, "rand/1 1x1 double 1x1 double");
-  EXPECT_TRUE(isTaken(*call(mathrngRandiFcn, args(6, 2, "like", length(row({1}))))));
-  EXPECT_EQ(note, "randi/1 1x1 double 1x1 double");
+TEST_F(ClassDispatch, MethodsTakeTheCallWithTheArgumentsThatAreTheirs) {
+  struct Row {
+    Offers offers;
+    txBuiltin builtin;
+    Args arguments;
+    int nlhs;
+    char const* note;
+  };
+  constexpr Offers kBoth{.like = true, .plain = true}, kPlain{.plain = true};
+  auto const one = [this] { return length(row({1})); };
+  for (auto const& offers : {kBoth, kPlain}) {
+    defineLength(offers);
+    Row rows[] = {
+        // The "like" method of a prototype's class comes first.
+        {kBoth, rand, args(2, 3, "like", one()), 1, "randLike/1 1x1 Length 1x1 double 1x1 double"},
+        {kBoth, randn, args("like", one()), 0, "randnLike/0 1x1 Length"},
+        {kBoth, randi, args(row({1, 6}), 2, "like", one()), 1,
+         "randiLike/1 1x1 Length 1x2 double 1x1 double"},
+        // The plain one is called without the prototype, or with what stands before the class name.
+        {kPlain, rand, args(2, 3, "like", one()), 1, "rand/1 1x1 double 1x1 double"},
+        {kPlain, randi, args(6, 2, "like", one()), 1, "randi/1 1x1 double 1x1 double"},
+        {kPlain, rand, args(2, 3, "Length"), 1, "rand/1 1x1 double 1x1 double"},
+        {kPlain, randn, args(2, embedded_host::makeClassIdentifier(u"Length")), 1,
+         "randn/1 1x1 double"},
+        {kPlain, randi, args(row({1, 6}), 3, "Length"), 1, "randi/1 1x2 double 1x1 double"},
+    };
+    std::size_t const before = globalState();
+    for (Row const& row : rows) {
+      if (row.offers.like != offers.like) continue;
+      SCOPED_TRACE(row.note);
+      EXPECT_EQ(call(row.builtin, row.arguments, row.nlhs)->scalarText(), u"taken");
+      EXPECT_EQ(note, row.note);
+    }
+    EXPECT_EQ(globalState(), before);
+  }
 }
 
 TEST_F(ClassDispatch, PrototypeWithoutMethodsHasResultBuiltAndCast) {
   defineLength({});
-  txArrayPtr const result = call(mathrngRandFcn, args(2, 3, "like", length(typed<float>(1))));
-  EXPECT_EQ(shapeOf(*result), "2x3 Length");
-  EXPECT_EQ(shapeOf(*tcos::underlyingArray(*result)), "2x3 single");
-  txArrayPtr const integers =
-      call(mathrngRandiFcn, args(6, 2, "like", length(typed<std::uint8_t>(1))));
-  EXPECT_EQ(shapeOf(*tcos::underlyingArray(*integers)), "2x2 uint8");
-  txArrayPtr const logical = call(mathrngRandiFcn, args(1, "like", length(typed<bool>(1))));
-  EXPECT_EQ(shapeOf(*tcos::underlyingArray(*logical)), "1x1 logical");
-  txArrayPtr const complex = call(mathrngRandnFcn, args(2, "like", length(imaginary(1))));
-  EXPECT_EQ(shapeOf(*tcos::underlyingArray(*complex)), "2x2 complex double");
-}
-
-TEST_F(ClassDispatch, PrototypeAroundWrongClassIsRefused) {
-  defineLength({});
-  auto const error = [&](txBuiltin builtin, txArrayPtr wrapped) {
-    std::size_t const before = globalState();
-    std::string const id =
-        identifierOf([&] { call(builtin, args(2, "like", length(std::move(wrapped)))); });
-    EXPECT_EQ(globalState(), before);
-    return id;
+  auto const wrapped = [&](txBuiltin builtin, Args arguments, txArrayPtr prototype) {
+    arguments.push_back(toArgument("like"));
+    arguments.push_back(length(std::move(prototype)));
+    txArrayPtr const result = call(builtin, arguments);
+    EXPECT_EQ(tcos::className(*result), "Length");
+    return shapeOf(*tcos::underlyingArray(*result));
   };
-  EXPECT_EQ(error(mathrngRandFcn, typed<bool>(1)), "TALVOR:rand:invalidPrototype");
-  EXPECT_EQ(error(mathrngRandFcn, typed<int>(1)), "TALVOR:rand:invalidPrototype");
-  EXPECT_EQ(error(mathrngRandFcn, nullptr), "TALVOR:rand:invalidPrototype");
-  EXPECT_EQ(error(mathrngRandFcn, sparseScalar(1)), "TALVOR:rand:sparsePrototype");
+  EXPECT_EQ(wrapped(rand, args(2, 3), typed<float>(1)), "2x3 single");
+  EXPECT_EQ(wrapped(randi, args(6, 2), typed<std::uint8_t>(1)), "2x2 uint8");
+  EXPECT_EQ(wrapped(randi, args(1), typed<bool>(1)), "1x1 logical");
+  EXPECT_EQ(wrapped(randn, args(2), imaginary(1)), "2x2 complex double");
 }
 
-TEST_F(ClassDispatch, IntegerPrototypesAreRefusedByKind) {
+TEST_F(ClassDispatch, WhatTheClassCannotStandForIsRefused) {
   defineLength({});
-  auto const attempt = [&](txArrayPtr wrapped) {
-    return [this, given = std::make_shared<txArrayPtr>(std::move(wrapped))] {
-      call(mathrngRandiFcn, args(6, "like", length(*given ? txShare(**given) : nullptr)));
-    };
+  struct Row {
+    txBuiltin builtin;
+    Args arguments;
+    char const* identifier;
+    char const* texts = "";
   };
-  EXPECT_EQ(identifierOf(attempt(typed<std::int64_t>(1))), "TALVOR:randi:invalidOutputType");
-  EXPECT_EQ(argumentsOf(attempt(typed<std::int64_t>(1))), "Length");
-  EXPECT_EQ(identifierOf(attempt(nullptr)), "TALVOR:randi:invalidPrototype");
-  EXPECT_EQ(identifierOf(attempt(toArgument("text"))), "TALVOR:randi:invalidPrototype");
-}
-
-TEST_F(ClassDispatch, ClassNameGetsSizesOrLimitsAndSizes) {
-  defineLength({.plain = true});
-  EXPECT_TRUE(isTaken(*call(mathrngRandFcn, args(2, 3, "Length"))));
-  EXPECT_EQ(note, "rand/1 1x1 double 1x1 double");
-  EXPECT_TRUE(
-      isTaken(*call(mathrngRandnFcn, args(2, embedded_host::makeClassIdentifier(u"Length")))));
-  EXPECT_EQ(note, "randn/1 1x1 double");
-  EXPECT_TRUE(isTaken(*call(mathrngRandiFcn, args(row({1, 6}), 3, "Length"))));
-  EXPECT_EQ(note, "randi/1 1x2 double 1x1 double");
-}
-
-TEST_F(ClassDispatch, ClassWithoutMethodIsNoOutputType) {
-  defineLength({});
-  EXPECT_EQ(identifierOf([] { call(mathrngRandFcn, args(2, "Length")); }),
-            "TALVOR:rand:invalidOutputType");
-  EXPECT_EQ(identifierOf([] { call(mathrngRandiFcn, args(2, "Length")); }),
-            "TALVOR:randi:invalidClassname");
+  Row rows[] = {
+      {rand, args("like", length(typed<bool>(1))), "TALVOR:rand:invalidPrototype"},
+      {rand, args("like", length(typed<int>(1))), "TALVOR:rand:invalidPrototype"},
+      {rand, args("like", length(nullptr)), "TALVOR:rand:invalidPrototype"},
+      {rand, args("like", length(sparseScalar(1))), "TALVOR:rand:sparsePrototype"},
+      {randi, args(6, "like", length(typed<std::int64_t>(1))), "TALVOR:randi:invalidOutputType",
+       "Length"},
+      {randi, args(6, "like", length(nullptr)), "TALVOR:randi:invalidPrototype"},
+      {randi, args(6, "like", length(toArgument("text"))), "TALVOR:randi:invalidPrototype"},
+      {rand, args(2, "Length"), "TALVOR:rand:invalidOutputType"},
+      {randi, args(2, "Length"), "TALVOR:randi:invalidClassname"},
+  };
+  std::size_t const before = globalState();
+  for (Row const& row : rows) {
+    SCOPED_TRACE(&row - rows);
+    EXPECT_EQ(identifierOf([&] { call(row.builtin, row.arguments); }), row.identifier);
+    EXPECT_EQ(argumentsOf([&] { call(row.builtin, row.arguments); }), row.texts);
+  }
+  EXPECT_EQ(globalState(), before);
 }
 
 TEST_F(ClassDispatch, ErrorsOfClassReachCaller) {
@@ -141,12 +143,12 @@ TEST_F(ClassDispatch, ErrorsOfClassReachCaller) {
     embedded_host::raiseHostError("TALVOR:nomem", 1);
   };
   vm.context().classes().add(std::move(definition));
-  EXPECT_EQ(identifierOf([] { call(mathrngRandFcn, args("Broken")); }), "TALVOR:nomem");
+  EXPECT_EQ(identifierOf([] { call(rand, args("Broken")); }), "TALVOR:nomem");
 }
 
 TEST_F(ClassDispatch, SizesAreSeenThroughObjects) {
   defineLength({});
-  EXPECT_EQ(shapeOf(*call(mathrngRandFcn, args(length(row({2, 3}))))), "2x3 double");
+  EXPECT_EQ(shapeOf(*call(rand, args(length(row({2, 3}))))), "2x3 double");
 }
 
 // A class with a conversion of its own may stand for a size.
@@ -159,17 +161,15 @@ TEST_F(ClassDispatch, ObjectsWithDoubleMethodAreConvertedTogether) {
   auto const roman = [&] {
     return embedded_host::makeObject(vm.context().classes().find("Roman"));
   };
-  EXPECT_EQ(shapeOf(*call(mathrngRandFcn, args(2, roman()))), "2x4 double");
-  EXPECT_EQ(shapeOf(*call(mathrngRandiFcn, args(6, roman(), 2, "int8"))), "4x2 int8");
-  EXPECT_EQ(identifierOf([&] { call(mathrngRandnFcn, args(roman(), "x", 1)); }),
-            "TALVOR:randn:inputType");
+  EXPECT_EQ(shapeOf(*call(rand, args(2, roman()))), "2x4 double");
+  EXPECT_EQ(shapeOf(*call(randi, args(6, roman(), 2, "int8"))), "4x2 int8");
+  EXPECT_EQ(identifierOf([&] { call(randn, args(roman(), "x", 1)); }), "TALVOR:randn:inputType");
 }
 
 // A host without the conversion leaves such sizes as they are.
 TEST_F(ClassDispatch, MissingConversionIsWrongInputType) {
   vm.context().functions().remove("talvor.internal.builtinhelper.convertSizeArgToDouble");
-  EXPECT_EQ(identifierOf([&] { call(mathrngRandFcn, args(cellOf(nullptr), 1)); }),
-            "TALVOR:rand:inputType");
+  EXPECT_EQ(identifierOf([&] { call(rand, args(cellOf(nullptr), 1)); }), "TALVOR:rand:inputType");
 }
 
 }  // namespace
