@@ -12,6 +12,7 @@ char const kUsage[] =
     "       tvrng [options] -e TEXT ...   runs the texts in one session and shows the last value\n"
     "       tvrng stream [options]        writes random numbers; see tvrng stream --help\n"
     "       tvrng doctor                  checks the numbers that this machine draws\n"
+    "       tvrng report [options]        looks at a generator; see tvrng report --help\n"
     "\n"
     "  -e, --eval TEXT  a program; may be given several times\n"
     "  -i, --interactive  as at the prompt, also when standard input is a pipe: statements are\n"
@@ -31,6 +32,7 @@ struct Command {
   Invocation::Action action;
 };
 constexpr Command kCommands[] = {{"stream", Invocation::Action::stream},
+                                 {"report", Invocation::Action::report},
                                  {"doctor", Invocation::Action::doctor}};
 
 Command const* findCommand(std::string_view word) {

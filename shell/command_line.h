@@ -16,7 +16,7 @@ struct UsageError : std::runtime_error {
 };
 
 struct Invocation {
-  enum class Action { prompt, script, text, stream, doctor, version, help };
+  enum class Action { prompt, script, text, stream, report, doctor, version, help };
 
   Action action = Action::prompt;
   bool json = false;

@@ -11,6 +11,7 @@
 #include "shell/doctor_command.h"
 #include "shell/interpreter.h"
 #include "shell/prompt.h"
+#include "shell/report_command.h"
 #include "shell/stream_command.h"
 
 namespace {
@@ -78,6 +79,8 @@ int runInvocation(Invocation const& invocation) {
       return shell::runStreamCommand(invocation.rest);
     case Invocation::Action::doctor:
       return shell::runDoctorCommand(invocation.rest);
+    case Invocation::Action::report:
+      return shell::runReportCommand(invocation.rest);
     case Invocation::Action::prompt: {
       Interpreter interpreter(invocation.quiet ? Interpreter::Echo::none : Interpreter::Echo::all);
       if (invocation.longNumbers) interpreter.style().digits = 15;

@@ -28,7 +28,8 @@ LAYERS = {
     "cpp": "tfl_rng host rng",
     "c": "tfl_rng host rng cpp",
     "golden": "tfl_rng host rng embedded_host language runtime",
-    "shell": "tfl_rng host rng embedded_host language statistics runtime golden",
+    "report": "tfl_rng host rng statistics golden",
+    "shell": "tfl_rng host rng embedded_host language statistics runtime golden report",
     "python": "host rng runtime cpp c",
     "examples": "host rng runtime cpp c",
     "benchmarks": "*",
@@ -38,8 +39,8 @@ LAYERS = {
 
 # Third-party headers, and where they may be included: rooms, or single files.
 THIRD_PARTY = {
-    "boost/": "plugin_rng statistics benchmarks fuzz tests",
-    "fmt/": "embedded_host shell benchmarks tests",
+    "boost/": "plugin_rng statistics report benchmarks fuzz tests",
+    "fmt/": "embedded_host report shell benchmarks tests",
     "gmock/": "tests",
     "gtest/": "tests",
     "histedit.h": "shell",
