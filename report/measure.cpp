@@ -5,8 +5,8 @@
 #include <mutex>
 #include <thread>
 
+#include "report/chances.h"
 #include "report/report.h"
-#include "report/statistics.h"
 
 namespace report {
 

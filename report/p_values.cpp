@@ -5,9 +5,9 @@
 #include <algorithm>
 #include <cmath>
 
+#include "report/chances.h"
 #include "report/page.h"
 #include "report/report.h"
-#include "report/statistics.h"
 
 namespace report {
 
@@ -60,13 +60,15 @@ std::string pValueSection(std::vector<Test> const& tests, double level) {
   auto const red = static_cast<std::size_t>(std::count_if(
       adjusted.begin(), adjusted.end(), [](double value) { return value < kFamilyError; }));
   std::string const text =
-      red == 0 ? fmt::format("None of {} p-values is smaller than chance allows.", tests.size())
-               : fmt::format("{} of {} p-values are smaller than chance allows.", red, tests.size());
+      red == 0
+          ? fmt::format("None of {} p-values is smaller than chance allows.", tests.size())
+          : fmt::format("{} of {} p-values are smaller than chance allows.", red, tests.size());
   return section(
       "p-values", "Are the p-values themselves uniform?", red ? Verdict::bad : Verdict::good, text,
       responsive([&](Frame const& frame) { return draw(frame, sorted); }, level),
       "A p-value is the chance that a perfect source looks at least as odd; over many tests they "
-      "spread evenly over 0 to 1. Shaded: where 19 of 20 of the sorted p-values lie for independent "
+      "spread evenly over 0 to 1. Shaded: where 19 of 20 of the sorted p-values lie for "
+      "independent "
       "tests. Some tests share their numbers and some are bounds, so that the dots may lie above "
       "it.");
 }

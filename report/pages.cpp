@@ -36,9 +36,10 @@ std::string contents(std::vector<Result> const& results, Judgement const& judgem
                        verdictMark(verdictOf(results[i], judgement.red[i])), plot.id,
                        escaped(plot.title), std::isnan(p) ? "" : "p " + pText(p));
   }
-  return out + fmt::format("</ul>\n<b>All together</b>\n<ul><li>{}<a href=\"#p-values\">Are the "
-                           "p-values themselves uniform?</a><span></span></li></ul>\n</nav>\n",
-                           verdictMark(judgement.redCount() ? Verdict::bad : Verdict::good));
+  return out + fmt::format(
+                   "</ul>\n<b>All together</b>\n<ul><li>{}<a href=\"#p-values\">Are the "
+                   "p-values themselves uniform?</a><span></span></li></ul>\n</nav>\n",
+                   verdictMark(judgement.redCount() ? Verdict::bad : Verdict::good));
 }
 
 std::string summary(Subject const& subject, std::vector<Result> const& results,
@@ -63,9 +64,8 @@ std::string summary(Subject const& subject, std::vector<Result> const& results,
       "<p class=\"explain\">Every plot shows the generator in blue and, shaded, where a perfect "
       "source would lie. A verdict turns red when its test is less likely than {} to be chance; "
       "over all {} tests, one page in {} of a perfect source has a red verdict.</p>\n</header>\n",
-      escaped(subject.name), subject.seed,
-      subject.hasSubstreams ? ", stream 1, substream 1" : "", text, readable(judgement.level, 2),
-      judgement.tests, readable(1 / kFamilyError));
+      escaped(subject.name), subject.seed, subject.hasSubstreams ? ", stream 1, substream 1" : "",
+      text, readable(judgement.level, 2), judgement.tests, readable(1 / kFamilyError));
 }
 
 }  // namespace
@@ -87,11 +87,11 @@ std::string reportPage(Subject const& subject, std::vector<Result> const& result
     std::string text = verdict == Verdict::bad ? finding.bad : finding.good;
     std::string ps;
     for (Test const& test : finding.tests) {
-      ps += fmt::format("{}{}: p\u00a0{}", ps.empty() ? " Tests: " : "; ", test.name, pText(test.p));
+      ps +=
+          fmt::format("{}{}: p\u00a0{}", ps.empty() ? " Tests: " : "; ", test.name, pText(test.p));
       tests.push_back(test);
     }
-    body += section(plot->id, plot->title, verdict, text,
-                    responsive(finding.draw, judgement.level),
+    body += section(plot->id, plot->title, verdict, text, responsive(finding.draw, judgement.level),
                     finding.note + ps + (ps.empty() ? "" : "."));
   }
   body += "<h2>All together</h2>\n" + pValueSection(tests, judgement.level);

@@ -5,8 +5,8 @@
 #include <algorithm>
 #include <cmath>
 
+#include "report/chances.h"
 #include "report/plots.h"
-#include "report/statistics.h"
 
 namespace report {
 

@@ -5,8 +5,8 @@
 #include <algorithm>
 #include <cmath>
 
+#include "report/chances.h"
 #include "report/plots.h"
-#include "report/statistics.h"
 
 namespace report {
 
@@ -28,9 +28,9 @@ Finding measureIntegers(Subject const& subject) {
       done += n;
     }
     double const expected = static_cast<double>(kDraws) / static_cast<double>(range);
-    finding.tests.push_back({fmt::format("integers, {} values", range),
-                             chiSquareP(chiSquareOfEqualCounts(counts, expected),
-                                        static_cast<double>(range - 1))});
+    finding.tests.push_back(
+        {fmt::format("integers, {} values", range),
+         chiSquareP(chiSquareOfEqualCounts(counts, expected), static_cast<double>(range - 1))});
     if (range != kShownRange) continue;
     for (std::uint64_t const count : counts) {
       shown.push_back(static_cast<double>(count) / expected);
@@ -39,7 +39,8 @@ Finding measureIntegers(Subject const& subject) {
   }
   double const expected = static_cast<double>(kDraws) / kShownRange;
   double const spread = std::sqrt((1 - 1.0 / kShownRange) / expected);
-  finding.tests.push_back({"integers, worst value", smallestOf(normalP(worst / spread), kShownRange)});
+  finding.tests.push_back(
+      {"integers, worst value", smallestOf(normalP(worst / spread), kShownRange)});
   finding.good = fmt::format("Fair: of 1 to {}, no value is off by more than {} %.", kShownRange,
                              readable(100 * worst, 2));
   finding.bad = "Not fair: some whole numbers come too often or too seldom.";
@@ -81,8 +82,8 @@ Finding measureIntegers(Subject const& subject) {
          {Example{6, "a die"}, Example{1e6, "a million"}, Example{0x1p32, "2³²"}}) {
       Point const at[] = {{example.range, example.range * grid}};
       bias.dots(at, "dot");
-      bias.label(example.range, at[0].y,
-                 fmt::format("{}: {}", example.name, readable(at[0].y, 2)), Anchor::start, 9, 12);
+      bias.label(example.range, at[0].y, fmt::format("{}: {}", example.name, readable(at[0].y, 2)),
+                 Anchor::start, 9, 12);
     }
     return std::move(svg).finish();
   };
@@ -111,15 +112,15 @@ Finding measurePermutations(Subject const& subject) {
   }
   // Rows and columns of a permutation sum to 1, which leaves (k-1)^2 degrees of freedom and makes
   // the usual sum too large by k / (k-1).
-  double const statistic =
-      chiSquareOfEqualCounts(counts, expected) * (kLength - 1) / kLength;
+  double const statistic = chiSquareOfEqualCounts(counts, expected) * (kLength - 1) / kLength;
   Finding finding;
   finding.tests = {{"permutations", chiSquareP(statistic, (kLength - 1) * (kLength - 1))}};
   finding.good = "Every value is equally likely in every place.";
   finding.bad = "Some values prefer some places.";
   finding.note = fmt::format(
       "{} permutations of 12, randperm(12,12): how often each value stands in each place, in "
-      "standard deviations from the expected {}; what lies beyond the ends of the scale is outlined.",
+      "standard deviations from the expected {}; what lies beyond the ends of the scale is "
+      "outlined.",
       readable(static_cast<double>(kPermutations)), readable(std::round(expected)));
   finding.draw = [=](Frame const& frame) {
     double const limit = largestNormalLimit(frame.level, kLength * kLength);

@@ -5,8 +5,8 @@
 #include <algorithm>
 #include <cmath>
 
+#include "report/chances.h"
 #include "report/plots.h"
-#include "report/statistics.h"
 
 namespace report {
 
@@ -131,7 +131,8 @@ Finding measureQuantiles(Subject const& subject) {
   finding.tests = {{"normals, mean", found.meanP},
                    {"normals, variance", found.spreadP},
                    {"normals, quantiles", found.p}};
-  double const furthest = std::max(-found.points.front().x, found.points.back().x);
+  double const furthest =
+      found.points.empty() ? 0 : std::max(-found.points.front().x, found.points.back().x);
   finding.good = fmt::format("Normal as far as the sample reaches, {} σ; mean {}.",
                              readable(furthest, 2), readable(found.mean, 2));
   finding.bad = fmt::format("Not standard normal: mean {}, or quantiles outside of the band.",

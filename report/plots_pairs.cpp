@@ -5,8 +5,8 @@
 #include <algorithm>
 #include <cmath>
 
+#include "report/chances.h"
 #include "report/plots.h"
-#include "report/statistics.h"
 
 namespace report {
 
@@ -67,8 +67,8 @@ Finding measurePairs(Subject const& subject) {
     chart.frame();
     svg.text(plot.x, 24, "next value", "name");
     double const keyWidth = std::min(frame.width - 30, 300.0);
-    heatMapKey(svg, (frame.width - keyWidth) / 2, side + 96, keyWidth, fmt::format("−{:.1f}", limit),
-               "standard deviations", fmt::format("+{:.1f}", limit));
+    heatMapKey(svg, (frame.width - keyWidth) / 2, side + 96, keyWidth,
+               fmt::format("−{:.1f}", limit), "standard deviations", fmt::format("+{:.1f}", limit));
     return std::move(svg).finish();
   };
   return finding;
@@ -96,13 +96,15 @@ Finding measureStrip(Subject const& subject) {
     }
   });
   double const expected = static_cast<double>(seen) / (kSide * kSide);
-  double const p = chiSquareP(chiSquareOfEqualCounts(counts, expected), kSide * kSide - 1);
+  double const spreadP =
+      seen == 0 ? 1 : chiSquareP(chiSquareOfEqualCounts(counts, expected), kSide * kSide - 1);
   auto const empty = static_cast<std::size_t>(std::count(counts.begin(), counts.end(), 0));
   Finding finding;
-  finding.tests = {{"strip", p}};
+  finding.tests = {{"strip", spreadP}, {"strip, how many", binomialP(seen, kDraws, kStrip)}};
   finding.good = "No lines: the strip is filled like rain on a pavement.";
-  finding.bad = fmt::format("Lines: {} of {} cells of the strip stay empty or overfull.",
-                            std::max<std::size_t>(empty, 1), kSide * kSide);
+  finding.bad = empty > kSide ? fmt::format("Lines: {} of {} cells of the strip stay empty.", empty,
+                                            kSide * kSide)
+                              : "The strip is not filled evenly, or too much or too little.";
   finding.note = fmt::format(
       "The same pairs under a magnifying glass: first values below 1/1024 only, in raw outputs of "
       "{} draws. A multiplicative generator's pairs lie on few steep lines here. Expected: dots "
@@ -115,7 +117,7 @@ Finding measureStrip(Subject const& subject) {
     x.ticks = {{0, "0"}, {kStrip / 2, "1/2048"}, {kStrip, "1/1024"}};
     Chart chart(svg, plot, x, linearAxis(0, 1, "next value", 4));
     chart.frame();
-    chart.dots(points, p < frame.level ? "speck bad" : "speck");
+    chart.dots(points, spreadP < frame.level ? "speck bad" : "speck");
     return std::move(svg).finish();
   };
   return finding;
@@ -150,19 +152,18 @@ Finding measurePlanes(Subject const& subject) {
   double const expected = static_cast<double>(seen) / kBins;
   std::vector<double> const z = scores(counts, expected);
   Finding finding;
-  finding.tests = {
-      {"planes", chiSquareP(chiSquareOfEqualCounts(counts, expected), kBins - 1)}};
+  finding.tests = {{"planes", chiSquareP(chiSquareOfEqualCounts(counts, expected), kBins - 1)}};
   finding.good = "No planes: triples fill the space between them evenly.";
   finding.bad = "Planes: the triples crowd on some of them.";
   finding.note = fmt::format(
-      "Triples of values seen along {}: the height is {}·u(n{}) {} {}·u(n{}) {} {}·u(n{}) minus the "
+      "Triples of values seen along {}: the height is {}·u(n{}) {} {}·u(n{}) {} {}·u(n{}) minus "
+      "the "
       "nearest whole number. Where triples lie on those planes, all dots have height 0. Right: {} "
       "triples by height, with the expected band.",
       planes.origin, planes.factors[0], planes.lags[0] ? fmt::format("+{}", planes.lags[0]) : "",
       planes.factors[1] < 0 ? "−" : "+", std::abs(planes.factors[1]),
-      planes.lags[1] ? fmt::format("+{}", planes.lags[1]) : "",
-      planes.factors[2] < 0 ? "−" : "+", std::abs(planes.factors[2]),
-      planes.lags[2] ? fmt::format("+{}", planes.lags[2]) : "",
+      planes.lags[1] ? fmt::format("+{}", planes.lags[1]) : "", planes.factors[2] < 0 ? "−" : "+",
+      std::abs(planes.factors[2]), planes.lags[2] ? fmt::format("+{}", planes.lags[2]) : "",
       readable(static_cast<double>(seen)));
   finding.draw = [=](Frame const& frame) {
     double const limit = largestNormalLimit(frame.level, kBins);

@@ -76,10 +76,10 @@ Finding measureSpeed(Subject const& subject) {
         {at, costOf(n, [&](std::uint64_t k) { stream->randiFcn(1, 6, integers.data(), k); })});
   }
   Finding finding;
-  finding.good = fmt::format(
-      "One value of rand takes {} ns alone and {} ns among {}.",
-      readable(curves[0].points.front().y, 2), readable(curves[0].points.back().y, 2),
-      readable(static_cast<double>(kLargest)));
+  finding.good =
+      fmt::format("One value of rand takes {} ns alone and {} ns among {}.",
+                  readable(curves[0].points.front().y, 2), readable(curves[0].points.back().y, 2),
+                  readable(static_cast<double>(kLargest)));
   finding.note = fmt::format(
       "Nanoseconds a value by the size of a request, the best of five rounds, called from C++. "
       "Machine: {}.",
@@ -96,22 +96,24 @@ Finding measureSpeed(Subject const& subject) {
     Svg svg(frame.width, 300, "Time a value by the size of a request");
     Box plot = frame.plot(300);
     plot.width -= 62;
-    Chart chart(svg, plot, logAxis(1, kLargest, "values asked for at once", 10, frame.isNarrow() ? 4 : 8),
+    Chart chart(svg, plot,
+                logAxis(1, kLargest, "values asked for at once", 10, frame.isNarrow() ? 4 : 8),
                 logAxis(std::pow(10, std::floor(std::log10(low))),
                         std::pow(10, std::ceil(std::log10(high))), "nanoseconds a value"));
     chart.frame();
     // Labels at the right end, moved apart.
     std::vector<Curve const*> order;
     for (Curve const& curve : curves) order.push_back(&curve);
-    std::ranges::sort(order, [](auto a, auto b) { return a->points.back().y > b->points.back().y; });
+    std::ranges::sort(order,
+                      [](auto a, auto b) { return a->points.back().y > b->points.back().y; });
     double lowest = -1e9;
     for (std::size_t i = 0; i < order.size(); ++i) {
       std::string const series = fmt::format("series{}", order[i] - curves.data());
       chart.line(order[i]->points, "data " + series);
       for (Point const& p : order[i]->points) {
-        svg.circle(chart.x(p.x), chart.y(p.y), 3, "knot " + series,
-                   fmt::format("{}, {} values: {} ns each", order[i]->name, readable(p.x),
-                               readable(p.y)));
+        svg.circle(
+            chart.x(p.x), chart.y(p.y), 3, "knot " + series,
+            fmt::format("{}, {} values: {} ns each", order[i]->name, readable(p.x), readable(p.y)));
       }
       double const y = std::max(chart.y(order[i]->points.back().y) + 4, lowest + 15);
       svg.text(plot.x + plot.width + 7, y, order[i]->name, "mark " + series);

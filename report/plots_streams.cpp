@@ -84,7 +84,8 @@ Finding measureStreamMap(Subject const& subject) {
       readable(static_cast<double>(kDraws / 2)));
   finding.draw = [=](Frame const& frame) {
     double const height = 96 + 24 * static_cast<double>(lines.size()) + 16;
-    Svg svg(frame.width, height, "Streams and substreams, and how far those of this page have come");
+    Svg svg(frame.width, height,
+            "Streams and substreams, and how far those of this page have come");
     double const left = frame.isNarrow() ? 8 : 158;
     Box const plot{left, 52, frame.width - left - 14, height - 52 - 44};
     bool const longPeriod = end > 140 || end == 0;

@@ -5,8 +5,9 @@
 #include <algorithm>
 #include <cmath>
 
+#include "report/chances.h"
 #include "report/plots.h"
-#include "report/statistics.h"
+#include "statistics/p_values.h"
 
 namespace report {
 
@@ -42,9 +43,8 @@ Finding measureDensity(Subject const& subject) {
       {"density, worst bin", smallestOf(normalP(largest / spread), kBins)}};
   finding.good = fmt::format("Flat: no bin is off by more than {} %.", readable(100 * largest, 2));
   finding.bad = fmt::format("Not flat: a bin is off by {} %.", readable(100 * largest, 2));
-  finding.note = fmt::format(
-      "{} values in {} bins; 1 is the share that each bin should have.",
-      readable(static_cast<double>(kDraws)), kBins);
+  finding.note = fmt::format("{} values in {} bins; 1 is the share that each bin should have.",
+                             readable(static_cast<double>(kDraws)), kBins);
   finding.draw = [=](Frame const& frame) {
     double const limit = spread * largestNormalLimit(frame.level, kBins);
     double const reach = 1.35 * std::max(limit, std::min(largest, 4 * limit));
@@ -79,15 +79,15 @@ Finding measureEcdf(Subject const& subject) {
     if ((i + 1) % kShownStep == 0) shown.push_back({at, gap});
   }
   Finding finding;
-  finding.tests = {{"distribution", kolmogorovP(std::fabs(worst.y) * std::sqrt(n))}};
+  finding.tests = {{"distribution", statistics::kolmogorovTail(std::fabs(worst.y), kDraws)}};
   finding.good = fmt::format("On the diagonal: the widest gap is {}.", readable(worst.y, 2));
   finding.bad = fmt::format("Off the diagonal: the widest gap is {}.", readable(worst.y, 2));
   finding.note =
       "The share of values up to x, minus x. A perfect source wanders like this and returns to 0 "
       "at 1; the band is that of Kolmogorov and Smirnov.";
   finding.draw = [=](Frame const& frame) {
-    double const limit = kolmogorovLimit(frame.level) / std::sqrt(n);
-    double const usual = kolmogorovLimit(0.05) / std::sqrt(n);
+    double const limit = kolmogorovLimit(frame.level, kDraws);
+    double const usual = kolmogorovLimit(0.05, kDraws);
     double const reach = 1.3 * std::max(limit, std::min(std::fabs(worst.y), 6 * limit));
     Svg svg(frame.width, 280, "Empirical distribution function minus x, with the expected band");
     Chart chart(svg, frame.plot(280, 66), linearAxis(0, 1, "x"),

@@ -29,9 +29,9 @@ std::vector<Result> measureAll(Subject const& subject, Progress const& progress 
 
 // What is red and what is not, over all tests of a page (Holm's procedure).
 struct Judgement {
-  double level = 0;       // a p below this is red in any case
-  std::size_t tests = 0;  // on the page
-  std::vector<bool> red;  // by result
+  double level = 0;              // a p below this is red in any case
+  std::size_t tests = 0;         // on the page
+  std::vector<bool> red;         // by result
   std::vector<double> smallest;  // p of each result's oddest test; NaN without tests
 
   std::size_t redCount() const;

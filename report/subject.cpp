@@ -15,7 +15,8 @@ namespace {
 // Programming 2, section 3.3.4, table 1.
 constexpr Planes kMinimalStandard{{90, -44, 631}, {0, 1, 2}, "the planes of 16807 mod 2³¹ − 1"};
 // z(n) - z(n-12) + z(n-27) is 0 or the borrow, modulo 1.
-constexpr Planes kSubtractWithBorrow{{1, -1, 1}, {27, 15, 0}, "the recurrence z(n) = z(n−12) − z(n−27)"};
+constexpr Planes kSubtractWithBorrow{
+    {1, -1, 1}, {27, 15, 0}, "the recurrence z(n) = z(n−12) − z(n−27)"};
 
 constexpr double kSeam256 = 3.6541528853610088;
 constexpr double kSeam128 = 3.442619855899;
@@ -58,8 +59,7 @@ Traits traitsOf(std::string_view name) {
 Subject subjectNamed(std::string_view name, std::uint32_t seed) {
   std::string const asked(name);
   // Refuses unknown names; what is known is found under the canonical one.
-  std::unique_ptr<randstream> const first(
-      mrCreateRNGStream(asked.c_str(), 1, 0, seed, nullptr, 0));
+  std::unique_ptr<randstream> const first(mrCreateRNGStream(asked.c_str(), 1, 0, seed, nullptr, 0));
   auto const* const family = std::ranges::find_if(kFamilies, [&](Family const& f) {
     return strcasecmp(f.name, asked.c_str()) == 0 ||
            strcasecmp(f.otherSpelling, asked.c_str()) == 0;
@@ -71,8 +71,8 @@ Subject subjectNamed(std::string_view name, std::uint32_t seed) {
   subject.hasSubstreams = family->hasSubstreams;
   subject.make = [type = subject.name, several = subject.hasSubstreams](std::uint32_t ofSeed,
                                                                         std::uint64_t stream) {
-    return std::unique_ptr<randstream>(mrCreateRNGStream(
-        type.c_str(), several ? kNeighbours : 1, stream, ofSeed, nullptr, 0));
+    return std::unique_ptr<randstream>(
+        mrCreateRNGStream(type.c_str(), several ? kNeighbours : 1, stream, ofSeed, nullptr, 0));
   };
   return subject;
 }

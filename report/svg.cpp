@@ -108,8 +108,7 @@ void Svg::path(std::string_view commands, std::string_view style) {
 }
 
 void Svg::text(double x, double y, std::string_view text, std::string_view style, Anchor anchor) {
-  static constexpr char const* kAnchors[] = {"", " text-anchor=\"middle\"",
-                                             " text-anchor=\"end\""};
+  static constexpr char const* kAnchors[] = {"", " text-anchor=\"middle\"", " text-anchor=\"end\""};
   out_ += fmt::format("<text class=\"{}\" x=\"{}\" y=\"{}\"{}>{}</text>\n", style, at(x), at(y),
                       kAnchors[static_cast<int>(anchor)], escaped(text));
 }

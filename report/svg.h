@@ -1,6 +1,7 @@
 #pragma once
 
-// Writes SVG: elements with classes that the page's style sheet gives colours to, in light and dark.
+// Writes SVG: elements with classes that the page's style sheet gives colours to, in light and
+// dark.
 //
 //   chart     .axis .grid .zero            lines of the frame
 //   data      .data .dot .step             what was measured

@@ -1,28 +1,31 @@
 #pragma once
 
 #include <chrono>
-#include <cstdint>
+#include <string_view>
 
 namespace shell {
 
-// A line on standard error that tells how far a long output is; nothing at all when standard error
-// is no terminal.
+// A line on standard error that tells how far long work is, with a bar and the time that is left;
+// nothing at all when standard error is no terminal. What is quickly done shows none.
 class Progress {
  public:
-  // `total` values, or StreamOptions::kEndless.
-  explicit Progress(std::uint64_t total);
+  // `wanted` false shows nothing either.
+  explicit Progress(bool wanted = true);
   ~Progress();
   Progress(Progress const&) = delete;
   Progress& operator=(Progress const&) = delete;
 
-  void update(std::uint64_t done);
+  // True a few times a second: when a new line is worth drawing.
+  bool isDue() const;
+  // `share` from 0 to 1, or negative when the end is unknown, which leaves the text alone.
+  void draw(double share, std::string_view text);
+  double seconds() const;  // since the work began
 
  private:
   using Clock = std::chrono::steady_clock;
 
   bool shown_;
   bool drawn_ = false;
-  std::uint64_t total_;
   Clock::time_point start_ = Clock::now();
   Clock::time_point next_ = start_;
 };

@@ -12,6 +12,7 @@
 #include "host/except.h"
 #include "report/report.h"
 #include "shell/command_line.h"
+#include "shell/progress.h"
 
 namespace shell {
 
@@ -44,8 +45,7 @@ std::uint32_t seedFrom(std::string const& text) {
   } catch (std::logic_error const&) {
     // told below
   }
-  throw UsageError(
-      fmt::format("--seed takes a whole number from 0 to 4294967295, not {}", text));
+  throw UsageError(fmt::format("--seed takes a whole number from 0 to 4294967295, not {}", text));
 }
 
 ReportOptions parse(std::vector<std::string> const& words) {
@@ -85,7 +85,8 @@ void write(std::string const& page, std::string const& file) {
   }
   std::ofstream out(file, std::ios::binary);
   out << page << std::flush;
-  if (!out) throw std::runtime_error(fmt::format("cannot write {}: {}", file, std::strerror(errno)));
+  if (!out)
+    throw std::runtime_error(fmt::format("cannot write {}: {}", file, std::strerror(errno)));
 }
 
 }  // namespace
@@ -98,7 +99,12 @@ int runReportCommand(std::vector<std::string> const& words) {
   }
   try {
     report::Subject const subject = report::subjectNamed(options.generator, options.seed);
-    auto const results = report::measureAll(subject);
+    auto const results = [&] {
+      Progress progress;
+      return report::measureAll(subject, [&](double share, std::string_view what) {
+        progress.draw(share, what);
+      });
+    }();
     write(report::reportPage(subject, results, TV_VERSION), options.output);
   } catch (foundation::core::except::AnyException const& error) {
     std::string const hint = embedded_host::renderHint(error.GetBaseMsgIDObj());

@@ -85,7 +85,7 @@ void writeValues(randstream& stream, StreamOptions const& options) {
   std::uint64_t const block = kBlockBytes / sizeof(T);
   auto const values = txMakeBuffer<T>(block);
   fmt::memory_buffer text;
-  Progress progress(options.count);
+  Progress progress(!isatty(STDOUT_FILENO));
   std::uint64_t done = 0;
   while (done < options.count) {
     std::uint64_t const n = std::min(block, options.count - done);
@@ -101,7 +101,14 @@ void writeValues(randstream& stream, StreamOptions const& options) {
     }
     if (!open) return;
     done += n;
-    progress.update(done);
+    if (progress.isDue()) {
+      auto const written = static_cast<double>(done);
+      progress.draw(options.count == StreamOptions::kEndless
+                        ? -1
+                        : written / static_cast<double>(options.count),
+                    fmt::format("{:.3g} values, {:.3g} a second", written,
+                                written / progress.seconds()));
+    }
   }
 }
 

@@ -1,7 +1,7 @@
 #pragma once
 
-// Probabilities of the report's tests: each p is the chance that a perfect source looks at least as
-// odd. Distributions are those of Boost.Math.
+// Chances that a perfect source looks as odd as what was seen, and the limits that belong to them:
+// what plots with bands need beyond statistics/p_values.h.
 
 #include <cstdint>
 #include <span>
@@ -20,10 +20,9 @@ double normalP(double z);
 double normalBelow(double z);
 double normalQuantile(double p);
 
-// Kolmogorov's limit law: P(sqrt(n) D > lambda).
-double kolmogorovP(double lambda);
-// lambda of which that is p.
-double kolmogorovLimit(double p);
+// The largest distance of the empirical distribution of n values from the true one that is exceeded
+// with probability p.
+double kolmogorovLimit(double p, std::uint64_t n);
 
 // Two-sided p of a count of `n` events of probability `chance` each.
 double binomialP(std::uint64_t count, std::uint64_t n, double chance);
@@ -38,8 +37,9 @@ double smallestOf(double p, double count);
 // |z| that the largest of `count` independent standard normals exceeds with probability p.
 double largestNormalLimit(double p, double count);
 
-// Holm's adjusted p-values: those below a level are the ones to reject with at most that chance of
-// any false rejection, however the tests depend on each other.
+// Holm's adjusted p-values (S. Holm, Scandinavian Journal of Statistics 6 (1979) 65-70): those
+// below a level are the ones to reject with at most that chance of any false rejection, however the
+// tests depend on each other.
 std::vector<double> holm(std::span<double const> p);
 
 }  // namespace report

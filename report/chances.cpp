@@ -1,28 +1,27 @@
-#include "report/statistics.h"
+#include "report/chances.h"
 
 #include <algorithm>
 #include <boost/math/distributions/beta.hpp>
 #include <boost/math/distributions/binomial.hpp>
-#include <boost/math/distributions/chi_squared.hpp>
 #include <boost/math/distributions/normal.hpp>
 #include <cmath>
 #include <numeric>
+
+#include "statistics/p_values.h"
 
 namespace report {
 
 namespace {
 
-template <class Distribution>
-double twoSided(Distribution const& distribution, double value) {
-  double const below = boost::math::cdf(distribution, value);
-  double const above = boost::math::cdf(boost::math::complement(distribution, value));
-  return std::min(1.0, 2 * std::min(below, above));
+boost::math::beta_distribution<> orderStatistic(std::uint64_t k, std::uint64_t n) {
+  return boost::math::beta_distribution<>(static_cast<double>(k), static_cast<double>(n + 1 - k));
 }
 
 }  // namespace
 
 double chiSquareP(double statistic, double degreesOfFreedom) {
-  return twoSided(boost::math::chi_squared(degreesOfFreedom), statistic);
+  double const above = statistics::chiSquareTail(statistic, degreesOfFreedom);
+  return std::min(1.0, 2 * std::min(above, 1 - above));
 }
 
 double chiSquareOfEqualCounts(std::span<std::uint64_t const> counts, double expected) {
@@ -34,27 +33,18 @@ double chiSquareOfEqualCounts(std::span<std::uint64_t const> counts, double expe
   return sum;
 }
 
-double normalP(double z) { return std::erfc(std::fabs(z) / std::sqrt(2.0)); }
+double normalP(double z) { return 2 * statistics::normalTail(std::fabs(z)); }
 
-double normalBelow(double z) { return 0.5 * std::erfc(-z / std::sqrt(2.0)); }
+double normalBelow(double z) { return statistics::normalTail(-z); }
 
 double normalQuantile(double p) { return boost::math::quantile(boost::math::normal(), p); }
 
-double kolmogorovP(double lambda) {
-  if (lambda < 0.3) return 1;  // less than 1e-5 away, and the series needs many terms
-  double sum = 0;
-  for (int k = 1; k <= 20; ++k) {
-    sum += (k % 2 == 1 ? 2 : -2) * std::exp(-2.0 * k * k * lambda * lambda);
-  }
-  return std::clamp(sum, 0.0, 1.0);
-}
-
-double kolmogorovLimit(double p) {
-  double low = 0.3;
-  double high = 20;
+double kolmogorovLimit(double p, std::uint64_t n) {
+  double low = 0;
+  double high = 1;
   for (int i = 0; i < 60; ++i) {
     double const middle = (low + high) / 2;
-    (kolmogorovP(middle) > p ? low : high) = middle;
+    (statistics::kolmogorovTail(middle, n) > p ? low : high) = middle;
   }
   return high;
 }
@@ -69,14 +59,14 @@ double binomialP(std::uint64_t count, std::uint64_t n, double chance) {
 }
 
 double orderStatisticP(double value, std::uint64_t k, std::uint64_t n) {
-  return twoSided(boost::math::beta_distribution<>(static_cast<double>(k),
-                                                   static_cast<double>(n + 1 - k)),
-                  std::clamp(value, 0.0, 1.0));
+  auto const law = orderStatistic(k, n);
+  double const at = std::clamp(value, 0.0, 1.0);
+  return std::min(1.0, 2 * std::min(boost::math::cdf(law, at),
+                                    boost::math::cdf(boost::math::complement(law, at))));
 }
 
 double orderStatisticQuantile(double p, std::uint64_t k, std::uint64_t n) {
-  return boost::math::quantile(
-      boost::math::beta_distribution<>(static_cast<double>(k), static_cast<double>(n + 1 - k)), p);
+  return boost::math::quantile(orderStatistic(k, n), p);
 }
 
 double smallestOf(double p, double count) { return -std::expm1(count * std::log1p(-p)); }
