@@ -78,6 +78,7 @@ ReportOptions parse(std::vector<std::string> const& words) {
   return options;
 }
 
+// An empty name is standard output.
 void write(std::string const& page, std::string const& file) {
   if (file.empty()) {
     std::fwrite(page.data(), 1, page.size(), stdout);
@@ -99,11 +100,11 @@ int runReportCommand(std::vector<std::string> const& words) {
   }
   try {
     report::Subject const subject = report::subjectNamed(options.generator, options.seed);
+    write("", options.output);  // a file that cannot be written is told before the work
     auto const results = [&] {
       Progress progress;
-      return report::measureAll(subject, [&](double share, std::string_view what) {
-        progress.draw(share, what);
-      });
+      return report::measureAll(
+          subject, [&](double share, std::string_view what) { progress.draw(share, what); });
     }();
     write(report::reportPage(subject, results, TV_VERSION), options.output);
   } catch (foundation::core::except::AnyException const& error) {

@@ -103,11 +103,10 @@ void writeValues(randstream& stream, StreamOptions const& options) {
     done += n;
     if (progress.isDue()) {
       auto const written = static_cast<double>(done);
-      progress.draw(options.count == StreamOptions::kEndless
-                        ? -1
-                        : written / static_cast<double>(options.count),
-                    fmt::format("{:.3g} values, {:.3g} a second", written,
-                                written / progress.seconds()));
+      progress.draw(
+          options.count == StreamOptions::kEndless ? -1
+                                                   : written / static_cast<double>(options.count),
+          fmt::format("{:.3g} values, {:.3g} a second", written, written / progress.seconds()));
     }
   }
 }
