@@ -33,6 +33,7 @@ double kolmogorovLimitTail(double x) {
 }  // namespace
 
 double chiSquareTail(double statistic, double degreesOfFreedom) {
+  if (statistic <= 0) return 1;  // the distribution's own function overflows there
   return cdf(complement(boost::math::chi_squared(degreesOfFreedom), statistic));
 }
 

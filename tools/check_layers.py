@@ -32,6 +32,7 @@ LAYERS = {
     "shell": "tfl_rng host rng embedded_host language statistics runtime golden report",
     "python": "host rng runtime cpp c",
     "examples": "host rng runtime cpp c",
+    "battery": "tfl_rng host rng embedded_host runtime statistics",
     "benchmarks": "*",
     "fuzz": "*",
     "tests": "*",

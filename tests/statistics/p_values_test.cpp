@@ -14,6 +14,7 @@ TEST(PValues, AgreeWithPublishedTables) {
   EXPECT_NEAR(chiSquareTail(3.841459, 1), 0.05, 1e-7);
   EXPECT_NEAR(chiSquareTail(18.307038, 10), 0.05, 1e-7);
   EXPECT_NEAR(chiSquareTail(135.806723, 100), 0.01, 1e-7);
+  EXPECT_EQ(chiSquareTail(0, 4095), 1);
   EXPECT_NEAR(normalTail(1.959964), 0.025, 1e-7);
   EXPECT_NEAR(normalTail(-1.281552), 0.9, 1e-6);
   constexpr std::size_t kMany = 1'000'000'000'000;
@@ -32,6 +33,7 @@ TEST(PValues, OfCountsCountHalfOfTheCountItself) {
   double const none = std::exp(-2.0);
   EXPECT_NEAR(poissonTail(0, 2), 1 - none / 2, 1e-15);
   EXPECT_NEAR(poissonTail(1, 2), 1 - none - none, 1e-15);
+  EXPECT_EQ(poissonTail(1e6, 2), 0);
 }
 
 TEST(ChiSquareFit, PoolsCellsThatExpectTooLittle) {
