@@ -66,9 +66,10 @@ std::atomic<std::int64_t> liveBlocks{0};
 std::atomic<std::int64_t> liveBytes{0};
 std::atomic<std::int64_t> mostBytes{0};
 
-// Requests of this thread until the one that is to fail; 0 when none is.
-thread_local std::uint64_t requestsToFailure = 0;
-thread_local bool failureHappened = false;
+// Requests of this thread until the one that is to fail; 0 when none is. Asked in every request, so
+// without the function call that other models take.
+[[gnu::tls_model("initial-exec")]] thread_local std::uint64_t requestsToFailure = 0;
+[[gnu::tls_model("initial-exec")]] thread_local bool failureHappened = false;
 
 bool shouldFail() noexcept {
   if (requestsToFailure == 0 || --requestsToFailure > 0) return false;

@@ -11,7 +11,9 @@ namespace embedded_host {
 
 namespace {
 
-thread_local VmContext* currentVm = nullptr;
+// Asked for in every call: the model spares a function call, and takes little of the room that the
+// system keeps for it in programs that load the library late.
+[[gnu::tls_model("initial-exec")]] thread_local VmContext* currentVm = nullptr;
 
 }  // namespace
 
@@ -25,8 +27,13 @@ struct VmContext::Records {
 
   std::vector<Record>::iterator find(std::size_t id, std::type_info const& type) {
     auto at = list.begin();
-    while (at != list.end() && !(at->id == id && *at->type == type)) ++at;
+    while (at != list.end() && !(at->id == id && (at->type == &type || *at->type == type))) ++at;
     return at;
+  }
+
+  void* valueOf(std::size_t id, std::type_info const& type) {
+    auto const found = find(id, type);
+    return found == list.end() ? nullptr : found->value;
   }
 
   // A destroyer may look up, add and erase records.
@@ -122,15 +129,13 @@ std::size_t Detail<scope::Tvm>::getNextID(std::type_info const& /*recordType*/) 
 
 void* Detail<scope::Tvm>::find(std::size_t id, std::type_info const& recordType) {
   VmContext* const vm = VmContext::current();
-  if (!vm) return nullptr;
-  auto const found = vm->records().find(id, recordType);
-  return found == vm->records().list.end() ? nullptr : found->value;
+  return vm ? vm->records().valueOf(id, recordType) : nullptr;
 }
 
 void* Detail<scope::Tvm>::findOrInsert(std::size_t id, std::type_info const& recordType, Maker make,
                                        Destroyer destroy) {
   VmContext& vm = VmContext::required();
-  if (void* const found = find(id, recordType)) return found;
+  if (void* const found = vm.records().valueOf(id, recordType)) return found;
   std::unique_ptr<void, Destroyer> record(make(), destroy);
   vm.records().list.push_back({id, &recordType, record.get(), destroy});
   return record.release();

@@ -112,9 +112,11 @@ void fill(Source& source, double* out, std::size_t n) {
   for (double* const end = out + n; out < end;) {
     const std::span<std::uint64_t const> ready = source.atHand();
     const std::size_t most = std::min(ready.size(), static_cast<std::size_t>(end - out));
-    const std::size_t run = acceptedRun(typename Source::Layout{}, ready.data(), out, most);
-    source.skip(run);
-    out += run;
+    if (most > 1) {
+      const std::size_t run = acceptedRun(typename Source::Layout{}, ready.data(), out, most);
+      source.skip(run);
+      out += run;
+    }
     if (out < end) *out++ = normal(source);
   }
 }

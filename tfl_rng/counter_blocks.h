@@ -7,6 +7,36 @@
 
 namespace tfl_rng {
 
+// The next draws of a core, made ahead for requests of a few at a time: a vector of blocks costs
+// little more than one of them. They follow from the state, which knows nothing of them: the core
+// forgets them wherever it moves by anything else than taking them.
+template <std::size_t drawsPerBlock>
+class DrawsAhead {
+ public:
+  static constexpr std::size_t kBlocks = 32 / drawsPerBlock;
+  // Larger requests are served better without.
+  static constexpr std::size_t kMostTaken = 8;
+
+  // Fills out[0, n), n at most kMostTaken, with the draws from `position` of block 0 on, where those
+  // at hand begin too. `fill(count, to)` writes all draws of that many blocks.
+  template <class Fill>
+  void take(std::size_t position, double* out, std::size_t n, Fill fill) {
+    if (kDraws - next_ < n) {
+      fill(kBlocks, draws_);
+      next_ = position;
+    }
+    for (std::size_t i = 0; i < n; ++i) out[i] = draws_[next_ + i];
+    next_ += n;
+  }
+  void forget() noexcept { next_ = kDraws; }
+
+ private:
+  static constexpr std::size_t kDraws = kBlocks * drawsPerBlock;
+
+  std::size_t next_ = kDraws;
+  double draws_[kDraws];
+};
+
 // Fills out[0, n) with the draws that begin at `position` of block 0, `drawsPerBlock` draws to a
 // block. `fill(first, count, to)` writes all draws of blocks [first, first + count); only the first
 // and the last block may be needed in part and pass through a buffer.

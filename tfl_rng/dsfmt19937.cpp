@@ -67,6 +67,10 @@ void dsfmt19937::setState(State const& state) noexcept {
 }
 
 void dsfmt19937::randu(double* out, std::size_t n) {
+  if (n == 1 && position_ < kOutputs) {  // one value a call: nothing but its own word
+    *out = dsfmt::reference::openOpen(batch_.words[position_++]);
+    return;
+  }
   while (n > 0) {
     if (position_ > kOutputs) position_ %= kOutputs + 1;
     const std::size_t left = kOutputs - position_;

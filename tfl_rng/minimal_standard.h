@@ -14,11 +14,14 @@ inline constexpr std::uint32_t kMinimalStandardDefault = 1144108930;
 // 1 / (2^31 - 1): a word times this is a uniform in (0,1).
 inline constexpr double kMinimalStandardScale = 4.656612875245797e-10;
 
-// The word after `word`. Any 32-bit word is legal; those from 2^31 - 1 on are no states of the
-// generator and stand for their residue.
-inline std::uint32_t minimalStandardStep(std::uint32_t word) noexcept {
+inline constexpr std::uint32_t kMinimalStandardFactor = 16807;
+
+// The word after `word`, or with a power of the factor a later one. Any 32-bit word is legal; those
+// from 2^31 - 1 on are no states of the generator and stand for their residue.
+inline std::uint32_t minimalStandardStep(std::uint32_t word,
+                                         std::uint32_t factor = kMinimalStandardFactor) noexcept {
   // 2^31 is 1 modulo 2^31 - 1: the high and low 31 bits of the product add up to the same residue.
-  const std::uint64_t product = std::uint64_t{word} * 16807;
+  const std::uint64_t product = std::uint64_t{word} * factor;
   const auto sum =
       static_cast<std::uint32_t>((product & kMinimalStandardModulus) + (product >> 31));
   return sum < kMinimalStandardModulus ? sum : sum - kMinimalStandardModulus;

@@ -52,6 +52,11 @@ void mt19937ar::randu(double* out, std::size_t n) {
 template <class Precision>
 void mt19937ar::fill(Precision precision, double* out, std::size_t n) {
   constexpr std::size_t each = Precision::kWordsEach;
+  if (n == 1 && position_ <= kWords - each) {  // one value a call: nothing but its own words
+    *out = mt19937::reference::convert(precision, batch_.words + position_);
+    position_ += each;
+    return;
+  }
   while (n > 0) {
     std::size_t count = std::min(n, (kWords - position_) / each);
     if (count > 0) {
@@ -103,7 +108,8 @@ class mt19937ar::NormalSource {
  private:
   void refill() {
     next_ = 0;
-    if (kWords - core_.position_ == 1) {  // this value takes its halves from two batches
+    // A value that takes its halves from two batches, or that is wanted alone.
+    if (kWords - core_.position_ == 1 || expected_ == 1) {
       const std::uint64_t low = core_.nextWord();
       values_[0] = (std::uint64_t{core_.nextWord()} << 32) | low;
       end_ = 1;

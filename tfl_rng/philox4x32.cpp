@@ -41,6 +41,12 @@ void philox4x32::reset(std::uint32_t seed) {
 }
 
 void philox4x32::randu(double* out, std::size_t n) {
+  if (n <= ahead_.kMostTaken) {
+    ahead_.take(position_, out, n, [this](std::size_t count, double* to) {
+      philox::fillBlocks(counter_, key_, to, count);
+    });
+    return move(n);
+  }
   drawFromBlocks<kDraws>(position_, out, n,
                          [this](std::size_t first, std::size_t count, double* to) {
                            philox::fillBlocks(counter_ + first, key_, to, count);
@@ -48,10 +54,15 @@ void philox4x32::randu(double* out, std::size_t n) {
   advance(n);
 }
 
-errorID philox4x32::advance(std::size_t n) {
+void philox4x32::move(std::size_t n) noexcept {
   const uint128 draws = uint128{n} + position_;
   counter_ += draws / kDraws;
   position_ = static_cast<std::uint32_t>(draws % kDraws);
+}
+
+errorID philox4x32::advance(std::size_t n) {
+  move(n);
+  ahead_.forget();
   return ok;
 }
 
@@ -59,6 +70,7 @@ errorID philox4x32::setSubstream(std::size_t index) {
   if (index >= kNumSubstreams) return indexOutOfRange;
   counter_ = (uint128{index} << kLog2SubstreamLen) / kDraws;
   position_ = 0;
+  ahead_.forget();
   noteSubstream(index);
   return ok;
 }
@@ -72,6 +84,7 @@ void philox4x32::setState(State const& state) noexcept {
              join(state.counter[0], state.counter[1]);
   key_ = join(state.key[0], state.key[1]);
   position_ = state.position % kDraws;
+  ahead_.forget();
 }
 
 }  // namespace tfl_rng

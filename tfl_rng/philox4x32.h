@@ -18,6 +18,8 @@
 #include <cstdint>
 
 #include "tfl_rng/core_rng.h"
+#include "tfl_rng/counter_blocks.h"
+#include "tfl_rng/kernels/philox4x32.h"
 #include "tfl_rng/uint128.h"
 
 namespace tfl_rng {
@@ -61,9 +63,12 @@ class philox4x32 final : public CoreStreamRNG {
   void setState(State const& state) noexcept;
 
  private:
+  void move(std::size_t n) noexcept;
+
   uint128 counter_ = 0;
   std::uint64_t key_ = 0;
   std::uint32_t position_ = 0;
+  DrawsAhead<philox::kDraws> ahead_;
 };
 
 }  // namespace tfl_rng

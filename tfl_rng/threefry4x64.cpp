@@ -30,6 +30,12 @@ void threefry4x64::reset(std::uint32_t seed) {
 }
 
 void threefry4x64::randu(double* out, std::size_t n) {
+  if (n <= ahead_.kMostTaken) {
+    ahead_.take(state_.position, out, n, [this](std::size_t count, double* to) {
+      threefry::fillBlocks(state_.counter, state_.key, to, count);
+    });
+    return move(n);
+  }
   drawFromBlocks<kDraws>(state_.position, out, n,
                          [this](std::size_t first, std::size_t count, double* to) {
                            threefry::fillBlocks(plus(state_.counter, first), state_.key, to, count);
@@ -37,10 +43,15 @@ void threefry4x64::randu(double* out, std::size_t n) {
   advance(n);
 }
 
-errorID threefry4x64::advance(std::size_t n) {
+void threefry4x64::move(std::size_t n) noexcept {
   const uint128 draws = uint128{n} + state_.position;
   state_.counter = plus(state_.counter, low64(draws / kDraws));
   state_.position = static_cast<std::uint32_t>(draws % kDraws);
+}
+
+errorID threefry4x64::advance(std::size_t n) {
+  move(n);
+  ahead_.forget();
   return ok;
 }
 
@@ -49,6 +60,7 @@ errorID threefry4x64::setSubstream(std::size_t index) {
   const uint128 first = (uint128{index} << kLog2SubstreamLen) / kDraws;
   state_.counter = {low64(first), high64(first), 0, 0};
   state_.position = 0;
+  ahead_.forget();
   noteSubstream(index);
   return ok;
 }
@@ -56,6 +68,7 @@ errorID threefry4x64::setSubstream(std::size_t index) {
 void threefry4x64::setState(State const& state) noexcept {
   state_ = state;
   state_.position %= kDraws;
+  ahead_.forget();
 }
 
 }  // namespace tfl_rng

@@ -16,6 +16,8 @@
 #include <cstdint>
 
 #include "tfl_rng/core_rng.h"
+#include "tfl_rng/counter_blocks.h"
+#include "tfl_rng/kernels/threefry4x64.h"
 
 namespace tfl_rng {
 
@@ -56,7 +58,10 @@ class threefry4x64 final : public CoreStreamRNG {
   void setState(State const& state) noexcept;
 
  private:
+  void move(std::size_t n) noexcept;
+
   State state_{};
+  DrawsAhead<threefry::kDraws> ahead_;
 };
 
 }  // namespace tfl_rng

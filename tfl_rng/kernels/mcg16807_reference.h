@@ -16,10 +16,12 @@ inline double draw(Reduced, std::uint32_t& word) noexcept {
 }
 
 inline double draw(Full, std::uint32_t& word) noexcept {
+  // Both steps from the same word, so that neither waits for the other.
+  constexpr std::uint32_t kTwoSteps = kMinimalStandardFactor * kMinimalStandardFactor;
   const std::uint32_t first = minimalStandardStep(word);
-  word = minimalStandardStep(first);
+  word = minimalStandardStep(word, kTwoSteps);
   const std::uint64_t bits = (std::uint64_t{(first - 1) >> 5} << 26) | ((word - 1) >> 5);
-  return (static_cast<double>(bits) + 0.5) * 0x1p-52;
+  return (static_cast<double>(static_cast<std::int64_t>(bits)) + 0.5) * 0x1p-52;
 }
 
 template <class Precision>
