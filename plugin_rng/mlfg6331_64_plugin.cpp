@@ -34,7 +34,7 @@ class mlfg6331_64_plugin final : public PluginRNGSubstreams<Core, IPluginRNG::ui
       : PluginRNGSubstreams(std::move(generator), kStateLen, kSerialLimit) {}
 
   void getStateComponents(void* const* buffers) const override {
-    Core::State const& state = core->state();
+    Core::State const state = core->state();
     auto* words = static_cast<std::uint64_t*>(buffers[0]);
     words = std::ranges::copy(state.ring, words).out;
     *words++ = 1;

@@ -20,28 +20,57 @@ constexpr double kLargestCount = 0x1p53;
 // A result of this size no longer fits the caches, so that scattered accesses pay a prefetch.
 constexpr std::size_t kPrefetchFrom = std::size_t{1} << 19;
 
+// So few uniforms are ordered on the spot, which asks for no memory and so cannot fail.
+constexpr std::size_t kFewValues = 32;
+
 std::size_t truncated(double product) {
   return static_cast<std::size_t>(tfl_rng::toUint64(tfl_rng::truncateProduct(product)));
 }
 
 // The inside-out shuffle (Durstenfeld 1964, in the form that builds the result). Draws n-1
-// uniforms.
+// uniforms. A chunk is placed while the targets of the next one are on their way to the cache.
 void shuffleInsideOut(plugin_rng::IPluginRNG& plugin, double* out, std::size_t n) {
   double uniforms[kChunk];
-  std::size_t targets[kChunk];
-  out[0] = 1;
-  for (std::size_t placed = 1; placed < n;) {
+  std::int64_t targets[2][kChunk];
+  // The targets of the values from `placed` on; how many they are.
+  const auto draw = [&](std::size_t placed, std::int64_t* to) {
     const std::size_t len = std::min(n - placed, kChunk);
-    plugin.randu(uniforms, len);
-    for (std::size_t i = 0; i < len; ++i) {
-      targets[i] = truncated(uniforms[i] * static_cast<double>(placed + i + 1));
-      if (n >= kPrefetchFrom) __builtin_prefetch(out + targets[i], 1);
-    }
+    if (len > 0) plugin.randu(uniforms, len);
+    // No array is long enough for a product that truncation would leave as it is.
+    for (std::size_t i = 0; i < len; ++i)
+      to[i] = static_cast<std::int64_t>(uniforms[i] * static_cast<double>(placed + i + 1));
+    if (n >= kPrefetchFrom)
+      for (std::size_t i = 0; i < len; ++i) __builtin_prefetch(out + to[i], 1);
+    return len;
+  };
+  out[0] = 1;
+  std::size_t placed = 1;
+  std::size_t len = draw(placed, targets[0]);
+  for (int turn = 0; len > 0; turn = 1 - turn) {
+    const std::size_t next = draw(placed + len, targets[1 - turn]);
     for (std::size_t i = 0; i < len; ++i, ++placed) {
-      out[placed] = out[targets[i]];
-      out[targets[i]] = static_cast<double>(placed + 1);
+      double& target = out[targets[turn][i]];
+      out[placed] = target;
+      target = static_cast<double>(placed + 1);
+    }
+    len = next;
+  }
+}
+
+// The order of n uniforms, n at most kFewValues: each position goes where as many values end as are
+// smaller, or equal and earlier.
+void orderFew(plugin_rng::IPluginRNG& plugin, double* out, std::size_t n) {
+  double uniforms[kFewValues];
+  plugin.randu(uniforms, n);
+  std::int64_t place[kFewValues] = {};
+  for (std::size_t i = 1; i < n; ++i) {
+    for (std::size_t j = 0; j < i; ++j) {
+      const bool inOrder = uniforms[j] <= uniforms[i];
+      place[i] += inOrder;
+      place[j] += !inOrder;
     }
   }
+  for (std::size_t i = 0; i < n; ++i) out[place[i]] = static_cast<double>(i + 1);
 }
 
 // The first k steps of a shuffle from the top. Draws k uniforms.
@@ -118,6 +147,7 @@ class Rewind {
 
 template <>
 void randstream::randpermFcn(double* out, unsigned long n) {
+  if (n <= kFewValues) return orderFew(*plugin_, out, n);
   const std::uint64_t dims[] = {n, 1};
   const txArrayPtr uniforms = txCreateUninitialized(dims, txClassDouble);
   Rewind rewind(*this);  // the sort asks for memory after the draws

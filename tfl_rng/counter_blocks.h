@@ -15,10 +15,10 @@ class DrawsAhead {
  public:
   static constexpr std::size_t kBlocks = 32 / drawsPerBlock;
   // Larger requests are served better without.
-  static constexpr std::size_t kMostTaken = 8;
+  static constexpr std::size_t kMostTaken = 16;
 
-  // Fills out[0, n), n at most kMostTaken, with the draws from `position` of block 0 on, where those
-  // at hand begin too. `fill(count, to)` writes all draws of that many blocks.
+  // Fills out[0, n), n at most kMostTaken, with the draws from `position` of block 0 on, where
+  // those at hand begin too. `fill(count, to)` writes all draws of that many blocks.
   template <class Fill>
   void take(std::size_t position, double* out, std::size_t n, Fill fill) {
     if (kDraws - next_ < n) {
@@ -38,11 +38,20 @@ class DrawsAhead {
 };
 
 // Fills out[0, n) with the draws that begin at `position` of block 0, `drawsPerBlock` draws to a
-// block. `fill(first, count, to)` writes all draws of blocks [first, first + count); only the first
-// and the last block may be needed in part and pass through a buffer.
+// block. `fill(first, count, to)` writes all draws of blocks [first, first + count). The first and
+// the last block may be needed in part and pass through a buffer, where few draws are wanted
+// together with all others: single blocks take long.
 template <std::size_t drawsPerBlock, class Fill>
 void drawFromBlocks(std::size_t position, double* out, std::size_t n, Fill fill) {
+  constexpr std::size_t kFewDraws = 256;
   if (n == 0) return;
+  const std::size_t end = position + n;
+  if ((position != 0 || end % drawsPerBlock != 0) && end <= kFewDraws) {
+    double draws[kFewDraws];
+    fill(std::size_t{0}, (end + drawsPerBlock - 1) / drawsPerBlock, draws);
+    std::copy_n(draws + position, n, out);
+    return;
+  }
   double block[drawsPerBlock];
   std::size_t next = 0;
   if (position != 0) {

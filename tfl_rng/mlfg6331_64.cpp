@@ -84,58 +84,62 @@ bool mlfg6331_64::jump(Table& table, std::uint64_t count, unsigned log2Steps) {
 }
 
 void mlfg6331_64::reset(std::uint32_t seed) {
-  state_.start = canonicalTable(seed, streamIndex());
+  start_ = canonicalTable(seed, streamIndex());
   setSubstream(0);
 }
 
-// Word i of the ring is written in the steps i, i + 63 and so on from the first position, so that
-// the oldest word stands n places on after n steps.
+// Word i of the state's ring is written in the steps i, i + 63 and so on from the first position,
+// so that the oldest word stands n places on after n steps.
 
-Table mlfg6331_64::inOrder() const noexcept {
-  Table table;
-  std::rotate_copy(state_.ring.begin(),
-                   state_.ring.begin() + static_cast<std::ptrdiff_t>(state_.position),
-                   state_.ring.end(), table.begin());
-  return table;
+mlfg6331_64::State mlfg6331_64::state() const noexcept {
+  State state{{}, position_, start_};
+  for (std::size_t i = 0; i < kLag; ++i) {
+    state.ring[(position_ + i) % kLag] = words_[(oldest_ + i) % kLag];
+  }
+  return state;
 }
 
-void mlfg6331_64::place(Table const& table, std::size_t n) noexcept {
-  state_.position = (state_.position + n % kLag) % kLag;
-  std::rotate_copy(table.begin(), table.end() - static_cast<std::ptrdiff_t>(state_.position),
-                   table.end(), state_.ring.begin());
+void mlfg6331_64::setState(State const& state) noexcept {
+  words_ = state.ring;
+  oldest_ = position_ = state.position;
+  start_ = state.start;
+}
+
+Table& mlfg6331_64::inOrder(std::size_t n) noexcept {
+  std::rotate(words_.begin(), words_.begin() + static_cast<std::ptrdiff_t>(oldest_), words_.end());
+  oldest_ = 0;
+  position_ = (position_ + n % kLag) % kLag;
+  return words_;
 }
 
 void mlfg6331_64::randu(double* out, std::size_t n) {
-  if (n < kFewDraws) {
-    std::size_t position = state_.position;
-    for (std::size_t i = 0; i < n; ++i) {
-      out[i] = open52(mlfg6331::reference::step(state_.ring, position));
-    }
-    state_.position = position;
-    return;
+  if (n >= kFewDraws) return mlfg6331::run(inOrder(n), out, n);
+  std::size_t oldest = oldest_;
+  for (std::size_t i = 0; i < n; ++i) {
+    out[i] = open52(mlfg6331::reference::step(words_, oldest));
   }
-  Table table = inOrder();
-  mlfg6331::run(table, out, n);
-  place(table, n);
+  oldest_ = oldest;
+  position_ += n;
+  if (position_ >= kLag) position_ -= kLag;
 }
 
 errorID mlfg6331_64::advance(std::size_t n) {
-  Table table = inOrder();
   if (n <= kMostSteps) {
-    mlfg6331::run(table, nullptr, n);
-  } else if (!jump(table, n, 0)) {
-    return cannotComputeState;
+    mlfg6331::run(inOrder(n), nullptr, n);
+    return ok;
   }
-  place(table, n);
+  Table jumped = inOrder(0);
+  if (!jump(jumped, n, 0)) return cannotComputeState;
+  inOrder(n) = jumped;
   return ok;
 }
 
 errorID mlfg6331_64::setSubstream(std::size_t index) {
   if (index >= kNumSubstreams) return indexOutOfRange;
-  Table table = state_.start;
+  Table table = start_;
   if (index != 0 && !jump(table, index, kLog2SubstreamLen)) return cannotComputeState;
-  state_.ring = table;
-  state_.position = 0;
+  words_ = table;
+  oldest_ = position_ = 0;
   noteSubstream(index);
   return ok;
 }

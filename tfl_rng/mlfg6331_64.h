@@ -76,16 +76,19 @@ class mlfg6331_64 final : public CoreStreamRNG {
   std::uint64_t getLog2StreamLen() const override { return kLog2StreamLen; }
   std::uint64_t getLog2SubstreamLen() const override { return kLog2SubstreamLen; }
 
-  State const& state() const noexcept { return state_; }
+  State state() const noexcept;
   // The position must be below 63.
-  void setState(State const& state) noexcept { state_ = state; }
+  void setState(State const& state) noexcept;
 
  private:
-  // The ring, oldest word first, and the ring that n steps later holds `table`.
-  Table inOrder() const noexcept;
-  void place(Table const& table, std::size_t n) noexcept;
+  // The last 63 words, oldest first, to be moved by n steps.
+  Table& inOrder(std::size_t n) noexcept;
 
-  State state_;
+  // The words of the state's ring, which large requests turn until the oldest one is the first.
+  Table words_;
+  std::size_t oldest_;      // of words_
+  std::uint64_t position_;  // of the state
+  Table start_;
 };
 
 }  // namespace tfl_rng

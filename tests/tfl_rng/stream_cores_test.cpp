@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <cmath>
+#include <functional>
 #include <set>
 #include <vector>
 
@@ -16,6 +17,30 @@ template <class Core>
 class StreamCore : public testing::Test {};
 
 TYPED_TEST_SUITE(StreamCore, testing_support::StreamCores);
+
+TYPED_TEST(StreamCore, FewDrawsAtATimeFollowEveryMove) {
+  TypeParam core(5, 1, true);
+  const auto other = TypeParam(6, 2, true).state();
+  const std::function<void()> moves[] = {[&] {},
+                                         [&] { core.advance(3); },
+                                         [&] { core.setSubstream(7); },
+                                         [&] { draw(core, 21); },
+                                         [&] { core.setState(other); },
+                                         [&] { core.reset(4); }};
+  for (auto const& move : moves) {
+    draw(core, 1);  // draws made ahead, if any, are at hand when the core moves
+    move();
+    TypeParam atOnce = core;
+    atOnce.setState(core.state());
+    std::vector<double> values;
+    for (std::size_t i = 0; i < 20; ++i) {
+      const auto some = draw(core, 1 + i % 9);
+      values.insert(values.end(), some.begin(), some.end());
+    }
+    EXPECT_EQ(values, draw(atOnce, values.size()));
+    EXPECT_EQ(core.state(), atOnce.state());
+  }
+}
 
 TYPED_TEST(StreamCore, AdvanceEqualsDrawing) {
   for (bool full : {true, false}) {

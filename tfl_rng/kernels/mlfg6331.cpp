@@ -80,13 +80,14 @@ template <bool store>
 void runRest(Terms& table, double* out, std::size_t n) {
   std::uint64_t words[kLag + kRound];
   std::copy(table.begin(), table.end(), words);
+  HWY_ALIGN double draws[kRound];
   for (std::size_t i = 0; i < n; i += kLanes) {
-    hn::StoreU(hn::Mul(hn::LoadU(u64, words + i), hn::LoadU(u64, words + i + kLag - kShortLag)),
-               u64, words + i + kLag);
+    const Words made =
+        hn::Mul(hn::LoadU(u64, words + i), hn::LoadU(u64, words + i + kLag - kShortLag));
+    hn::StoreU(made, u64, words + i + kLag);
+    if (store) hn::Store(tfl_rng::HWY_NAMESPACE::open52(made), f64, draws + i);
   }
-  if (store) {
-    for (std::size_t i = 0; i < n; ++i) out[i] = tfl_rng::open52(words[kLag + i]);
-  }
+  if (store) std::copy_n(draws, n, out);
   std::copy_n(words + n, kLag, table.begin());
 }
 

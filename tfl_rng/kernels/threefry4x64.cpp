@@ -115,6 +115,8 @@ void fillRun(Block const& counter, Block const& key, double* out, std::size_t co
     store<1>(x0, counter, keys, rest);
   } else if (count <= 2 * lanes) {
     store<2>(x0, counter, keys, rest);
+  } else if (count <= 3 * lanes) {
+    store<3>(x0, counter, keys, rest);
   } else {
     store<4>(x0, counter, keys, rest);
   }
