@@ -1,6 +1,8 @@
 // Normals: each registered generator by each method (its own where it brings that method), and
 // peers with the same method.
 
+#include <absl/random/gaussian_distribution.h>
+
 #include <boost/math/distributions/normal.hpp>
 
 #include "benchmarks/benchmarks.h"
@@ -50,6 +52,8 @@ void addNormal() {
       ziggurat, "Boost, mt19937");
   addPeer<peers::Drawn<boost::random::mt19937_64, boost::random::normal_distribution<double>>>(
       ziggurat, "Boost, mt19937_64");
+  addPeer<peers::Drawn<std::mt19937_64, absl::gaussian_distribution<double>>>(
+      ziggurat, "Abseil, std::mt19937_64");
   add<double>(ziggurat, kAny, "GSL, mt19937", kSizes,
               [] { return peers::filling(peers::Gsl<peers::gslNormal>(gsl_rng_mt19937)); });
   add<float>(ziggurat + " single", kAny, "Boost, mt19937", kSizes, [] {
@@ -59,6 +63,10 @@ void addNormal() {
   addPeer<peers::Drawn<std::mt19937, std::normal_distribution<double>>>(polar, "std::mt19937");
   addPeer<peers::Drawn<std::mt19937_64, std::normal_distribution<double>>>(polar,
                                                                            "std::mt19937_64");
+  add<double>(inversion, "philox4x32_10", "Random123 and AS 241", kSizes,
+              [] { return peers::Random123Inversion<r123::Philox4x32>(); });
+  add<double>(inversion, "threefry4x64_20", "Random123 and AS 241", kSizes,
+              [] { return peers::Random123Inversion<r123::Threefry4x64>(); });
   addPeer<BoostQuantile>(inversion, "Boost.Math quantile");
 }
 

@@ -14,6 +14,8 @@ import time
 import numpy
 
 SIZES = (100, 10_000, 1_000_000, 10_000_000)
+COUNTS = (24, 10_000, 100_000)
+POPULATION = 1_000_000
 MIN_TIME_NS = 50_000_000
 
 
@@ -31,7 +33,21 @@ def fills():
             yield "uniform single", name, n, lambda g=g, out=single: g.random(
                 dtype=numpy.float32, out=out
             )
+            yield "integers 1 to 6 as int32", name, n, lambda g=g, n=n: g.integers(
+                1, 7, n, numpy.int32
+            )
+            yield "integers 1 to 6 as double", name, n, lambda g=g, n=n: g.integers(1, 7, n)
             yield "normal, Ziggurat", name, n, lambda g=g, out=double: g.standard_normal(out=out)
+    twister = generators["mt19937ar"]
+    for n in SIZES:
+        yield "permutation of n by sorting", "mt19937ar", n, lambda n=n: numpy.argsort(
+            twister.random(n)
+        )
+        yield "permutation of n by shuffling", "mt19937ar", n, lambda n=n: twister.permutation(n)
+    for k in COUNTS:
+        yield f"k of {POPULATION:,} in random order", "mt19937ar", k, lambda k=k: twister.choice(
+            POPULATION, k, replace=False
+        )
     for name, g in generators.items():
         yield "one uniform a call", name, 1, g.random
         yield "one normal a call", name, 1, g.standard_normal

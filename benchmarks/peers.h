@@ -21,11 +21,14 @@
 #include <boost/random/normal_distribution.hpp>
 #include <boost/random/uniform_01.hpp>
 #include <boost/random/uniform_int_distribution.hpp>
+#include <cmath>
 #include <cstdint>
 #include <cstring>
 #include <memory>
 #include <random>
 #include <utility>
+
+#include "tfl_rng/normal_quantile_coefficients.h"
 
 namespace peers {
 
@@ -83,6 +86,26 @@ struct TextbookMrg32k3a {
   }
 };
 
+// The published double-precision form of the same.
+struct TextbookMrg32k3aInDoubles {
+  static constexpr double kM1 = 4294967087.0;
+  static constexpr double kM2 = 4294944443.0;
+  std::array<double, 3> x{12345, 12345, 12345};
+  std::array<double, 3> y{12345, 12345, 12345};
+
+  static double modulo(double value, double m) {
+    value -= static_cast<double>(static_cast<std::int64_t>(value / m)) * m;
+    return value < 0 ? value + m : value;
+  }
+  double operator()() {
+    const double p = modulo(1403580.0 * x[1] - 810728.0 * x[0], kM1);
+    x = {x[1], x[2], p};
+    const double q = modulo(527612.0 * y[2] - 1370589.0 * y[0], kM2);
+    y = {y[1], y[2], q};
+    return (p > q ? p - q : p - q + kM1) * 2.328306549295728e-10;
+  }
+};
+
 // A generator of GSL with one of its functions of a generator.
 template <double (*function)(gsl_rng const*)>
 class Gsl {
@@ -128,6 +151,37 @@ class Random123 {
   Generator generator_{};
   typename Generator::ctr_type counter_{};
   typename Generator::key_type key_{{1}};
+};
+
+// Algorithm AS 241 (M. J. Wichura, Applied Statistics 37, 1988) as published, one value at a time.
+inline double as241(double u) {
+  namespace as = tfl_rng::quantile;
+  const auto ratio = [](as::Rational const& c, double x) {
+    double numerator = c.numerator[7];
+    double denominator = c.denominator[7];
+    for (int i = 6; i >= 0; --i) {
+      numerator = numerator * x + c.numerator[i];
+      denominator = denominator * x + c.denominator[i];
+    }
+    return numerator / denominator;
+  };
+  const double q = u - 0.5;
+  if (std::fabs(q) <= as::kCentralHalfWidth) {
+    return q * ratio(as::kCentral, as::kCentralShift - q * q);
+  }
+  const double r = std::sqrt(-std::log(q < 0 ? u : 1 - u));
+  as::Rational const& tail = r <= as::kFarTail ? as::kIntermediate : as::kFar;
+  return std::copysign(ratio(tail, r - tail.shift), q);
+}
+
+// Normals by inversion of a counter generator's uniforms.
+template <class Generator>
+struct Random123Inversion {
+  Random123<Generator> uniforms{};
+  void operator()(double* out, std::size_t n) {
+    uniforms(out, n);
+    for (std::size_t i = 0; i < n; ++i) out[i] = as241(out[i]);
+  }
 };
 
 // libdsfmt: whole arrays where it allows them, else one value at a time.

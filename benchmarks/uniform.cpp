@@ -62,6 +62,7 @@ void addUniform() {
   add<double>(full, "threefry4x64_20", "Random123", kSizes,
               [] { return peers::Random123<r123::Threefry4x64>(); });
   addPeer<double, peers::TextbookMrg32k3a>(reduced, "mrg32k3a", "textbook, integers");
+  addPeer<double, peers::TextbookMrg32k3aInDoubles>(reduced, "mrg32k3a", "textbook, doubles");
   addGsl(reduced, "mrg32k3a", "GSL cmrg", gsl_rng_cmrg);
   addPeer<double, peers::MinimalStandard>(reduced, "mcg16807", "std::minstd_rand0");
   addPeer<double, peers::Drawn<std::minstd_rand0, StdDouble>>(full, "mcg16807",
