@@ -7,7 +7,8 @@
 #include <string>
 #include <vector>
 
-#include "tests/support/known_answers.h"
+#include "tests/support/cores.h"
+#include "tests/support/minimal_standard.h"
 #include "tfl_rng/minimal_standard.h"
 
 namespace {
@@ -57,28 +58,18 @@ TEST(Mcg16807, SeedIsTakenModuloTheModulus) {
   for (auto const& [seed, word] : wordOfSeed) EXPECT_EQ(mcg16807(seed, true).word(), word);
 }
 
-TEST(Mcg16807, ReducedPrecisionIsOneScaledStep) {
-  mcg16807 core(1, false);
-  std::vector<double> u(100);
-  core.randu(u.data(), u.size());
-  auto const words = rows();
-  for (std::size_t i = 0; i < u.size(); ++i) {
-    EXPECT_EQ(u[i], std::stod(words[i][1]) * 4.656612875245797e-10) << i;
-  }
-  EXPECT_EQ(core.word(), 892053144u);
-}
-
-TEST(Mcg16807, FullPrecisionJoinsTwentySixBitsOfTwoSteps) {
-  mcg16807 core(1, true);
-  std::vector<double> u(50);
-  core.randu(u.data(), u.size());
-  auto const words = rows();
-  for (std::size_t i = 0; i < u.size(); ++i) {
-    const auto high = static_cast<double>((std::stoll(words[2 * i][1]) - 1) / 32);
-    const auto low = static_cast<double>((std::stoll(words[2 * i + 1][1]) - 1) / 32);
-    EXPECT_EQ(u[i], (high * 67108864 + low + 0.5) / 4503599627370496) << i;
-  }
-  EXPECT_EQ(core.word(), 892053144u);
+TEST(Mcg16807, ReducedPrecisionIsOneScaledStepAndFullJoinsTwentySixBitsOfTwo) {
+  auto const words = known_answers::minimalStandardWords();
+  mcg16807 reduced(1, false), full(1, true);
+  auto const bits = [&](std::size_t i) { return std::floor((words[i] - 1) / 32); };
+  for (std::size_t i = 0; i < 100; ++i)
+    EXPECT_EQ(testing_support::draw(reduced, 1)[0], words[i] * 4.656612875245797e-10) << i;
+  for (std::size_t i = 0; i < 100; i += 2)
+    EXPECT_EQ(testing_support::draw(full, 1)[0],
+              (bits(i) * 67108864 + bits(i + 1) + 0.5) / 4503599627370496)
+        << i;
+  EXPECT_EQ(reduced.word(), 892053144u);
+  EXPECT_EQ(full.word(), 892053144u);
 }
 
 TEST(Mcg16807, ExtremeWordsGiveUniformsInsideTheInterval) {
@@ -99,25 +90,16 @@ TEST(Mcg16807, ExtremeWordsGiveUniformsInsideTheInterval) {
 }
 
 TEST(Mcg16807, NormalsAreThePolarTransformOfAcceptedPairs) {
-  auto const words = rows();
-  std::vector<long double> expected;
   std::size_t used = 0;
-  for (std::size_t i = 0; i + 1 < 100; i += 2) {
-    const long double x = 2 * std::stold(words[i][1]) / 2147483647 - 1;
-    const long double y = 2 * std::stold(words[i + 1][1]) / 2147483647 - 1;
-    const long double s = x * x + y * y;
-    if (s > 1) continue;
-    expected.push_back(x * std::sqrt(-2 * std::log(s) / s));
-    expected.push_back(y * std::sqrt(-2 * std::log(s) / s));
-    used = i + 2;
-  }
+  auto const pairs = known_answers::polarPairs(&used);
   mcg16807 core(1, true);
-  std::vector<double> normals(expected.size());
-  core.randn(normals.data(), normals.size());
-  for (std::size_t i = 0; i < normals.size(); ++i) {
-    EXPECT_NEAR(normals[i], static_cast<double>(expected[i]), 1e-14) << i;
+  for (auto const& [first, second] : pairs) {
+    double normals[2];
+    core.randn(normals, 2);
+    EXPECT_NEAR(normals[0], first, 1e-14);
+    EXPECT_NEAR(normals[1], second, 1e-14);
   }
-  EXPECT_EQ(core.word(), std::stoul(words[used - 1][1]));
+  EXPECT_EQ(core.word(), known_answers::minimalStandardWords()[used - 1]);
 }
 
 TEST(Mcg16807, OddCountOfNormalsDropsTheSecondOfThePair) {

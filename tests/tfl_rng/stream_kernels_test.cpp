@@ -20,42 +20,44 @@ using tfl_rng::uint128;
 
 constexpr double kUntouched = -7;
 
-TEST(PhiloxKernel, EqualsTheScalarForm) {
-  namespace philox = tfl_rng::philox;
-  // Runs end where the lowest word wraps, and with it any number of those above.
-  const uint128 counters[] = {0, 5, (uint128{0x0123456789abcdef} << 64) + 0xfedcba98ffffffe0,
-                              (uint128{1} << 64) - 19, ~uint128{0} - 7};
+namespace philox = tfl_rng::philox;
+namespace threefry = tfl_rng::threefry;
+
+// Blocks of counters, so many draws each, by both forms as fill(counter, key, out, blocks).
+template <class Counter, class Key>
+void expectSameBlocks(std::vector<Counter> const& counters, std::size_t draws,
+                      Key (*keyOf)(std::size_t), auto scalar, auto vector) {
   every_target::run([&] {
-    for (const uint128 counter : counters) {
-      for (std::size_t count = 0; count < 140; ++count) {
-        const std::uint64_t key = 0xA0B1C2D3E4F50617 + count;
-        std::vector<double> expected(count * philox::kDraws + 1, kUntouched);
+    for (std::size_t c = 0; c < counters.size(); ++c) {
+      for (std::size_t blocks = 0; blocks < 140; ++blocks) {
+        std::vector<double> expected(blocks * draws + 1, kUntouched);
         std::vector<double> values = expected;
-        philox::reference::fillBlocks(counter, key, expected.data(), count);
-        philox::fillBlocks(counter, key, values.data(), count);
-        ASSERT_EQ(values, expected) << tfl_rng::low64(counter) << ", " << count;
+        scalar(counters[c], keyOf(blocks), expected.data(), blocks);
+        vector(counters[c], keyOf(blocks), values.data(), blocks);
+        ASSERT_EQ(values, expected) << c << ", " << blocks;
       }
     }
   });
 }
 
+// Runs end where the lowest word wraps, and with it any number of those above.
+TEST(PhiloxKernel, EqualsTheScalarForm) {
+  expectSameBlocks<uint128, std::uint64_t>(
+      {0, 5, (uint128{0x0123456789abcdef} << 64) + 0xfedcba98ffffffe0, (uint128{1} << 64) - 19,
+       ~uint128{0} - 7},
+      philox::kDraws, [](std::size_t n) { return 0xA0B1C2D3E4F50617 + n; },
+      philox::reference::fillBlocks, philox::fillBlocks);
+}
+
 TEST(ThreefryKernel, EqualsTheScalarForm) {
-  namespace threefry = tfl_rng::threefry;
   constexpr std::uint64_t full = ~std::uint64_t{0};
-  const threefry::Block counters[] = {
-      {0, 0, 0, 0}, {5, 6, 7, 8}, {full - 18, 1, 2, 3}, {full - 7, full, full, full}};
-  every_target::run([&] {
-    for (auto const& counter : counters) {
-      for (std::size_t count = 0; count < 140; ++count) {
-        const threefry::Block key = {count, 0xA0B1C2D3E4F50617, full, 1};
-        std::vector<double> expected(count * threefry::kDraws + 1, kUntouched);
-        std::vector<double> values = expected;
-        threefry::reference::fillBlocks(counter, key, expected.data(), count);
-        threefry::fillBlocks(counter, key, values.data(), count);
-        ASSERT_EQ(values, expected) << counter[0] << ", " << count;
-      }
-    }
-  });
+  expectSameBlocks<threefry::Block, threefry::Block>(
+      {{0, 0, 0, 0}, {5, 6, 7, 8}, {full - 18, 1, 2, 3}, {full - 7, full, full, full}},
+      threefry::kDraws,
+      [](std::size_t n) {
+        return threefry::Block{n, 0xA0B1C2D3E4F50617, full, 1};
+      },
+      threefry::reference::fillBlocks, threefry::fillBlocks);
 }
 
 namespace mlfg = tfl_rng::mlfg6331;

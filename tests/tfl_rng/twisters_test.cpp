@@ -40,17 +40,26 @@ std::vector<std::uint64_t> wordsOf(std::vector<double> const& values) {
   return words;
 }
 
-TEST(Mt19937ar, PublishedWords) {
+// For each block "<name> <seed>" of a file: expectBlock(block, seed); returns how many there are.
+template <class ExpectBlock>
+int forEachSeed(char const* file, char const* name, ExpectBlock expectBlock) {
   int blocks = 0;
-  for (auto const& block : known_answers::read("mt19937_u32.txt")) {
-    std::uint32_t seed = 0;
-    if (!seedOf(block, "init_genrand", seed)) continue;
-    const auto expected = block.words(16);
-    auto core = seeded<mt19937ar>(seed, false);
-    EXPECT_EQ(wordsOf(draw(core, expected.size())), expected) << block.title;
+  std::uint32_t seed = 0;
+  for (auto const& block : known_answers::read(file)) {
+    if (!seedOf(block, name, seed)) continue;
+    SCOPED_TRACE(block.title);
+    expectBlock(block, seed);
     ++blocks;
   }
-  EXPECT_EQ(blocks, 6);
+  return blocks;
+}
+
+TEST(Mt19937ar, PublishedWords) {
+  EXPECT_EQ(6, forEachSeed("mt19937_u32.txt", "init_genrand", [](auto const& block, auto seed) {
+              const auto expected = block.words(16);
+              auto core = seeded<mt19937ar>(seed, false);
+              EXPECT_EQ(wordsOf(draw(core, expected.size())), expected);
+            }));
 }
 
 TEST(Mt19937ar, PublishedWordFarOut) {
@@ -68,16 +77,12 @@ TEST(Mt19937ar, PublishedSeeding) {
 }
 
 TEST(Mt19937ar, PublishedDoubles) {
-  int blocks = 0;
-  for (auto const& block : known_answers::read("mt19937_res53.txt")) {
-    std::uint32_t seed = 0;
-    if (!seedOf(block, "res53 init_genrand", seed)) continue;
-    const auto expected = block.doubles();
-    auto core = seeded<mt19937ar>(seed);
-    EXPECT_EQ(draw(core, expected.size()), expected) << block.title;
-    ++blocks;
-  }
-  EXPECT_EQ(blocks, 4);
+  EXPECT_EQ(
+      4, forEachSeed("mt19937_res53.txt", "res53 init_genrand", [](auto const& block, auto seed) {
+        const auto expected = block.doubles();
+        auto core = seeded<mt19937ar>(seed);
+        EXPECT_EQ(draw(core, expected.size()), expected);
+      }));
 }
 
 TEST(Mt19937ar, SeedZeroIsThePublishedDefault) {
@@ -107,19 +112,15 @@ TEST(Mt19937ar, DoublesStayInsideTheOpenInterval) {
 double openOpen(std::uint64_t word) { return std::bit_cast<double>(word | 1) - 1; }
 
 TEST(Dsfmt19937, PublishedWords) {
-  int blocks = 0;
-  for (auto const& block : known_answers::read("dsfmt19937_words.txt")) {
-    std::uint32_t seed = 0;
-    if (!seedOf(block, "init_gen_rand", seed)) continue;
-    std::vector<double> expected;
-    for (std::uint64_t word : block.words(16)) expected.push_back(openOpen(word));
-    for (bool full : {true, false}) {
-      auto core = seeded<dsfmt19937>(seed, full);
-      EXPECT_EQ(draw(core, expected.size()), expected) << block.title;
-    }
-    ++blocks;
-  }
-  EXPECT_EQ(blocks, 5);
+  EXPECT_EQ(5,
+            forEachSeed("dsfmt19937_words.txt", "init_gen_rand", [](auto const& block, auto seed) {
+              std::vector<double> expected;
+              for (std::uint64_t word : block.words(16)) expected.push_back(openOpen(word));
+              for (bool full : {true, false}) {
+                auto core = seeded<dsfmt19937>(seed, full);
+                EXPECT_EQ(draw(core, expected.size()), expected);
+              }
+            }));
 }
 
 TEST(Dsfmt19937, PublishedWordFarOut) {
