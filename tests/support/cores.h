@@ -7,23 +7,32 @@
 #include <type_traits>
 #include <vector>
 
-#include "tfl_rng/dsfmt19937.h"
-#include "tfl_rng/mcg16807.h"
-#include "tfl_rng/mlfg6331_64.h"
-#include "tfl_rng/mrg32k3a.h"
-#include "tfl_rng/mt19937ar.h"
-#include "tfl_rng/philox4x32.h"
-#include "tfl_rng/shr3cong.h"
-#include "tfl_rng/swb2712.h"
-#include "tfl_rng/threefry4x64.h"
+// Of all cores; written by tests/tfl_rng/CMakeLists.txt.
+#include <core_headers.h>
 
 namespace testing_support {
 
-using Cores = testing::Types<tfl_rng::mt19937ar, tfl_rng::dsfmt19937, tfl_rng::mlfg6331_64,
-                             tfl_rng::mrg32k3a, tfl_rng::mcg16807, tfl_rng::philox4x32,
-                             tfl_rng::shr3cong, tfl_rng::swb2712, tfl_rng::threefry4x64>;
-using StreamCores = testing::Types<tfl_rng::mlfg6331_64, tfl_rng::mrg32k3a, tfl_rng::philox4x32,
-                                   tfl_rng::threefry4x64>;
+// The lists below begin with a type that is none of theirs, so that each core brings its comma.
+template <class First, class... Rest>
+struct After {
+  using Types = testing::Types<Rest...>;
+};
+
+using Cores = After<void
+#define TFL_GENERATOR(name, core, ...) , tfl_rng::core
+#include "tfl_rng/generators.def"
+#undef TFL_GENERATOR
+                    >::Types;
+
+#define TV_STREAMS_Single(core)
+#define TV_STREAMS_Substreams(core) , tfl_rng::core
+using StreamCores = After<void
+#define TFL_GENERATOR(name, core, otherSpelling, family, ...) TV_STREAMS_##family(core)
+#include "tfl_rng/generators.def"
+#undef TFL_GENERATOR
+                          >::Types;
+#undef TV_STREAMS_Substreams
+#undef TV_STREAMS_Single
 
 template <class Core>
 constexpr bool kHasNormals = requires(Core core, double* out) {
