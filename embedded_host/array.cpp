@@ -167,7 +167,6 @@ using embedded_host::Array;
 using embedded_host::Cells;
 using embedded_host::Elements;
 using embedded_host::impl;
-using embedded_host::kOneByOne;
 
 txClassID txArray::classID() const noexcept { return impl(*this).id; }
 std::span<const std::uint64_t> txArray::dims() const noexcept {
@@ -194,12 +193,12 @@ txArray const* txArray::cell(std::uint64_t index) const noexcept {
   return cells && index < numel() ? (*cells)->items[index].get() : nullptr;
 }
 
-void txArray::setCell(std::uint64_t index, txArrayPtr element) {
+void txArray::setCell(std::uint64_t index, txArrayPtr value) {
   auto* cells = impl(*this).shares<Cells>();
   if (!cells || index >= numel()) {
     embedded_host::raiseHostError("TALVOR:array:IndexOutOfRange", index + 1, numel());
   }
-  cells->own().items[index] = std::move(element);
+  cells->own().items[index] = std::move(value);
 }
 
 void txDestroy_deleter::operator()(txArray* array) const noexcept {

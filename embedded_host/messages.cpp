@@ -13,7 +13,6 @@
 
 using foundation::core::except::AnyException;
 using foundation::core::except::Argument;
-using foundation::core::except::Exception;
 using foundation::core::except::MessageId;
 
 MessageId::~MessageId() = default;

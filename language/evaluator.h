@@ -73,8 +73,8 @@ class Evaluator {
   Values evaluateIndex(Expression const& expression, Index const& node, int outputs);
   Values callFunction(std::string const& name, SourceSpan nameSpan, SourceSpan whole,
                       Arguments const& arguments, int outputs);
-  Values memberValues(Member const& node, SourceSpan whole,
-                      std::vector<ExpressionPtr> const* arguments, int outputs);
+  Values memberValues(Member const& node, SourceSpan whole, std::vector<ExpressionPtr> const* list,
+                      int outputs);
   Values indexValue(txArray const& value, Index const& node, SourceSpan whole);
   template <class Call>
   Values collect(SourceSpan whole, Arguments const& arguments, int outputs, Call&& call);

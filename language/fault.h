@@ -16,7 +16,7 @@ namespace language {
 // raised, where the names and sizes are known; `hint` says what would work.
 class Fault final : public foundation::core::except::MessageId {
  public:
-  Fault(std::string key, std::string hint = {})
+  explicit Fault(std::string key, std::string hint = {})
       : MessageId("TALVOR:language", std::move(key)), hint_(std::move(hint)) {}
   std::string const& hint() const noexcept { return hint_; }
 
@@ -36,6 +36,7 @@ class SourceError final : public std::exception {
   // `whole` is the failing call or operation; `spot` the part at fault, the same when not known.
   SourceError(SourceSpan whole, SourceSpan spot,
               std::shared_ptr<foundation::core::except::AnyException const> cause)
+      // NOLINTNEXTLINE(bugprone-throw-keyword-missing): moves a pointer
       : whole_(whole), spot_(spot), cause_(std::move(cause)) {}
 
   char const* what() const noexcept override { return cause_->text(); }

@@ -151,7 +151,7 @@ void extreme(Call& call) {
     visitElementType(id, [&]<class T>(T) {
       walk.run(result->dataAs<T>(), std::as_const(*left).template dataAs<T>(),
                std::as_const(*right).template dataAs<T>(),
-               [](T x, T y) { return x != x || better(y, x) ? y : x; });
+               [](T x, T y) { return isNaN(x) || better(y, x) ? y : x; });
     });
     return call.give(std::move(result));
   }
@@ -172,7 +172,7 @@ void extreme(Call& call) {
       for (std::uint64_t i = 1; i < lines.length(); ++i) {
         T const x = from[first + i * lines.stride()];
         T const kept = from[first + best * lines.stride()];
-        if (better(x, kept) || (kept != kept && x == x)) best = i;
+        if (better(x, kept) || (isNaN(kept) && !isNaN(x))) best = i;
       }
       result->dataAs<T>()[line] = from[first + best * lines.stride()];
       where->dataAs<double>()[line] = static_cast<double>(best + 1);
@@ -216,7 +216,7 @@ void median(Call& call) {
       bool hasNaN = line.empty();
       for (std::uint64_t i = 0; i < line.size(); ++i) {
         line[i] = from[first + i * lines.stride()];
-        hasNaN = hasNaN || line[i] != line[i];
+        hasNaN = hasNaN || isNaN(line[i]);
       }
       if (hasNaN) {
         to[at] = std::numeric_limits<T>::quiet_NaN();

@@ -19,7 +19,7 @@ using embedded_host::makeUninitialized;
 // NaN after everything.
 template <class T>
 bool before(T a, T b) {
-  return a < b || (a == a && b != b);
+  return a < b || (!isNaN(a) && isNaN(b));
 }
 
 txArrayPtr realArgument(Call const& call) {

@@ -10,9 +10,8 @@ namespace language {
 
 class Lines {
  public:
-  Lines(txArray const& value, std::size_t dimension) : shape_(shapeOf(value)), at_(dimension) {
-    shape_.resize(std::max(shape_.size(), dimension + 1), 1);
-    length_ = shape_[dimension];
+  Lines(txArray const& value, std::size_t dimension)
+      : shape_(shapeWithDimension(value, dimension)), at_(dimension), length_(shape_[dimension]) {
     for (std::size_t d = 0; d < dimension; ++d) stride_ *= shape_[d];
     for (std::size_t d = dimension + 1; d < shape_.size(); ++d) blocks_ *= shape_[d];
   }
@@ -38,9 +37,15 @@ class Lines {
   }
 
  private:
+  static Shape shapeWithDimension(txArray const& value, std::size_t dimension) {
+    Shape shape = shapeOf(value);
+    shape.resize(std::max(shape.size(), dimension + 1), 1);
+    return shape;
+  }
+
   Shape shape_;
   std::size_t at_;
-  std::uint64_t length_ = 1;
+  std::uint64_t length_;
   std::uint64_t stride_ = 1;
   std::uint64_t blocks_ = 1;
 };

@@ -76,6 +76,16 @@ decltype(auto) visitElementType(txClassID id, Visit&& visit) {
   }
 }
 
+// Integers never are.
+template <class T>
+bool isNaN(T value) {
+  if constexpr (std::is_floating_point_v<T>) {
+    return std::isnan(value);
+  } else {
+    return false;
+  }
+}
+
 // One element as another type: integers saturate, fractions are rounded to nearest (halves away
 // from 0), NaN becomes 0 there.
 template <class To, class From>
@@ -94,7 +104,7 @@ To castElement(From value) {
     return static_cast<To>(rounded);
   } else {
     using Wide = __int128;
-    Wide const wide = static_cast<Wide>(value);
+    Wide const wide = static_cast<Wide>(value);  // NOLINT(bugprone-signed-char-misuse): a number
     if (wide < static_cast<Wide>(std::numeric_limits<To>::min())) {
       return std::numeric_limits<To>::min();
     }

@@ -66,8 +66,8 @@ std::string scalarText(txArray const& value, int digits) {
   bool const isWhole = language::isFloatClass(value.classID()) && !value.isComplex() &&
                        std::fabs(value.scalarAsDouble()) < kWholeLimit &&
                        value.scalarAsDouble() == std::floor(value.scalarAsDouble());
-  std::string const text = value.isComplex() || isWhole ? NumberColumns(value, {0}, digits).text(0)
-                                                        : language::elementText(value, 0, digits);
+  std::string text = value.isComplex() || isWhole ? NumberColumns(value, {0}, digits).text(0)
+                                                  : language::elementText(value, 0, digits);
   if (value.classID() == txClassDouble) return text;
   return classText(value) + '(' + text + ')';
 }

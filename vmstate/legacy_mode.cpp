@@ -1,6 +1,7 @@
 #include "vmstate/legacy_mode.h"
 
 #include <cstring>
+#include <tuple>
 
 #include "errors/argument_counts.h"
 #include "errors/keys.h"
@@ -38,7 +39,7 @@ std::shared_ptr<randstream> makeLegacyStream() {
   auto plugin = std::make_unique<legacy_plugin>();
   auto stream = std::allocate_shared<randstream>(HostAllocator<randstream>(), "legacy", 0u,
                                                  plugin.get(), 1ul, 0ul);
-  plugin.release();  // the stream's from here on
+  std::ignore = plugin.release();  // the stream's from here on
   return stream;
 }
 
