@@ -7,4 +7,7 @@ function(tv_has_kernels target)
   target_link_libraries(${target} PRIVATE hwy::hwy)
   target_compile_definitions(${target} PRIVATE
     HWY_BROKEN_EMU128=1 "HWY_DISABLED_TARGETS=(HWY_SVE|HWY_SVE2|HWY_SVE_256|HWY_SVE2_128|HWY_RVV)")
+  # With it g++ 12 leaves the upper halves of vector registers in use when a kernel calls a scalar
+  # function of its file, and all code after that is several times slower.
+  target_compile_options(${target} PRIVATE $<$<CXX_COMPILER_ID:GNU>:-fno-ipa-ra>)
 endfunction()
