@@ -16,6 +16,8 @@ target_compile_features(tvmathrng INTERFACE $<INSTALL_INTERFACE:cxx_std_20>)
 install(TARGETS ${tv_libraries} EXPORT tvmathrng
   LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR} COMPONENT runtime NAMELINK_COMPONENT dev)
 install(TARGETS tvrng RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR} COMPONENT tools)
+install(FILES ${PROJECT_SOURCE_DIR}/docs/tvrng.1
+  DESTINATION ${CMAKE_INSTALL_MANDIR}/man1 COMPONENT tools)
 
 # The headers that the interfaces need, and those that a host or other native code works with. Not
 # among them: what includes Boost, oneTBB, Highway or fmt.

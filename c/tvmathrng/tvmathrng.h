@@ -1,6 +1,7 @@
 #pragma once
 
-/* Random-number streams for C, and for the languages that call C (C99 and later). No exception
+/** @file
+ * Random-number streams for C, and for the languages that call C (C99 and later). No exception
  * crosses this border.
  *
  * Every function that can fail returns a status. After a failure tvrng_error_identifier() and

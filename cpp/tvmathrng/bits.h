@@ -9,10 +9,10 @@
 
 namespace tvmathrng {
 
-/// A uniform random bit generator, as std::shuffle and the distributions of <random> take it, that
-/// draws from a stream: each call one uniform, whose 32 leading bits it returns. What the standard
-/// library makes of the bits is its own affair and differs from one to another; the stream's own
-/// functions give the same values everywhere.
+/// A uniform random bit generator, as std::shuffle and the distributions of `<random>` take it,
+/// that draws from a stream: each call one uniform, whose 32 leading bits it returns. What the
+/// standard library makes of the bits is its own affair and differs from one to another; the
+/// stream's own functions give the same values everywhere.
 class Bits {
  public:
   using result_type = std::uint32_t;
