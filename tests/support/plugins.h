@@ -2,6 +2,7 @@
 
 // The plug-ins of all generators, with their states as words whatever the element class.
 
+#include <algorithm>
 #include <bit>
 #include <cstdint>
 #include <memory>
@@ -13,7 +14,7 @@
 
 namespace testing_support {
 
-// A row of tests/plugin_rng/generators.txt.
+// A row of the registry; with streams, also one of tests/plugin_rng/stream_limits.txt.
 struct Generator {
   std::string name;
   plugin_rng::Factory make = nullptr;
@@ -28,23 +29,21 @@ struct Generator {
 inline void PrintTo(Generator const& generator, std::ostream* out) { *out << generator.name; }
 
 inline std::vector<Generator> allGenerators() {
-  std::vector<std::pair<std::string, plugin_rng::Factory>> const factories = {
-#define TFL_GENERATOR(name, ...) {#name, plugin_rng::make_##name},
+  std::vector<Generator> all = {
+#define TFL_GENERATOR(name, core, otherSpelling, family, stateClass, stateLen, normals, period) \
+  {#name, plugin_rng::make_##name, stateClass, stateLen, normals},
 #include "tfl_rng/generators.def"
 #undef TFL_GENERATOR
   };
-  std::vector<Generator> all;
-  auto const rows = known_answers::rows("plugin_rng/generators.txt");
-  if (rows.size() != factories.size()) throw std::runtime_error("generators.txt is out of date");
-  for (std::size_t i = 0; i < rows.size(); ++i) {
-    auto const& row = rows[i];
-    auto const number = [&](std::size_t field) {
-      return row.size() > 4 ? std::stoull(row.at(field), nullptr, 0) : 0;
-    };
-    if (row[0] != factories[i].first) throw std::runtime_error("generators.txt: " + row[0]);
-    all.push_back({row[0], factories[i].second, std::stoi(row[1]), std::stoul(row[2]),
-                   row[3] == "-" ? "" : row[3], number(4), number(5), number(6), number(7),
-                   number(8)});
+  for (auto const& row : known_answers::rows("plugin_rng/stream_limits.txt")) {
+    auto const generator = std::ranges::find(all, row.at(0), &Generator::name);
+    if (generator == all.end()) throw std::runtime_error("stream_limits.txt: " + row[0]);
+    auto const number = [&](std::size_t field) { return std::stoull(row.at(field), nullptr, 0); };
+    generator->numStreams = number(1);
+    generator->log2StreamLen = number(2);
+    generator->numSubstreams = number(3);
+    generator->log2SubstreamLen = number(4);
+    generator->serialLimit = number(5);
   }
   return all;
 }
