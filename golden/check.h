@@ -30,7 +30,9 @@ struct Difference {
 };
 
 struct Result {
-  std::size_t rows = 0;  // compared
+  std::size_t rows = 0;          // compared
+  std::uint64_t hash = 0;        // of all that was drawn
+  std::uint64_t goldenHash = 0;  // what that should be
   std::vector<Difference> differences = {};
 };
 

@@ -61,6 +61,7 @@ footer { color: var(--soft); font-size: 14px; border-top: 1px solid var(--line);
 svg text { font: 12px system-ui, -apple-system, "Segoe UI", Roboto, "Helvetica Neue", sans-serif;
   font-variant-numeric: tabular-nums; fill: var(--soft); }
 svg .name { fill: var(--ink); }
+svg .hash { font-family: ui-monospace, "DejaVu Sans Mono", monospace; fill: var(--ink); }
 svg .mark { fill: var(--ink); paint-order: stroke; stroke: var(--paper); stroke-width: 3px;
   stroke-linejoin: round; }
 svg path, svg rect, svg circle { fill: none; }

@@ -19,7 +19,7 @@ std::string pText(double p) {
 
 Verdict verdictOf(Result const& result, bool red) {
   if (red) return Verdict::bad;
-  return result.finding.tests.empty() && result.plot->alone ? Verdict::fact : Verdict::good;
+  return result.finding.isFact ? Verdict::fact : Verdict::good;
 }
 
 std::string contents(std::vector<Result> const& results, Judgement const& judgement) {

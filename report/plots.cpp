@@ -25,6 +25,7 @@ constexpr Plot kPlots[] = {
     {"integers", kWhole, "Are whole numbers fair?", measureIntegers, false},
     {"permutations", kWhole, "Does a permutation have favourites?", measurePermutations, false},
     {"map", kStreams, "Where do the streams lie?", measureStreamMap, false},
+    {"equality", kStreams, "Are the bits the same everywhere?", measureEquality, true},
     {"speed", kStreams, "How fast is it?", measureSpeed, true},
 };
 

@@ -33,12 +33,13 @@ struct Frame {
 };
 
 struct Finding {
-  std::vector<Test> tests;  // none: the plot tells a fact and has no verdict
-  std::string good;         // the verdict in one line
+  std::vector<Test> tests;
+  std::string good;  // the verdict in one line
   std::string bad;
   std::string note;  // how to read the drawing
   std::function<std::string(Frame const&)> draw;
-  bool holds = true;  // false: red whatever the tests say
+  bool holds = true;    // false: red whatever the tests say
+  bool isFact = false;  // has no verdict
 };
 
 struct Plot {
@@ -46,7 +47,7 @@ struct Plot {
   char const* group;
   char const* title;
   Finding (*measure)(Subject const&);
-  bool alone;  // measures time: nothing else may run beside it
+  bool alone;  // measures time or changes settings of the process: nothing may run beside it
 };
 
 std::span<Plot const> plots();
@@ -65,6 +66,7 @@ Finding measureNeighbours(Subject const& subject);
 Finding measureIntegers(Subject const& subject);
 Finding measurePermutations(Subject const& subject);
 Finding measureStreamMap(Subject const& subject);
+Finding measureEquality(Subject const& subject);
 Finding measureSpeed(Subject const& subject);
 
 }  // namespace report

@@ -83,7 +83,7 @@ Finding measureStrip(Subject const& subject) {
   double before = 1;
   std::uint64_t seen = 0;
   auto const stream = subject.stream();
-  stream->setFullPrecision(false);
+  choosePrecision(*stream, false);
   eachBlock(*stream, kDraws, [&](double const* values, std::uint64_t n) {
     for (std::uint64_t i = 0; i < n; ++i) {
       if (before < kStrip) {
@@ -133,7 +133,7 @@ Finding measurePlanes(Subject const& subject) {
   std::vector<std::uint64_t> counts(kBins);
   std::uint64_t seen = 0;
   auto const stream = subject.stream();
-  stream->setFullPrecision(false);
+  choosePrecision(*stream, false);
   eachBlock(*stream, kDraws, [&](double const* values, std::uint64_t n) {
     // The last values of the block before stay in front.
     window.insert(window.end(), values, values + n);

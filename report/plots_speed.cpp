@@ -76,6 +76,7 @@ Finding measureSpeed(Subject const& subject) {
         {at, costOf(n, [&](std::uint64_t k) { stream->randiFcn(1, 6, integers.data(), k); })});
   }
   Finding finding;
+  finding.isFact = true;
   finding.good =
       fmt::format("One value of rand takes {} ns alone and {} ns among {}.",
                   readable(curves[0].points.front().y, 2), readable(curves[0].points.back().y, 2),

@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <vector>
 
+#include "report/subject.h"
+
 namespace report {
 
 namespace {
@@ -22,7 +24,7 @@ class Restore {
   explicit Restore(randstream& stream)
       : stream_(stream), state_(stateOf(stream)), fullPrecision_(stream.fullPrecision()) {}
   ~Restore() {
-    stream_.setFullPrecision(fullPrecision_);
+    choosePrecision(stream_, fullPrecision_);
     stream_.setStateBuf(state_.data(), state_.size());
   }
   Restore(Restore const&) = delete;
@@ -40,10 +42,10 @@ class Restore {
 std::uint64_t outputsPerDraw(randstream& start) {
   Restore const restore(start);
   double values[2];
-  start.setFullPrecision(true);
+  choosePrecision(start, true);
   start.randuFcn(values, 1);
   auto const after = stateOf(start);
-  start.setFullPrecision(false);
+  choosePrecision(start, false);
   start.setStateBuf(restore.state().data(), restore.state().size());
   start.randuFcn(values, 1);
   return stateOf(start) == after ? 1 : 2;
@@ -51,15 +53,15 @@ std::uint64_t outputsPerDraw(randstream& start) {
 
 }  // namespace
 
-std::optional<Position> positionBehind(randstream& stream, std::unique_ptr<randstream> start,
+std::optional<Position> positionBehind(randstream& stream, std::shared_ptr<randstream> const& start,
                                        std::uint64_t limit) {
   Restore const restore(stream);
   start->setAntithetic(stream.antithetic());
   std::uint64_t const each = outputsPerDraw(*start);
   double probe[kProbe];
-  stream.setFullPrecision(false);
+  choosePrecision(stream, false);
   stream.randuFcn(probe, kProbe);
-  start->setFullPrecision(false);
+  choosePrecision(*start, false);
   std::vector<double> window;
   std::vector<unsigned char> before;
   std::uint64_t at = 0;  // of the window's begin, in outputs

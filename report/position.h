@@ -22,7 +22,7 @@ struct Position {
 // Where `stream` stands behind `start`, a stream of the same generator at its beginning, when that
 // is at most `limit` draws; nothing for a state that is not on the way, for example one that was
 // restored from another stream. `stream` stays where it is; `start` is used up.
-std::optional<Position> positionBehind(randstream& stream, std::unique_ptr<randstream> start,
+std::optional<Position> positionBehind(randstream& stream, std::shared_ptr<randstream> const& start,
                                        std::uint64_t limit);
 
 }  // namespace report

@@ -5,6 +5,7 @@
 #include <algorithm>
 
 #include "rng/mr_functions.h"
+#include "runtime/vm.h"
 
 namespace report {
 
@@ -30,6 +31,7 @@ constexpr Traits kTraits[] = {
     {"philox4x32_10", 52, 128, {2, 0, 0}, kMinimalStandard, kSeam256},
     {"shr3cong", 52, 63, {1, 0, 0}, kMinimalStandard, kSeam128},
     {"swb2712", 53, 1430, {12, 15, 27}, kSubtractWithBorrow, kSeam256},
+    {"legacy", 53, 1430, {12, 15, 27}, kSubtractWithBorrow, kSeam128},
     {"threefry4x64_20", 52, 256, {4, 0, 0}, kMinimalStandard, kSeam256},
 };
 constexpr Traits kUnknown{"", 52, 0, {0, 0, 0}, kMinimalStandard, kSeam256};
@@ -48,6 +50,18 @@ constexpr Family kFamilies[] = {
 #undef TFL_GENERATOR
 };
 
+constexpr char kLegacy[] = "legacy";
+
+// The legacy stream belongs to a virtual machine, which lives as long as the stream is used.
+std::shared_ptr<randstream> legacyStream(std::uint32_t seed) {
+  auto const vm = std::make_shared<runtime::Vm>();
+  // It warns of the switch, which is what is wanted here.
+  vm->context().setWarningSink([](auto const&, std::string const&) {});
+  vm->evaluate(fmt::format("rand('state',{0}); randn('state',{0});", seed));
+  embedded_host::EnterVm const inside(vm->context());
+  return {vm, mrGetGlobalStream()};
+}
+
 }  // namespace
 
 Traits traitsOf(std::string_view name) {
@@ -57,6 +71,10 @@ Traits traitsOf(std::string_view name) {
 }
 
 Subject subjectNamed(std::string_view name, std::uint32_t seed) {
+  if (name == kLegacy) {
+    return {kLegacy, seed, traitsOf(kLegacy), false,
+            [](std::uint32_t ofSeed, std::uint64_t) { return legacyStream(ofSeed); }};
+  }
   std::string const asked(name);
   // Refuses unknown names; what is known is found under the canonical one.
   std::unique_ptr<randstream> const first(mrCreateRNGStream(asked.c_str(), 1, 0, seed, nullptr, 0));
@@ -71,13 +89,17 @@ Subject subjectNamed(std::string_view name, std::uint32_t seed) {
   subject.hasSubstreams = family->hasSubstreams;
   subject.make = [type = subject.name, several = subject.hasSubstreams](std::uint32_t ofSeed,
                                                                         std::uint64_t stream) {
-    return std::unique_ptr<randstream>(
+    return std::shared_ptr<randstream>(
         mrCreateRNGStream(type.c_str(), several ? kNeighbours : 1, stream, ofSeed, nullptr, 0));
   };
   return subject;
 }
 
-std::unique_ptr<randstream> neighbour(Subject const& subject, std::uint64_t i) {
+void choosePrecision(randstream& stream, bool full) {
+  if (std::string_view(stream.generatorType()) != kLegacy) stream.setFullPrecision(full);
+}
+
+std::shared_ptr<randstream> neighbour(Subject const& subject, std::uint64_t i) {
   if (!subject.hasSubstreams) return subject.make(subject.seed + static_cast<std::uint32_t>(i), 0);
   auto stream = subject.make(subject.seed, i / 2);
   stream->setSubstream(i % 2);

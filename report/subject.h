@@ -37,21 +37,25 @@ struct Subject {
   Traits traits;
   bool hasSubstreams = false;
   // A new stream: of this generator, a seed, and an index from 0 (only 0 without substreams).
-  std::function<std::unique_ptr<randstream>(std::uint32_t seed, std::uint64_t stream)> make;
+  std::function<std::shared_ptr<randstream>(std::uint32_t seed, std::uint64_t stream)> make;
 
-  std::unique_ptr<randstream> stream() const { return make(seed, 0); }
+  std::shared_ptr<randstream> stream() const { return make(seed, 0); }
 };
 
-// A generator of the library by any of its names. Errors: those of mrCreateRNGStream.
+// A generator of the library by any of its names, or "legacy": what the older two-part syntax draws
+// from after rand('state',seed) and randn('state',seed). Errors: those of mrCreateRNGStream.
 Subject subjectNamed(std::string_view name, std::uint32_t seed);
 
 // The traits of a generator; those of a generator about which nothing is known for other names.
 Traits traitsOf(std::string_view name);
 
+// Full or reduced precision; the legacy stream has one, which stays.
+void choosePrecision(randstream& stream, bool full);
+
 // Streams that stand side by side: stream 1 substream 1, stream 1 substream 2, stream 2 substream
 // 1, ...; without substreams, those of seed, seed + 1, ...
 inline constexpr std::uint64_t kNeighbours = 16;
-std::unique_ptr<randstream> neighbour(Subject const& subject, std::uint64_t i);
+std::shared_ptr<randstream> neighbour(Subject const& subject, std::uint64_t i);
 std::string neighbourName(Subject const& subject, std::uint64_t i);
 
 // The bin that a value of (0,1) falls into.

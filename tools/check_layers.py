@@ -28,7 +28,7 @@ LAYERS = {
     "cpp": "tfl_rng host rng",
     "c": "tfl_rng host rng cpp",
     "golden": "tfl_rng host rng embedded_host language runtime",
-    "report": "tfl_rng host rng statistics golden",
+    "report": "tfl_rng host rng embedded_host runtime statistics golden",
     "shell": "tfl_rng host rng embedded_host language statistics runtime golden report",
     "python": "host rng runtime cpp c",
     "examples": "host rng runtime cpp c",

@@ -60,7 +60,7 @@ Subject damaged(std::function<Damage()> const& makeDamage) {
   subject.make = [makeDamage](std::uint32_t seed, std::uint64_t stream) {
     std::unique_ptr<randstream> inner(
         mrCreateRNGStream("philox4x32_10", kNeighbours, stream, seed, nullptr, 0));
-    return std::make_unique<randstream>("damaged", seed,
+    return std::make_shared<randstream>("damaged", seed,
                                         new DamagedPlugin(std::move(inner), makeDamage()), 1, 0);
   };
   return subject;

@@ -14,7 +14,7 @@ import xml.etree.ElementTree
 
 TVRNG = ""
 PLOTS = ["density", "distribution", "bits", "quantiles", "seam", "pairs", "strip", "planes",
-         "autocorrelation", "neighbours", "integers", "permutations", "map", "speed", "p-values"]
+         "autocorrelation", "neighbours", "integers", "permutations", "map", "equality", "speed", "p-values"]
 
 
 class Page(unittest.TestCase):
