@@ -5,6 +5,7 @@
 #include <cctype>
 #include <stdexcept>
 #include <tuple>
+#include <utility>
 
 #include "errors/keys.h"
 #include "host/allocator.h"
@@ -35,6 +36,12 @@ randstream::randstream(char const* generatorType, unsigned int seed, plugin_rng:
 
 randstream::~randstream() {
   if (plugin_) plugin_->destroy();
+}
+
+plugin_rng::IPluginRNG* randstream::exchangePlugin(plugin_rng::IPluginRNG* plugin) noexcept {
+  normalView_ = dynamic_cast<plugin_rng::IPluginRNGRandn*>(plugin);
+  substreamView_ = jumpView_ = dynamic_cast<plugin_rng::IPluginRNGSubstreams*>(plugin);
+  return std::exchange(plugin_, plugin);
 }
 
 plugin_rng::IPluginRNG& randstream::requiredPlugin() const {

@@ -58,6 +58,8 @@ class TV_EXPORT randstream {
 
   char const* generatorType() const noexcept { return generatorType_; }  // as its creator wrote it
   unsigned int seed() const noexcept { return seed_; }
+  // Whether a normal of the Polar method waits for the next call.
+  bool pendingNormal() const noexcept { return pendingNormalValid_; }
   unsigned long numStreams() const noexcept { return numStreams_; }
   unsigned long streamIndex() const noexcept { return streamIndex_; }  // from 0
   bool antithetic() const noexcept { return antithetic_; }
@@ -81,6 +83,11 @@ class TV_EXPORT randstream {
   void getStateBuf(void* buf, unsigned long len) const;
   // Errors: set:InvalidStateBufLen and the generator's InvalidState.
   void setStateBuf(void const* buf, unsigned long len);
+
+  // Puts `plugin` in the place of the stream's own, which is returned with its ownership: a view
+  // around it, for example, that counts what the stream draws. Modes and normal method stay, so
+  // that it has the same extensions and answers them alike.
+  plugin_rng::IPluginRNG* exchangePlugin(plugin_rng::IPluginRNG* plugin) noexcept;
 
   // Sampling. No guard: a plug-in's error propagates, values already written stay written.
 

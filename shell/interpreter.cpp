@@ -2,8 +2,10 @@
 
 #include <unistd.h>
 
+#include "embedded_host/object_system.h"
 #include "language/fault.h"
 #include "shell/error_text.h"
+#include "shell/explain.h"
 #include "shell/json.h"
 #include "shell/shell_functions.h"
 #include "shell/terminal.h"
@@ -14,6 +16,7 @@ Interpreter::Interpreter(Echo echo)
     : echo_(echo), entered_(vm_.context()), session_(vm_.context(), *this) {
   style_.width = terminalWidth(STDOUT_FILENO);
   registerShellFunctions(*this);
+  watchCalls(vm_.context(), &watch_);
   session_.atStatement([this] { activityBefore_ = vm_.streamActivity(); });
   vm_.context().setWarningSink([this](auto const& id, std::string const& text) { warn(id, text); });
 }
@@ -22,6 +25,8 @@ Interpreter::~Interpreter() { vm_.context().setWarningSink({}); }
 
 Interpreter::Outcome Interpreter::run(std::string_view source, std::string const& fileName,
                                       bool mayContinue) {
+  std::size_t const explained = explainedFrom(source);
+  if (explained != std::string_view::npos) return explain(source, explained, fileName, mayContinue);
   source_ = source;
   fileName_ = fileName;
   warned_.clear();
@@ -37,6 +42,31 @@ Interpreter::Outcome Interpreter::run(std::string_view source, std::string const
     std::fwrite(text.data(), 1, text.size(), stderr);
     return Outcome::failed;
   }
+}
+
+// The command gives way to blanks, so that places in messages stay what they are.
+Interpreter::Outcome Interpreter::explain(std::string_view source, std::size_t from,
+                                          std::string const& fileName, bool mayContinue) {
+  std::vector<Explanation::Named> streams;
+  for (auto const& [name, value] : session_.variables()) {
+    embedded_host::ClassPtr const kind = embedded_host::classOf(*value);
+    if (kind && kind->name == "RandStream") streams.push_back({name, txShare(*value)});
+  }
+  streams.push_back({"the global stream", vm_.call("RandStream.global")});
+  std::erase_if(streams, [](Explanation::Named const& named) {
+    return *embedded_host::storedProperty(*named.object, "StreamID")->dataAs<std::uint64_t>() == 0;
+  });
+  Explanation explanation(std::move(streams));
+  struct Watching {
+    explicit Watching(CallWatch*& slot, CallWatch& watch) : slot_(slot) { slot_ = &watch; }
+    ~Watching() { slot_ = nullptr; }
+    CallWatch*& slot_;
+  } const watching(watch_, explanation);
+  Outcome const outcome =
+      run(std::string(from, ' ') + std::string(source.substr(from)), fileName, mayContinue);
+  source_ = {};  // the blanked text ends here
+  if (outcome != Outcome::incomplete) print(explanation.text());
+  return outcome;
 }
 
 // That nothing was drawn is worth a word where a call of the library was refused; that something

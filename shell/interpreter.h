@@ -12,6 +12,7 @@
 #include "embedded_host/vm_context.h"
 #include "language/session.h"
 #include "runtime/vm.h"
+#include "shell/call_watch.h"
 #include "shell/display.h"
 
 namespace shell {
@@ -52,6 +53,8 @@ class Interpreter final : private language::Output {
   void show(std::string_view name, txArray const& value) override;
   void print(std::string_view utf8) override;
   void printValue(txArray const& value) override;
+  Outcome explain(std::string_view source, std::size_t from, std::string const& fileName,
+                  bool mayContinue);
   void warn(foundation::core::except::MessageId const& id, std::string const& text);
   std::optional<bool> drawnBefore(language::SourceError const& error) const;
 
@@ -65,6 +68,7 @@ class Interpreter final : private language::Output {
   std::string fileName_;
   std::set<std::string> warned_;
   std::uint64_t activityBefore_ = 0;
+  CallWatch* watch_ = nullptr;  // while something is explained
 };
 
 }  // namespace shell

@@ -3,11 +3,16 @@
 #include <fmt/format.h>
 
 #include <algorithm>
+#include <cerrno>
+#include <cstring>
+#include <fstream>
+#include <numeric>
 
 #include "embedded_host/array.h"
 #include "host/messages.h"
 #include "language/fault.h"
 #include "language/values.h"
+#include "report/drawings.h"
 #include "shell/generators_table.h"
 #include "shell/help.h"
 #include "shell/interpreter.h"
@@ -79,14 +84,76 @@ void leave(Interpreter&, Arguments arguments) {
   throw ExitRequest{language::castElement<std::uint8_t>(status)};
 }
 
+std::vector<double> doublesOf(txArray const& value, int position) {
+  txArrayPtr const elements =
+      language::convertClass(*language::elementsArgument(value, position), txClassDouble);
+  if (elements->isComplex()) {
+    language::raiseFault("type", "Complex values cannot be drawn.", "try real(x) or abs(x)",
+                         position);
+  }
+  double const* const data = std::as_const(*elements).dataAs<double>();
+  return {data, data + elements->numel()};
+}
+
+// Splits off the name of a file, the last argument when that is a text.
+std::string fileArgument(Arguments& arguments) {
+  if (arguments.empty() || !language::isScalarText(*arguments.back())) return "";
+  std::string file = language::utf8Of(*arguments.back());
+  arguments = arguments.first(arguments.size() - 1);
+  return file;
+}
+
+void writeFile(std::string const& file, std::string const& content) {
+  std::ofstream out(file, std::ios::binary);
+  out << content << std::flush;
+  if (!out) {
+    language::raiseFault("file", fmt::format("Cannot write {}: {}.", file, std::strerror(errno)),
+                         "");
+  }
+}
+
+// histogram(x), histogram(x,file)
+void histogram(Interpreter& interpreter, Arguments arguments) {
+  std::string const file = fileArgument(arguments);
+  if (arguments.size() != 1) matrix::detail::error_minrhs();
+  auto const values = doublesOf(*arguments[0], 1);
+  if (!file.empty()) return writeFile(file, report::histogramFile(values));
+  interpreter.write(report::histogramText(values, interpreter.style().width));
+}
+
+// chart(y), chart(x,y), and with a file
+void chart(Interpreter& interpreter, Arguments arguments) {
+  std::string const file = fileArgument(arguments);
+  if (arguments.empty()) matrix::detail::error_minrhs();
+  auto const y = doublesOf(*arguments.back(), static_cast<int>(arguments.size()));
+  std::vector<double> x(y.size());
+  std::iota(x.begin(), x.end(), 1.0);
+  if (arguments.size() == 2) x = doublesOf(*arguments[0], 1);
+  if (x.size() != y.size()) {
+    language::raiseFault("size", fmt::format("x has {} values and y has {}.", x.size(), y.size()),
+                         "each point needs one of both", 2);
+  }
+  std::vector<report::Point> points(x.size());
+  for (std::size_t i = 0; i < x.size(); ++i) points[i] = {x[i], y[i]};
+  if (!file.empty()) return writeFile(file, report::chartFile(points));
+  interpreter.write(report::chartText(points, interpreter.style().width));
+}
+
+void explain(Interpreter&, Arguments) {
+  language::raiseFault("explain", "explain is a command, not a function.",
+                       "at the start of a line: explain randn(1,3)");
+}
+
 struct Row {
   char const* name;
   void (*body)(Interpreter&, Arguments);
   int most;
 };
-constexpr Row kRows[] = {{"whos", whos, 0},  {"format", format, 1},
-                         {"help", help, 1},  {"generators", generators, 0},
-                         {"exit", leave, 1}, {"quit", leave, 1}};
+constexpr Row kRows[] = {{"whos", whos, 0},           {"format", format, 1},
+                         {"help", help, 1},           {"generators", generators, 0},
+                         {"histogram", histogram, 2}, {"chart", chart, 3},
+                         {"explain", explain, 1},     {"exit", leave, 1},
+                         {"quit", leave, 1}};
 
 }  // namespace
 

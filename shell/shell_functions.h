@@ -4,7 +4,8 @@ namespace shell {
 
 class Interpreter;
 
-// Adds help, generators, whos, format, exit and quit to the functions of the session's VM.
+// Adds help, generators, whos, format, histogram, chart, explain, exit and quit to the functions of
+// the session's VM.
 void registerShellFunctions(Interpreter& interpreter);
 
 }  // namespace shell

@@ -1,0 +1,57 @@
+#include "shell/call_watch.h"
+
+#include <string>
+
+#include "embedded_host/dispatcher.h"
+#include "embedded_host/object_system.h"
+#include "rng/mr_functions.h"
+#include "shell/long_advance.h"
+
+namespace shell {
+
+namespace {
+
+using embedded_host::Function;
+
+constexpr char const* kWatched[] = {"rand", "randn", "randi", "randperm", "advance", "reset"};
+
+// The stream of a call: that of its first argument when it is an object of the class, else the
+// global one.
+randstream& streamOf(int nrhs, txArray const** prhs, bool isMethod) {
+  if (isMethod) {
+    for (int i = 0; i < nrhs; ++i) {
+      embedded_host::ClassPtr const found = embedded_host::classOf(*prhs[i]);
+      if (found && found->name == "RandStream") return *mrGetCPPRandStreamFromTxArray(prhs[i]);
+    }
+  }
+  return *mrGetGlobalStream();
+}
+
+Function watched(std::string name, Function function, CallWatch* const* watch, bool isMethod) {
+  return [=, name = std::move(name), function = std::move(function)](
+             int nlhs, txArrayPtr* plhs, int nrhs, txArray const** prhs) {
+    if (!(name == "advance" && nlhs == 0 && advancedSlowly(nrhs, prhs))) {
+      function(nlhs, plhs, nrhs, prhs);
+    }
+    if (*watch)
+      (*watch)->called(name, streamOf(nrhs, prhs, isMethod), plhs ? plhs[0].get() : nullptr);
+  };
+}
+
+}  // namespace
+
+void watchCalls(embedded_host::VmContext& vm, CallWatch* const* watch) {
+  embedded_host::ClassDefinition streams = *vm.classes().find("RandStream");
+  for (char const* const name : kWatched) {
+    if (Function const* const function = vm.functions().find(name)) {
+      vm.functions().add(name, watched(name, *function, watch, false));
+    }
+    auto const method = streams.methods.find(name);
+    if (method != streams.methods.end()) {
+      method->second = watched(name, method->second, watch, true);
+    }
+  }
+  vm.classes().add(std::move(streams));
+}
+
+}  // namespace shell

@@ -1,0 +1,82 @@
+#include "shell/long_advance.h"
+
+#include <fmt/format.h>
+#include <strings.h>
+
+#include <algorithm>
+#include <cmath>
+#include <vector>
+
+#include "embedded_host/object_system.h"
+#include "language/fault.h"
+#include "language/interrupt.h"
+#include "rng/mr_functions.h"
+#include "rng/randstream.h"
+#include "shell/progress.h"
+
+namespace shell {
+
+namespace {
+
+// Draws that take less than a blink are left to the stream itself.
+constexpr std::uint64_t kLong = std::uint64_t{1} << 24;
+constexpr std::uint64_t kBlock = std::uint64_t{1} << 20;
+
+struct Row {
+  char const* name;
+  char const* otherSpelling;
+  bool jumps;
+};
+constexpr bool kSingle = false;
+constexpr bool kSubstreams = true;
+constexpr Row kRows[] = {
+#define TFL_GENERATOR(name, core, otherSpelling, family, stateClass, stateLen, normals, period) \
+  {#name, otherSpelling, k##family},
+#include "tfl_rng/generators.def"
+#undef TFL_GENERATOR
+};
+
+bool canJump(randstream const& stream) {
+  return std::ranges::any_of(kRows, [&](Row const& row) {
+    return row.jumps && (strcasecmp(row.name, stream.generatorType()) == 0 ||
+                         strcasecmp(row.otherSpelling, stream.generatorType()) == 0);
+  });
+}
+
+}  // namespace
+
+bool advancedSlowly(int nrhs, txArray const** prhs) {
+  if (nrhs != 2 || prhs[1]->classID() != txClassDouble || prhs[1]->isComplex() ||
+      prhs[1]->isSparse() || prhs[1]->numel() != 1) {
+    return false;
+  }
+  double const wanted = prhs[1]->scalarAsDouble();
+  embedded_host::ClassPtr const found = embedded_host::classOf(*prhs[0]);
+  if (!found || found->name != "RandStream" || !(wanted >= kLong) || wanted >= 0x1p53 ||
+      wanted != std::floor(wanted)) {
+    return false;
+  }
+  randstream& stream = *mrGetCPPRandStreamFromTxArray(prhs[0]);
+  if (canJump(stream)) return false;
+  std::vector<unsigned char> before(stream.getStateBufLen());
+  stream.getStateBuf(before.data(), before.size());
+  auto const n = static_cast<std::uint64_t>(wanted);
+  Progress progress;
+  for (std::uint64_t done = 0; done < n;) {
+    std::uint64_t const length = std::min(kBlock, n - done);
+    stream.advance(length);
+    done += length;
+    if (language::takeInterrupt()) {
+      stream.setStateBuf(before.data(), before.size());
+      language::raiseFault("interrupted",
+                           fmt::format("Interrupted after {:.0f} % of the draws; the stream is "
+                                       "back where it was.",
+                                       100 * static_cast<double>(done) / wanted));
+    }
+    progress.draw(static_cast<double>(done) / wanted,
+                  fmt::format("advance, drawing {:.3g} values", wanted));
+  }
+  return true;
+}
+
+}  // namespace shell
