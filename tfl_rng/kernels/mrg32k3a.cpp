@@ -114,6 +114,9 @@ HWY_INLINE Doubles subtractUnlessNegative(Doubles value, double m) {
 struct Terms {
   Doubles x[3], y[3];
 
+  // Not left to the compiler: g++ would make it without the target's instructions.
+  HWY_INLINE Terms() {}
+
   HWY_INLINE Doubles step() {
     const Doubles x3 =
         hn::Sub(hn::Mul(x[1], hn::Set(f64, kA12)), hn::Mul(x[0], hn::Set(f64, kA13n)));

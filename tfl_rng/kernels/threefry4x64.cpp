@@ -34,6 +34,9 @@ constexpr int kInFlight = 4;
 template <int vectors>
 struct Blocks {
   Words x[4][vectors];
+
+  // Not left to the compiler: g++ would make it without the target's instructions.
+  HWY_INLINE Blocks() {}
 };
 
 template <int rotation, int vectors>
