@@ -67,6 +67,7 @@ constexpr Case kCases[] = {
     {"after-snapshot", kAll,
      "q = randn(s); t = RandStream.restore(snapshot(s)); [randn(t,1,n) rand(t,1,n)]"},
     {"other-seed", kOwn, "s = RandStream(type,'Seed',4294967295); [rand(s,1,n) randn(s,1,n)]"},
+    {"seed-0", kOwn, "s = RandStream(type,'Seed',0); [rand(s,1,n) randn(s,1,n)]"},
     {"other-stream", kSubstreams,
      "s = RandStream(type,'Seed',7,'NumStreams',9,'StreamIndices',9); rand(s,1,n)"},
     {"randn", kAll, "randn(s,1,n)"},
@@ -109,6 +110,9 @@ constexpr Case kCases[] = {
     {"state-state", kOld, "rand('state',5); q = rand; [rand('state')' rand(1,n)]"},
     {"twister-state", kOld, "rand('twister',5); q = rand; [double(rand('twister')') rand(1,n)]"},
     {"seed-normals", kOld, "randn('seed',5); q = randn; [randn('seed') randn(1,n)]"},
+    {"seeds-0", kOld,
+     "rand('seed',0); a = rand(1,99); rand('state',0); b = rand(1,99); rand('twister',0);"
+     "c = rand(1,99); randn('seed',0); d = randn(1,99); randn('state',0); [a b c d randn(1,99)]"},
     {"state-normals", kOld, "randn('state',5); q = randn; [randn('state')' randn(1,n)]"},
 };
 
