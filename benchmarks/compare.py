@@ -2,7 +2,7 @@
 """Runs tvbench and prints our times beside memset and the peers, a table for each kind of work.
 
     benchmarks/compare.py out/bench/bin/tvbench [--filter REGEX] [--repetitions N]
-                          [--core C] [--numpy] [--update FILE]
+                          [--core C] [--baseline] [--numpy] [--update FILE]
 
 All benchmarks run in one process on one core, in random order within each repetition; the tables
 give medians in nanoseconds a value. A ratio is the fastest peer's time over ours: above 1 we are
@@ -141,7 +141,7 @@ def machine(context, core, load):
     return [
         f"- Date: {datetime.date.today()}",
         f"- Machine: {model[1] if model else os.uname().machine}, {context['num_cpus']} cores, "
-        f"{caches}; instruction sets: {instruction_sets()}",
+        f"{caches}; instruction sets: {instruction_sets()}; our kernels run {context['target']}",
         f"- Compiler: {context['compiler']}, {context['flags'].strip()} "
         "(the peers' headers too); system "
         + os.uname().release,
@@ -172,6 +172,9 @@ def main():
     parser.add_argument("--repetitions", type=int, default=9)
     parser.add_argument("--min-time", type=float, default=0.05, help="seconds a repetition")
     parser.add_argument("--core", type=int, default=max(os.sched_getaffinity(0)))
+    parser.add_argument(
+        "--baseline", action="store_true", help="our kernels on the lowest instruction set"
+    )
     parser.add_argument("--numpy", action="store_true", help="numpy_peer.py as one more peer")
     parser.add_argument("--update", type=pathlib.Path, help="put the tables into this file")
     args = parser.parse_args()
@@ -186,6 +189,7 @@ def main():
             f"--benchmark_repetitions={args.repetitions}",
             f"--benchmark_min_time={args.min_time}",
             "--benchmark_enable_random_interleaving=true",
+            *(["--baseline"] if args.baseline else []),
         ],
         args.core,
     )

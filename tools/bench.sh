@@ -4,6 +4,7 @@
 #   tools/bench.sh                                      all of it
 #   tools/bench.sh --filter 'uniform double/' --repetitions 5
 #   tools/bench.sh --native                             peers compiled with -O3 -march=native
+#   tools/bench.sh --baseline                           our kernels on the lowest instruction set
 #   tools/bench.sh --numpy                              NumPy as one more peer
 #   tools/bench.sh --update docs/performance.md         keep the table
 set -eu

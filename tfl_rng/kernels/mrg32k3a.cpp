@@ -53,7 +53,8 @@ alignas(64) constexpr auto kWeights2 = makeWeights<kM2>(kStep2, steps);
 HWY_BEFORE_NAMESPACE();
 namespace tfl_rng::mrg32k3a_steps::HWY_NAMESPACE {
 
-#if HWY_TARGET == HWY_SCALAR
+// Without an instruction that rounds doubles the integers of the scalar form are the faster ones.
+#if HWY_TARGET == HWY_SCALAR || HWY_TARGET == HWY_SSSE3
 
 template <class Precision>
 void fillAll(Words& words, double* out, std::size_t n) {
