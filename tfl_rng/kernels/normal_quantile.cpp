@@ -57,13 +57,21 @@ class Tails {
     count_ += static_cast<std::size_t>(std::popcount(bits));
   }
 
-  // Replaces the uniforms at the kept places of `values` by their quantiles.
+  // Replaces the uniforms at the kept places of `values` by their quantiles: whole vectors, the
+  // last one filled up with the last place, since a loop of as many rounds as there are tail values
+  // would be mispredicted nearly always.
   HWY_INLINE void finish(double* values) {
-    double u[kBlock + kMostLanes];
-    for (std::size_t j = 0; j < count_; ++j) u[j] = values[places_[j]];
-    std::fill_n(u + count_, kMostLanes, 0.01);
-    for (std::size_t j = 0; j < count_; j += hn::Lanes(f64)) tailInPlace(u + j);
-    for (std::size_t j = 0; j < count_; ++j) values[places_[j]] = u[j];
+    constexpr std::size_t lanes = hn::MaxLanes(f64);
+    if (count_ == 0) return;
+    std::fill_n(places_ + count_, lanes, places_[count_ - 1]);
+    for (std::size_t j = 0; j < count_; j += lanes) {
+      double u[lanes];
+      HWY_UNROLL(8)
+      for (std::size_t lane = 0; lane < lanes; ++lane) u[lane] = values[places_[j + lane]];
+      tailInPlace(u);
+      HWY_UNROLL(8)
+      for (std::size_t lane = 0; lane < lanes; ++lane) values[places_[j + lane]] = u[lane];
+    }
     count_ = 0;
   }
 
@@ -88,32 +96,38 @@ class Tails {
   std::uint8_t places_[kBlock + kMostLanes];
 };
 
-// n is a multiple of the lanes and at most kBlock.
+// A vector of values by the central form; those of the tails stay, and their places from `at` on
+// are kept.
+HWY_INLINE void central(double* values, std::size_t at, Tails& tails) {
+  const Doubles u = hn::LoadU(f64, values);
+  const Doubles q = hn::Sub(u, hn::Set(f64, 0.5));
+  const auto inTail = hn::Gt(hn::Abs(q), hn::Set(f64, kCentralHalfWidth));
+  tails.keep(inTail, at);
+  const Doubles r = hn::Sub(hn::Set(f64, kCentralShift), hn::Mul(q, q));
+  const Doubles numerator = hn::Mul(q, polynomial(kCentral.numerator, r));
+  const Doubles quantile = hn::Div(numerator, polynomial(kCentral.denominator, r));
+  hn::StoreU(hn::IfThenElse(inTail, u, quantile), f64, values);
+}
+
+// n is at most kBlock.
 HWY_INLINE void block(double* values, std::size_t n, Tails& tails) {
-  for (std::size_t i = 0; i < n; i += hn::Lanes(f64)) {
-    const Doubles u = hn::LoadU(f64, values + i);
-    const Doubles q = hn::Sub(u, hn::Set(f64, 0.5));
-    const auto inTail = hn::Gt(hn::Abs(q), hn::Set(f64, kCentralHalfWidth));
-    tails.keep(inTail, i);
-    const Doubles r = hn::Sub(hn::Set(f64, kCentralShift), hn::Mul(q, q));
-    const Doubles numerator = hn::Mul(q, polynomial(kCentral.numerator, r));
-    const Doubles central = hn::Div(numerator, polynomial(kCentral.denominator, r));
-    hn::StoreU(hn::IfThenElse(inTail, u, central), f64, values + i);
+  const std::size_t lanes = hn::Lanes(f64);
+  std::size_t i = 0;
+  for (; i + lanes <= n; i += lanes) central(values + i, i, tails);
+  if (i < n) {
+    double last[kMostLanes];
+    std::fill_n(last, kMostLanes, 0.5);
+    std::copy_n(values + i, n - i, last);
+    central(last, i, tails);
+    std::copy_n(last, n - i, values + i);
   }
   tails.finish(values);
 }
 
 void inPlace(double* values, std::size_t n) {
   Tails tails;
-  const std::size_t rest = n % hn::Lanes(f64);
-  for (std::size_t done = 0; done < n - rest; done += kBlock)
-    block(values + done, std::min(kBlock, n - rest - done), tails);
-  if (rest == 0) return;
-  double last[kMostLanes];
-  std::fill_n(last, kMostLanes, 0.5);
-  std::copy_n(values + n - rest, rest, last);
-  block(last, hn::Lanes(f64), tails);
-  std::copy_n(last, rest, values + n - rest);
+  for (std::size_t done = 0; done < n; done += kBlock)
+    block(values + done, std::min(kBlock, n - done), tails);
 }
 
 #endif
@@ -125,12 +139,18 @@ HWY_AFTER_NAMESPACE();
 namespace tfl_rng {
 namespace quantile {
 HWY_EXPORT(inPlace);
-}
+
+// For fewer values than this the scalar form is the faster one.
+constexpr std::size_t kLeastValues = 5;
+}  // namespace quantile
 
 void normalQuantileInPlace(double* values, std::size_t n) noexcept {
   using namespace quantile;
-  if (n == 1) return static_cast<void>(*values = normalQuantile(*values));  // the quicker way
-  HWY_DYNAMIC_DISPATCH(inPlace)(values, n);
+  if (n < kLeastValues) {
+    for (std::size_t i = 0; i < n; ++i) values[i] = normalQuantile(values[i]);
+  } else {
+    HWY_DYNAMIC_DISPATCH(inPlace)(values, n);
+  }
 }
 
 }  // namespace tfl_rng
