@@ -16,8 +16,8 @@ using namespace statistics;
 
 // Bits an axis that leave 16 numbers or more for every cell of a grid.
 int gridBits(Sample u, int dimension) {
-  auto const points = static_cast<double>(u.size() / static_cast<std::size_t>(dimension));
-  return static_cast<int>(std::log2(points / 16) / dimension);
+  auto const numbers = static_cast<double>(u.size());
+  return static_cast<int>(std::log2(numbers / dimension / 16) / dimension);
 }
 
 // Points of 30 bits, 4096 a year: 16 repeated spacings expected of each.

@@ -1,6 +1,7 @@
 // Lists of arguments made from bytes, given to every builtin and every method: a call succeeds or
 // is a host error, and one that was refused has moved no stream.
 
+#include <algorithm>
 #include <array>
 #include <memory>
 #include <string>
@@ -161,8 +162,8 @@ void callOne(runtime::Vm& vm, fuzz::ByteReader& input, txArrayPtr const& stream)
   if (input.below(2)) arguments.push_back(txShare(*stream));
   for (std::size_t n = input.below(7); n > 0; --n)
     arguments.push_back(makeArgument(input, *stream));
-  std::vector<txArray const*> borrowed;
-  for (txArrayPtr const& argument : arguments) borrowed.push_back(argument.get());
+  std::vector<txArray const*> borrowed(arguments.size());
+  std::ranges::transform(arguments, borrowed.begin(), &txArrayPtr::get);
 
   States const before = statesNow(*stream);
   try {

@@ -2,6 +2,8 @@
 
 // Draws of every kind from a stream, whatever state it is in.
 
+#include <algorithm>
+#include <bit>
 #include <cmath>
 #include <vector>
 
@@ -17,6 +19,13 @@ inline StateBytes stateOf(randstream const& stream) {
   StateBytes state(stream.getStateBufLen());
   stream.getStateBuf(state.data(), state.size());
   return state;
+}
+
+// Whether both are the same values to the last bit, NaN included.
+inline bool sameBits(std::vector<double> const& a, std::vector<double> const& b) {
+  return std::ranges::equal(a, b, [](double x, double y) {
+    return std::bit_cast<std::uint64_t>(x) == std::bit_cast<std::uint64_t>(y);
+  });
 }
 
 // Draws n uniforms, n normals by the stream's present method, integers and a permutation. Returns
