@@ -1,0 +1,23 @@
+// tvmathrng for Python: the extension module behind the package.
+
+#include <pybind11/pybind11.h>
+
+#include "python/bit_generator.h"
+#include "python/docs.h"
+#include "python/errors.h"
+#include "python/sampling.h"
+#include "python/stream.h"
+
+PYBIND11_MODULE(_tvmathrng, module) {
+  using namespace tvpython;
+  pybind11::options options;
+  options.disable_function_signatures();  // the docstrings have better ones
+  // Classes and functions are found where users import them from, which pickling relies on.
+  module.attr("__name__") = "tvmathrng";
+  registerErrors();
+  auto type = addStreamClass(module);
+  addSampling(module, type);
+  addBitGenerator(module, type);
+  module.def("generators", generatorNames, docs::kGenerators);
+  module.attr("__version__") = TV_VERSION;
+}

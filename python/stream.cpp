@@ -1,0 +1,301 @@
+#include "python/stream.h"
+
+#include <pybind11/numpy.h>
+
+#include <algorithm>
+#include <random>
+#include <string_view>
+#include <utility>
+
+#include "python/arguments.h"
+#include "python/docs.h"
+#include "python/errors.h"
+#include "python/method.h"
+#include "rng/mr_functions.h"
+#include "vmstate/generator_aliases.h"
+
+namespace py = pybind11;
+
+namespace tvpython {
+namespace {
+
+struct Spelling {
+  char const* spelling;
+  char const* name;
+};
+constexpr Spelling kSpellings[] = {
+#define TFL_GENERATOR(name, core, otherSpelling, ...) {#name, #name}, {otherSpelling, #name},
+#include "tfl_rng/generators.def"
+#undef TFL_GENERATOR
+};
+
+bool equalIgnoringCase(std::string_view a, std::string_view b) {
+  auto const lower = [](char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c + 32) : c; };
+  return std::ranges::equal(a, b, {}, lower, lower);
+}
+
+// The name that the library knows a generator by.
+std::string canonicalName(std::string const& given) {
+  for (GeneratorAlias const& row : kGeneratorAliases)
+    if (equalIgnoringCase(given, std::string(row.alias.begin(), row.alias.end())))
+      return {row.name.begin(), row.name.end()};
+  for (Spelling const& row : kSpellings)
+    if (*row.spelling && equalIgnoringCase(given, row.spelling)) return row.name;
+  throw Refusal(Kind::value, "TALVOR:RandStream:create:UnknownRNGType",
+                "There is no generator named \"" + given + "\". tvmathrng.generators() lists " +
+                    "them: " + py::str(", ").attr("join")(generatorNames()).cast<std::string>());
+}
+
+std::uint32_t readSeed(py::handle value, char const* path) {
+  if (PyUnicode_Check(value.ptr()) && PyUnicode_CompareWithASCIIString(value.ptr(), "entropy") == 0)
+    return std::random_device()();
+  if (PyIndex_Check(value.ptr())) {
+    auto const seed = py::reinterpret_steal<py::object>(PyNumber_Index(value.ptr()));
+    if (!seed) throw py::error_already_set();
+    std::uint64_t const number = PyLong_AsUnsignedLongLong(seed.ptr());
+    bool const fits = !PyErr_Occurred() && number <= 0xFFFFFFFF;
+    PyErr_Clear();
+    if (fits) return static_cast<std::uint32_t>(number);
+  }
+  refuseAsLibrary(path, "BadSeed");
+}
+
+bool readFlag(py::handle value, char const* what) {
+  py::detail::make_caster<bool> flag;  // takes NumPy's too
+  if (!flag.load(value, false))
+    refuse(
+        Kind::type, "InvalidFlag",
+        std::string(what) + " must be True or False, not " + py::repr(value).cast<std::string>());
+  return py::detail::cast_op<bool>(flag);
+}
+
+std::string readText(py::handle value, char const* what) {
+  if (!PyUnicode_Check(value.ptr()))
+    refuse(Kind::type, "InvalidText",
+           std::string(what) + " must be a string, not " + py::repr(value).cast<std::string>());
+  return value.cast<std::string>();
+}
+
+// The generators that have a name keep their state in one array, of one of three classes.
+struct StateLayout {
+  py::dtype type;
+  std::size_t length;
+};
+StateLayout stateLayout(randstream const& stream) {
+  txClassID classID;
+  unsigned long length;
+  stream.getStateComponentTypes(1, &classID, &length);
+  char const* const type = classID == txClassUint32 ? "u4" : classID == txClassUint64 ? "u8" : "f8";
+  return {py::dtype(type), length};
+}
+
+py::array readState(py::handle self) {
+  Stream::Use const use(streamOf(self.ptr()));
+  StateLayout const layout = stateLayout(*use);
+  py::array state(layout.type, layout.length);
+  void* const elements = state.mutable_data();
+  use->getStateComponents(1, &elements);
+  return state;
+}
+
+void writeState(py::handle self, py::handle value) {
+  Stream& stream = streamOf(self.ptr());
+  // Its making may run code of the caller's: no right to the stream yet.
+  auto const state = py::reinterpret_borrow<py::array>(
+      py::module_::import("numpy").attr("ascontiguousarray")(value));
+  Stream::Use const use(stream);
+  StateLayout const layout = stateLayout(*use);
+  if (!state.dtype().equal(layout.type))
+    refuseAsLibrary("TALVOR:RandStream:set", "InvalidStateClass", {use->generatorType()});
+  if (static_cast<std::size_t>(state.size()) != layout.length)
+    refuseAsLibrary("TALVOR:RandStream:set", "InvalidStateLen", {use->generatorType()});
+  void const* const elements = state.data();
+  use->setStateComponents(1, &elements);
+}
+
+py::object readParameters(py::handle self) {
+  randstream::streamParamsStruct p;
+  Stream::Use const use(streamOf(self.ptr()));
+  try {
+    use->getStreamParameters(&p);
+  } catch (foundation::core::except::AnyException const&) {
+    refuse(Kind::value, "NoSubstreams",
+           std::string("generator ") + use->generatorType() + " has no streams and substreams");
+  }
+  py::object const type = py::module_::import("tvmathrng.parameters").attr("Parameters");
+  return type(p.numStreams, p.numSubstreams, p.log2StreamLen, p.log2SubstreamLen);
+}
+
+void writeSubstream(py::handle self, py::handle value) {
+  std::uint64_t const index = readCount(value, "substream");
+  Stream::Use(streamOf(self.ptr()))->setSubstream(index);
+}
+
+void writeRandnAlg(py::handle self, py::handle value) {
+  std::string const name = readText(value, "randn_alg");
+  Stream::Use(streamOf(self.ptr()))->setRandnAlg(name.c_str());
+}
+
+// What the constructor sets besides the sequence. Errors leave no stream behind.
+std::unique_ptr<Stream> construct(py::object const& generator, py::object const& seed,
+                                  py::object const& streamIndex, py::object const& numStreams,
+                                  py::object const& substream, py::object const& randnAlg,
+                                  py::object const& antithetic, py::object const& fullPrecision) {
+  auto stream =
+      makeStream(readText(generator, "generator"), readSeed(seed, "TALVOR:RandStream:create"),
+                 readCount(streamIndex, "stream_index"), readCount(numStreams, "num_streams"));
+  randstream& settings = stream->get();
+  settings.setFullPrecision(readFlag(fullPrecision, "full_precision"));
+  settings.setAntithetic(readFlag(antithetic, "antithetic"));
+  if (!randnAlg.is_none()) settings.setRandnAlg(readText(randnAlg, "randn_alg").c_str());
+  settings.setSubstream(readCount(substream, "substream"));
+  return stream;
+}
+
+void reset(py::handle self, py::object const& seed) {
+  Stream& stream = streamOf(self.ptr());
+  std::uint32_t const start =
+      seed.is_none() ? stream.get().seed() : readSeed(seed, "TALVOR:RandStream:reset");
+  Stream::Use(stream)->reset(start);
+}
+
+void advance(py::handle self, py::object const& n) {
+  std::uint64_t const draws = readCount(n, "n");
+  draw(streamOf(self.ptr()), draws, [&](randstream& stream) { stream.advance(draws); });
+}
+
+std::unique_ptr<Stream> atSubstream(py::handle self, py::object const& index) {
+  Stream::Use const use(streamOf(self.ptr()));
+  auto item = makeStream(use->generatorType(), use->seed(), use->streamIndex(), use->numStreams());
+  randstream& settings = item->get();
+  settings.setFullPrecision(use->fullPrecision());
+  settings.setAntithetic(use->antithetic());
+  settings.setRandnAlg(use->getRandnAlg());
+  settings.setSubstream(readCount(index, "k"));
+  return item;
+}
+
+py::str representation(py::handle self) {
+  randstream const& stream = streamOf(self.ptr()).get();
+  std::string text = std::string("RandStream('") + stream.generatorType() +
+                     "', seed=" + std::to_string(stream.seed());
+  if (stream.numStreams() > 1)
+    text += ", stream_index=" + std::to_string(stream.streamIndex()) +
+            ", num_streams=" + std::to_string(stream.numStreams());
+  return text + ")";
+}
+
+// All of RandStream's objects are of this type or derived from it.
+PyTypeObject* streamType = nullptr;
+
+}  // namespace
+
+void Stream::Use::refuseUse() {
+  refuse(Kind::thread, "StreamInUse",
+         "the stream is in use by another thread; give each thread a stream of its own, such as "
+         "stream.at_substream(k) for work item k");
+}
+
+void Stream::acquire() {
+  if (PyThread_acquire_lock(lock_.get(), NOWAIT_LOCK)) return;
+  constexpr bool kEndedBySignals = true;
+  constexpr PY_TIMEOUT_T kForever = -1;
+  for (PyLockStatus status = PY_LOCK_INTR; status != PY_LOCK_ACQUIRED;) {
+    {
+      py::gil_scoped_release const others;
+      status = PyThread_acquire_lock_timed(lock_.get(), kForever, kEndedBySignals);
+    }
+    if (status == PY_LOCK_INTR && PyErr_CheckSignals() != 0) throw py::error_already_set();
+  }
+}
+
+std::unique_ptr<Stream> makeStream(std::string const& generator, std::uint32_t seed,
+                                   std::uint64_t streamIndex, std::uint64_t numStreams) {
+  std::string const name = canonicalName(generator);
+  if (numStreams == 0) refuseAsLibrary("TALVOR:RandStream:create", "BadNumStreams");
+  if (streamIndex >= numStreams)
+    throw Refusal(Kind::value, "TALVOR:RandStream:create:BadStreamIndex",
+                  "stream_index counts from 0 and must be below num_streams, which is " +
+                      std::to_string(numStreams) + "; it is " + std::to_string(streamIndex));
+  return std::make_unique<Stream>(std::unique_ptr<randstream>(
+      mrCreateRNGStream(name.c_str(), numStreams, streamIndex, seed, nullptr, 0)));
+}
+
+Stream& streamOf(PyObject* object) {
+  if (!PyObject_TypeCheck(object, streamType))
+    refuse(
+        Kind::type, "NotAStream",
+        std::string("a RandStream is needed, not an object of type ") + Py_TYPE(object)->tp_name);
+  // Where pybind11 keeps the object of a type with one base.
+  void* const stream = reinterpret_cast<py::detail::instance*>(object)->simple_value_holder[0];
+  if (!stream)
+    refuse(Kind::type, "NotInitialised", "this RandStream was made without calling its __init__");
+  return *static_cast<Stream*>(stream);
+}
+
+py::list generatorNames() {
+  py::list names;
+#define TFL_GENERATOR(name, ...) names.append(#name);
+#include "tfl_rng/generators.def"
+#undef TFL_GENERATOR
+  return names;
+}
+
+py::class_<Stream> addStreamClass(py::module_& module) {
+  py::class_<Stream> type(module, "RandStream", docs::kRandStream);
+  streamType = reinterpret_cast<PyTypeObject*>(type.ptr());
+
+  type.def(py::init(&construct), py::arg("generator") = "mt19937ar", py::arg("seed") = 0,
+           py::kw_only(), py::arg("stream_index") = 0, py::arg("num_streams") = 1,
+           py::arg("substream") = 0, py::arg("randn_alg") = py::none(),
+           py::arg("antithetic") = false, py::arg("full_precision") = true)
+      .def("reset", reset, py::arg("seed") = py::none(), docs::kReset)
+      .def("advance", advance, py::arg("n"), docs::kAdvance)
+      .def("at_substream", atSubstream, py::arg("k"), docs::kAtSubstream)
+      .def("__repr__", representation);
+
+  // Values that only the constructor and reset set are read without the right to the stream.
+  auto const constant = [&](char const* name, auto get, char const* doc) {
+    type.def_property_readonly(
+        name, [get](py::handle self) { return get(std::as_const(streamOf(self.ptr()).get())); },
+        doc);
+  };
+  constant(
+      "generator", [](randstream const& s) { return s.generatorType(); }, docs::kGenerator);
+  constant(
+      "seed", [](randstream const& s) { return s.seed(); }, docs::kSeed);
+  constant(
+      "num_streams", [](randstream const& s) { return s.numStreams(); }, docs::kNumStreams);
+  constant(
+      "stream_index", [](randstream const& s) { return s.streamIndex(); }, docs::kStreamIndex);
+
+  auto const variable = [&](char const* name, auto get, auto set, char const* doc) {
+    type.def_property(
+        name, [get](py::handle self) { return get(*Stream::Use(streamOf(self.ptr()))); }, set, doc);
+  };
+  variable(
+      "substream", [](randstream& s) { return s.getSubstream(); }, writeSubstream,
+      docs::kSubstream);
+  variable(
+      "randn_alg", [](randstream& s) { return std::string(s.getRandnAlg()); }, writeRandnAlg,
+      docs::kRandnAlg);
+  variable(
+      "antithetic", [](randstream& s) { return s.antithetic(); },
+      [](py::handle self, py::handle on) {
+        bool const flag = readFlag(on, "antithetic");
+        Stream::Use(streamOf(self.ptr()))->setAntithetic(flag);
+      },
+      docs::kAntithetic);
+  variable(
+      "full_precision", [](randstream& s) { return s.fullPrecision(); },
+      [](py::handle self, py::handle on) {
+        bool const flag = readFlag(on, "full_precision");
+        Stream::Use(streamOf(self.ptr()))->setFullPrecision(flag);
+      },
+      docs::kFullPrecision);
+  type.def_property("state", readState, writeState, docs::kState);
+  type.def_property_readonly("parameters", readParameters, docs::kParameters);
+  return type;
+}
+
+}  // namespace tvpython

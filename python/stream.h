@@ -1,0 +1,91 @@
+#pragma once
+
+// A stream as Python objects share it: the library's stream, and the right to use it, which one
+// thread has at a time.
+
+#include <pybind11/pybind11.h>
+
+#include <cstddef>
+#include <cstdint>
+#include <memory>
+#include <new>
+#include <string>
+#include <utility>
+
+#include "rng/randstream.h"
+
+namespace tvpython {
+
+class Stream {
+ public:
+  explicit Stream(std::unique_ptr<randstream> stream)
+      : stream_(std::move(stream)), lock_(PyThread_allocate_lock()) {
+    if (!lock_) throw std::bad_alloc();
+  }
+
+  // The right to use the stream, for the life of this object. Errors: "TALVOR:python:StreamInUse"
+  // when another thread has it.
+  class Use {
+   public:
+    explicit Use(Stream& owner) : owner_(owner) {
+      if (!PyThread_acquire_lock(owner.lock_.get(), NOWAIT_LOCK)) refuseUse();
+    }
+    ~Use() { owner_.release(); }
+    Use(Use const&) = delete;
+    Use& operator=(Use const&) = delete;
+
+    randstream& operator*() const noexcept { return *owner_.stream_; }
+    randstream* operator->() const noexcept { return owner_.stream_.get(); }
+
+   private:
+    [[noreturn]] static void refuseUse();
+    Stream& owner_;
+  };
+
+  // The same right for a caller that waits for it and gives it back by hand. Waiting leaves the
+  // interpreter to other threads and ends with an error when a signal's handler raises one.
+  void acquire();
+  void release() noexcept { PyThread_release_lock(lock_.get()); }
+
+  // For those who hold the right already.
+  randstream& get() noexcept { return *stream_; }
+
+ private:
+  std::unique_ptr<randstream> const stream_;
+  // The interpreter's own kind of lock: may be tried by the thread that holds it, and costs no
+  // system call while nobody waits.
+  struct FreeLock {
+    void operator()(void* lock) const noexcept { PyThread_free_lock(lock); }
+  };
+  std::unique_ptr<void, FreeLock> const lock_;
+};
+
+// Requests of this many values or more leave the interpreter to other threads meanwhile; below, the
+// two hand-overs would cost more than the work.
+inline constexpr std::size_t kReleaseFrom = 1000;
+
+// Runs work(randstream&) with the right to use the stream.
+template <class Work>
+void draw(Stream& stream, std::size_t values, Work const& work) {
+  Stream::Use const use(stream);
+  if (values < kReleaseFrom) return work(*use);
+  pybind11::gil_scoped_release const others;
+  work(*use);
+}
+
+// A new stream. `generator` in any of its spellings, any case. Errors: create:UnknownRNGType and
+// those of the generator.
+std::unique_ptr<Stream> makeStream(std::string const& generator, std::uint32_t seed,
+                                   std::uint64_t streamIndex, std::uint64_t numStreams);
+
+// The stream in a Python object of class RandStream or of one derived from it.
+// Errors: "TALVOR:python:NotInitialised" when a derived class left out its base's __init__.
+Stream& streamOf(PyObject* object);
+
+// The names of all generators.
+pybind11::list generatorNames();
+
+// The class RandStream without its sampling methods.
+pybind11::class_<Stream> addStreamClass(pybind11::module_& module);
+
+}  // namespace tvpython

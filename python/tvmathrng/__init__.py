@@ -1,0 +1,56 @@
+"""Random numbers that are the same on every machine: streams, substreams, NumPy arrays.
+
+>>> import tvmathrng as tv
+>>> tv.RandStream('philox4x32_10', seed=7).rand(3, 4).shape
+(3, 4)
+"""
+
+from tvmathrng.errors import TvError, TvMemoryError, TvThreadError, TvTypeError, TvValueError
+from tvmathrng.parameters import Parameters
+from tvmathrng._tvmathrng import (
+    BitGenerator,
+    RandStream,
+    __version__,
+    generators,
+    global_stream,
+    rand,
+    randi,
+    randn,
+    randperm,
+    set_global_stream,
+)
+
+
+def streams(generator, num_streams, seed=0, **settings):
+    """Returns all num_streams streams of a seed, which do not overlap, as a list.
+
+    settings are those of RandStream.
+
+    >>> arrivals, service = streams('mrg32k3a', 2, seed=42)
+    >>> service.stream_index
+    1
+    """
+    return [
+        RandStream(generator, seed, stream_index=i, num_streams=num_streams, **settings)
+        for i in range(num_streams)
+    ]
+
+
+__all__ = [
+    "BitGenerator",
+    "Parameters",
+    "RandStream",
+    "TvError",
+    "TvMemoryError",
+    "TvThreadError",
+    "TvTypeError",
+    "TvValueError",
+    "generators",
+    "global_stream",
+    "rand",
+    "randi",
+    "randn",
+    "randperm",
+    "set_global_stream",
+    "streams",
+]
