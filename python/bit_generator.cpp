@@ -126,6 +126,12 @@ void addBitGenerator(py::module_& module, py::class_<Stream>& streams) {
       .def_readonly("stream", &BitGenerator::stream, docs::kBitGeneratorStream)
       .def_readonly("capsule", &BitGenerator::capsule, docs::kCapsule)
       .def_readonly("lock", &BitGenerator::lock, docs::kBitGeneratorLock)
+      .def_property(
+          "state", [](BitGenerator const& self) { return self.stream.attr("snapshot")(); },
+          [](BitGenerator const& self, py::object const& state) {
+            self.stream.attr("restore")(state);
+          },
+          docs::kBitGeneratorState)
       .def("random_raw", randomRaw, py::arg("size") = py::none(), docs::kRandomRaw)
       // Three parts, as Generator takes its bit generator apart. The stream brings its own.
       .def("__reduce__", [](py::object const& self) {

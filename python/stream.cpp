@@ -12,6 +12,7 @@
 #include "python/errors.h"
 #include "python/method.h"
 #include "rng/mr_functions.h"
+#include "rng/snapshot.h"
 #include "vmstate/generator_aliases.h"
 
 namespace py = pybind11;
@@ -175,6 +176,18 @@ std::unique_ptr<Stream> atSubstream(py::handle self, py::object const& index) {
   return item;
 }
 
+py::str snapshot(py::handle self) { return takeSnapshot(*Stream::Use(streamOf(self.ptr()))); }
+
+void restore(py::handle self, py::handle text) {
+  std::string const given = readText(text, "a snapshot");
+  restoreSnapshot(*Stream::Use(streamOf(self.ptr())), given);
+}
+
+std::unique_ptr<Stream> fromSnapshot(py::object const& text) {
+  return std::make_unique<Stream>(
+      std::unique_ptr<randstream>(createFromSnapshot(readText(text, "a snapshot"))));
+}
+
 py::str representation(py::handle self) {
   randstream const& stream = streamOf(self.ptr()).get();
   std::string text = std::string("RandStream('") + stream.generatorType() +
@@ -252,6 +265,11 @@ py::class_<Stream> addStreamClass(py::module_& module) {
       .def("reset", reset, py::arg("seed") = py::none(), docs::kReset)
       .def("advance", advance, py::arg("n"), docs::kAdvance)
       .def("at_substream", atSubstream, py::arg("k"), docs::kAtSubstream)
+      .def("snapshot", snapshot, docs::kSnapshot)
+      .def("restore", restore, py::arg("snapshot"), docs::kRestore)
+      .def_static("from_snapshot", fromSnapshot, py::arg("snapshot"), docs::kFromSnapshot)
+      .def(py::pickle([](py::object const& self) { return snapshot(self); },
+                      [](py::str const& text) { return fromSnapshot(text); }))  // copies, too
       .def("__repr__", representation);
 
   // Values that only the constructor and reset set are read without the right to the stream.
