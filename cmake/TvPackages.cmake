@@ -19,8 +19,11 @@ set(CPACK_DEBIAN_DEV_PACKAGE_NAME libtvmathrng-dev)
 set(CPACK_DEBIAN_DEV_PACKAGE_SECTION libdevel)
 set(CPACK_DEBIAN_TOOLS_PACKAGE_NAME tvrng)
 set(CPACK_DEBIAN_PYTHON_PACKAGE_NAME python3-tvmathrng)
-set(CPACK_DEBIAN_PYTHON_PACKAGE_DEPENDS "python3, python3-numpy")
+set(CPACK_DEBIAN_PYTHON_PACKAGE_DEPENDS "${TV_PYTHON_RELEASES}, python3-numpy")
 
+# What goes into a wheel for pip is no package.
+get_cmake_property(CPACK_COMPONENTS_ALL COMPONENTS)
+list(REMOVE_ITEM CPACK_COMPONENTS_ALL python_wheel)
 include(CPack)
 cpack_add_component(runtime DESCRIPTION "Shared libraries")
 cpack_add_component(dev DEPENDS runtime DESCRIPTION "Headers, CMake package and pkg-config files")

@@ -65,7 +65,7 @@ def files_of(stage):
             yield path.relative_to(stage).as_posix(), path.read_bytes()
 
 
-def write_wheel(wheel, files, info):
+def write_wheel(wheel, files):
     """Packs the files and, as the format wants it last, the list of them with their hashes."""
     record = []
     with zipfile.ZipFile(wheel, "w", zipfile.ZIP_DEFLATED) as archive:
@@ -73,26 +73,33 @@ def write_wheel(wheel, files, info):
             archive.writestr(name, content)
             digest = base64.urlsafe_b64encode(hashlib.sha256(content).digest()).rstrip(b"=")
             record.append(f"{name},sha256={digest.decode()},{len(content)}\n")
-        archive.writestr(f"{info}/RECORD", "".join(record) + f"{info}/RECORD,,\n")
+        archive.writestr(f"{INFO}/RECORD", "".join(record) + f"{INFO}/RECORD,,\n")
+
+
+VERSION = re.search(
+    r"project\(\w+ VERSION ([\d.]+)", (ROOT / "CMakeLists.txt").read_text(encoding="utf-8")
+)[1]
+ABI = f"cp{sys.version_info.major}{sys.version_info.minor}"
+TAG = f"{ABI}-{ABI}-" + re.sub(r"[-.]", "_", sysconfig.get_platform())
+INFO = f"tvmathrng-{VERSION}.dist-info"
+
+
+def prepare_metadata_for_build_wheel(metadata_directory, config_settings=None):
+    """The hook by which pip learns what the wheel will need, before anything is compiled."""
+    folder = pathlib.Path(metadata_directory, INFO)
+    folder.mkdir()
+    (folder / "METADATA").write_text(METADATA.format(version=VERSION), encoding="utf-8")
+    (folder / "WHEEL").write_text(WHEEL.format(tag=TAG), encoding="utf-8")
+    return INFO
 
 
 def build_wheel(wheel_directory, config_settings=None, metadata_directory=None):
-    """The hook that pip calls; returns the file name of the wheel."""
-    if not (ROOT / "CMakeLists.txt").is_file():
-        sys.exit(f"{ROOT} is not the source tree of tvmathrng; install from its folder python")
-    version = re.search(r"project\(\w+ VERSION ([\d.]+)", (ROOT / "CMakeLists.txt").read_text())[1]
-    abi = f"cp{sys.version_info.major}{sys.version_info.minor}"
-    tag = f"{abi}-{abi}-" + re.sub(r"[-.]", "_", sysconfig.get_platform())
-    info = f"tvmathrng-{version}.dist-info"
-    name = f"tvmathrng-{version}-{tag}.whl"
-
+    """The hook that compiles and packs; returns the file name of the wheel."""
     tree = build((config_settings or {}).get("build-dir"))
-    with tempfile.TemporaryDirectory() as stage:
+    name = f"tvmathrng-{VERSION}-{TAG}.whl"
+    with tempfile.TemporaryDirectory() as folder:
+        stage = pathlib.Path(folder)
         run("cmake", "--install", tree, "--component", "python_wheel", "--prefix", stage, "--strip")
-        files = [
-            *files_of(pathlib.Path(stage)),
-            (f"{info}/METADATA", METADATA.format(version=version).encode()),
-            (f"{info}/WHEEL", WHEEL.format(tag=tag).encode()),
-        ]
-        write_wheel(pathlib.Path(wheel_directory, name), files, info)
+        prepare_metadata_for_build_wheel(stage)
+        write_wheel(pathlib.Path(wheel_directory, name), files_of(stage))
     return name
