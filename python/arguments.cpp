@@ -194,7 +194,8 @@ std::optional<Shape> readShape(Call const& call, Py_ssize_t leading) {
                                           static_cast<std::size_t>(call.positional - leading));
   if (values.empty()) return std::nullopt;
   Shape shape;
-  if (values.size() > 1 || PyIndex_Check(values[0])) {
+  // NumPy's arrays pass for indices, too.
+  if (values.size() > 1 || (PyIndex_Check(values[0]) && !PySequence_Check(values[0]))) {
     for (PyObject* const value : values) shape.push_back(dimensionOf(value));
     return shape;
   }

@@ -1,0 +1,69 @@
+"""The examples of the docstrings and of the guide's page run; the stubs name what there is."""
+
+import ast
+import doctest
+import pathlib
+
+import numpy as np
+import pytest
+
+import tvmathrng as tv
+
+GUIDE = pathlib.Path(__file__).resolve().parents[2] / "docs/python.md"
+NAMES = {"tv": tv, "np": np, "streams": tv.streams}
+OBJECTS = {
+    **{name: getattr(tv, name) for name in tv.__all__},
+    **{
+        f"{owner.__name__}.{name}": value
+        for owner in (tv.RandStream, tv.BitGenerator)
+        for name, value in vars(owner).items()
+        if not name.startswith("_")
+    },
+}
+
+
+def run_examples(text, name):
+    test = doctest.DocTestParser().get_doctest(text, dict(NAMES), name, None, 0)
+    said = []
+    result = doctest.DocTestRunner(optionflags=doctest.ELLIPSIS).run(test, out=said.append)
+    assert result.failed == 0, "".join(said)
+    return result.attempted
+
+
+@pytest.mark.parametrize("name", OBJECTS)
+def test_docstrings_have_examples_that_run(name):
+    assert OBJECTS[name].__doc__
+    run_examples(OBJECTS[name].__doc__, name)
+
+
+def test_sampling_functions_tell_their_signatures():
+    assert tv.RandStream.rand.__text_signature__.startswith("($self, /, *shape, dtype='float64'")
+    assert run_examples(tv.RandStream.rand.__doc__, "rand") >= 4
+
+
+def test_examples_of_the_guide_run():
+    # Fences of code are no part of the examples.
+    text = GUIDE.read_text(encoding="utf-8").replace("```", "\n")
+    assert run_examples(text, GUIDE.name) > 20
+
+
+def defined(body):
+    return {
+        target
+        for node in body
+        for target in (
+            [node.name]
+            if isinstance(node, (ast.FunctionDef, ast.ClassDef))
+            else [node.target.id] if isinstance(node, ast.AnnAssign) else []
+        )
+        if not target.startswith("_")
+    }
+
+
+def test_stubs_name_what_there_is():
+    stubs = ast.parse(pathlib.Path(tv.__file__).with_name("__init__.pyi").read_text())
+    assert defined(stubs.body) - {"StreamLock"} == set(tv.__all__)
+    classes = {node.name: node for node in stubs.body if isinstance(node, ast.ClassDef)}
+    for owner in (tv.RandStream, tv.BitGenerator):
+        public = {name for name in vars(owner) if not name.startswith("_")}
+        assert defined(classes[owner.__name__].body) == public
