@@ -33,7 +33,7 @@ def library():
 def cpp_fills(out):
     """Yields (name, fill of `out` by randstream::randuFcn<double>) for each generator."""
     lib = library()
-    fill = lib["_ZN10randstream7randuFcnIdEEvPT_m"]
+    fill = lib["_ZN10randstream8randuFcnIdEEvPT_m"]
     fill.argtypes = [ctypes.c_void_p, ctypes.c_void_p, ctypes.c_ulong]
     fill.restype = None
     for name in GENERATORS:

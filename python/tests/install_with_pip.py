@@ -21,14 +21,17 @@ print(np.random.Generator(tv.RandStream("philox4x32_10", seed=7).bit_generator()
 """
 
 source, build = map(pathlib.Path, sys.argv[1:])
-if not all(importlib.util.find_spec(module) for module in ("ensurepip", "venv")):
+if not all(importlib.util.find_spec(module) for module in ("pip", "venv")):
     sys.exit(SKIPPED)
 with tempfile.TemporaryDirectory() as folder:
     folder = pathlib.Path(folder).resolve()
-    subprocess.run([sys.executable, "-m", "venv", "--system-site-packages", folder / "env"], check=True)
+    subprocess.run(
+        [sys.executable, "-m", "venv", "--system-site-packages", "--without-pip", folder / "env"],
+        check=True,
+    )
     python = folder / "env/bin/python"
     subprocess.run(
-        [python, "-m", "pip", "install", "--no-index", "--disable-pip-version-check",
+        [sys.executable, "-m", "pip", "--python", python, "install", "--no-index", "--disable-pip-version-check",
          "--config-settings", f"build-dir={build}", source / "python"],
         check=True,
     )
