@@ -93,6 +93,20 @@ table { border-collapse: collapse; font-size: 14px; }
 th { font-weight: 600; text-align: left; } th, td { padding: 3px 10px 3px 0; }
 td.n { text-align: right; }
 .scroll { overflow-x: auto; }
+.page.single { display: block; max-width: 860px; }
+.matrix { width: 100%; table-layout: fixed; }
+.matrix th[scope] { white-space: nowrap; overflow: visible; }
+.matrix thead th:first-child { width: 142px; }
+.matrix thead th { vertical-align: bottom; padding: 0; font-weight: 400; font-size: 13px; }
+.matrix thead th span { writing-mode: vertical-rl; transform: rotate(180deg); color: var(--soft);
+  margin: 0 auto 6px; display: block; }
+.matrix td { text-align: center; padding: 4px 0; border-left: 2px solid var(--paper);
+  background: var(--band); }
+.matrix td.bad { background: var(--bad); } .matrix td.bad .sign { color: var(--paper); }
+.multiples { display: grid; grid-template-columns: repeat(auto-fill, minmax(140px, 1fr));
+  gap: 14px 16px; }
+.multiples b { display: block; font-size: 13px; font-weight: 600; margin-bottom: 3px; }
+.multiples svg { border-bottom: 1px solid var(--line); }
 @media (max-width: 900px) {
   .page { display: block; padding: 20px 16px 40px; max-width: 720px; }
   h1 { font-size: 27px; overflow-wrap: anywhere; } .summary { font-size: 18px; }
@@ -100,6 +114,10 @@ td.n { text-align: right; }
   nav { position: static; padding-top: 20px; }
 }
 @media (max-width: 600px) { .wide { display: none; } .narrow { display: block; } }
+@media (max-width: 600px) {
+  .matrix { font-size: 12px; } .matrix thead th:first-child { width: 120px; }
+  .matrix td { border-left-width: 1px; }
+}
 @media print {
   :root { --paper: #fff; }
   body { font-size: 10.5pt; } .page { display: block; padding: 0; } nav { position: static; }

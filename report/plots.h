@@ -32,14 +32,24 @@ struct Frame {
   }
 };
 
+// Times of a value: of rand and randn in large requests, of rand alone.
+struct Nanoseconds {
+  double uniforms = 0;
+  double normals = 0;
+  double alone = 0;
+};
+
 struct Finding {
   std::vector<Test> tests;
   std::string good;  // the verdict in one line
   std::string bad;
   std::string note;  // how to read the drawing
   std::function<std::string(Frame const&)> draw;
-  bool holds = true;    // false: red whatever the tests say
-  bool isFact = false;  // has no verdict
+  // The same without texts, small, where generators are compared; not of every plot.
+  std::function<void(Svg&, Box, double level)> sketch;
+  Nanoseconds nanoseconds;  // of the plot of speed
+  bool holds = true;        // false: red whatever the tests say
+  bool isFact = false;      // has no verdict
 };
 
 struct Plot {

@@ -138,6 +138,11 @@ Finding measureNeighbours(Subject const& subject) {
       readable(static_cast<double>(kDraws)),
       subject.hasSubstreams ? "; 3.2 is stream 3, substream 2"
                             : "; this generator has one stream, so neighbouring seeds stand in");
+  finding.sketch = [=](Svg& svg, Box box, double level) {
+    double const side = std::min(box.width, box.height);
+    heatMap(svg, {box.x + (box.width - side) / 2, box.y, side, side}, z, kNeighbours,
+            largestNormalLimit(level, kPairs));
+  };
   finding.draw = [=](Frame const& frame) {
     double const limit = largestNormalLimit(frame.level, kPairs);
     double const left = subject.hasSubstreams ? 34 : 96;

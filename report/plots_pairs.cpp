@@ -110,6 +110,11 @@ Finding measureStrip(Subject const& subject) {
       "{} draws. A multiplicative generator's pairs lie on few steep lines here. Expected: dots "
       "without lines, about {} in each of {} × {} cells.",
       readable(static_cast<double>(kDraws)), readable(std::round(expected)), kSide, kSide);
+  finding.sketch = [=](Svg& svg, Box box, double level) {
+    Chart chart(svg, box, linearAxis(0, kStrip, ""), linearAxis(0, 1, ""));
+    std::span<Point const> const some(points.data(), std::min<std::size_t>(points.size(), 1500));
+    chart.dots(some, spreadP < level ? "speck bad" : "speck");
+  };
   finding.draw = [=](Frame const& frame) {
     Svg svg(frame.width, 340, "Pairs of successive values in a thin strip");
     Box const plot = frame.plot(340, 36);
@@ -165,6 +170,11 @@ Finding measurePlanes(Subject const& subject) {
       planes.lags[1] ? fmt::format("+{}", planes.lags[1]) : "", planes.factors[2] < 0 ? "−" : "+",
       std::abs(planes.factors[2]), planes.lags[2] ? fmt::format("+{}", planes.lags[2]) : "",
       readable(static_cast<double>(seen)));
+  finding.sketch = [=](Svg& svg, Box box, double level) {
+    Chart chart(svg, box, linearAxis(0, 1, ""), linearAxis(-0.5, 0.5, ""));
+    std::span<Point const> const some(points.data(), std::min<std::size_t>(points.size(), 1500));
+    chart.dots(some, largestOf(z) > largestNormalLimit(level, kBins) ? "speck bad" : "speck");
+  };
   finding.draw = [=](Frame const& frame) {
     double const limit = largestNormalLimit(frame.level, kBins);
     Svg svg(frame.width, 340, "Triples seen along planes");

@@ -77,6 +77,8 @@ Finding measureSpeed(Subject const& subject) {
   }
   Finding finding;
   finding.isFact = true;
+  finding.nanoseconds = {curves[0].points.back().y, curves[1].points.back().y,
+                         curves[0].points.front().y};
   finding.good =
       fmt::format("One value of rand takes {} ns alone and {} ns among {}.",
                   readable(curves[0].points.front().y, 2), readable(curves[0].points.back().y, 2),

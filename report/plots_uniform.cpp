@@ -85,6 +85,17 @@ Finding measureEcdf(Subject const& subject) {
   finding.note =
       "The share of values up to x, minus x. A perfect source wanders like this and returns to 0 "
       "at 1; the band is that of Kolmogorov and Smirnov.";
+  finding.sketch = [=](Svg& svg, Box box, double level) {
+    double const limit = kolmogorovLimit(level, kDraws);
+    Chart chart(svg, box, linearAxis(0, 1, ""), linearAxis(-1.3 * limit, 1.3 * limit, ""));
+    chart.band(-limit, limit, "band");
+    double const usual = kolmogorovLimit(0.05, kDraws);
+    chart.band(-usual, usual, "core");
+    chart.horizontal(0, "zero");
+    std::vector<Point> thin;
+    for (std::size_t i = 0; i < shown.size(); i += 8) thin.push_back(shown[i]);
+    chart.line(thin, "data");
+  };
   finding.draw = [=](Frame const& frame) {
     double const limit = kolmogorovLimit(frame.level, kDraws);
     double const usual = kolmogorovLimit(0.05, kDraws);

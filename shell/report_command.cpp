@@ -20,9 +20,11 @@ namespace {
 
 constexpr char kReportUsage[] =
     "usage: tvrng report GENERATOR [options]\n"
+    "       tvrng report --all [options]\n"
     "\n"
     "Measures a generator and writes what was seen as one HTML file: plots, each with the band\n"
-    "where a perfect source would lie, and a verdict.\n"
+    "where a perfect source would lie, and a verdict. --all compares all generators on one page;\n"
+    "\"legacy\" is what the older two-part syntax draws from.\n"
     "\n"
     "  -o, --output FILE  where to (standard output, unless that is a terminal)\n"
     "  --seed N           0 to 4294967295 (0)\n"
@@ -32,6 +34,7 @@ struct ReportOptions {
   std::string generator;
   std::string output;
   std::uint32_t seed = 0;
+  bool all = false;
   bool help = false;
 };
 
@@ -58,6 +61,8 @@ ReportOptions parse(std::vector<std::string> const& words) {
     };
     if (word == "--help" || word == "-h") {
       options.help = true;
+    } else if (word == "--all") {
+      options.all = true;
     } else if (word == "-o" || word == "--output") {
       options.output = value();
     } else if (word == "--seed") {
@@ -71,7 +76,10 @@ ReportOptions parse(std::vector<std::string> const& words) {
     }
   }
   if (options.help) return options;
-  if (options.generator.empty()) throw UsageError("tvrng report needs a generator");
+  if (options.all && !options.generator.empty()) {
+    throw UsageError(fmt::format("--all is all of them, not {}", options.generator));
+  }
+  if (options.generator.empty() && !options.all) throw UsageError("tvrng report needs a generator");
   if (options.output.empty() && isatty(STDOUT_FILENO)) {
     throw UsageError("a report is a file: -o report.html");
   }
@@ -90,6 +98,37 @@ void write(std::string const& page, std::string const& file) {
     throw std::runtime_error(fmt::format("cannot write {}: {}", file, std::strerror(errno)));
 }
 
+constexpr char const* kNames[] = {
+#define TFL_GENERATOR(name, ...) #name,
+#include "tfl_rng/generators.def"
+#undef TFL_GENERATOR
+    "legacy",
+};
+
+std::string singlePage(ReportOptions const& options) {
+  report::Subject const subject = report::subjectNamed(options.generator, options.seed);
+  write("", options.output);  // a file that cannot be written is told before the work
+  Progress progress;
+  auto const results = report::measureAll(
+      subject, [&](double share, std::string_view what) { progress.draw(share, what); });
+  return report::reportPage(subject, results, TV_VERSION);
+}
+
+std::string comparison(ReportOptions const& options) {
+  write("", options.output);
+  Progress progress;
+  std::vector<report::Entry> entries;
+  for (char const* const name : kNames) {
+    auto const done = static_cast<double>(entries.size());
+    report::Subject const subject = report::subjectNamed(name, options.seed);
+    auto const results = report::measureAll(subject, [&](double share, std::string_view) {
+      progress.draw((done + share) / static_cast<double>(std::size(kNames)), name);
+    });
+    entries.push_back({subject, results});
+  }
+  return report::comparisonPage(entries, TV_VERSION);
+}
+
 }  // namespace
 
 int runReportCommand(std::vector<std::string> const& words) {
@@ -99,14 +138,8 @@ int runReportCommand(std::vector<std::string> const& words) {
     return 0;
   }
   try {
-    report::Subject const subject = report::subjectNamed(options.generator, options.seed);
-    write("", options.output);  // a file that cannot be written is told before the work
-    auto const results = [&] {
-      Progress progress;
-      return report::measureAll(
-          subject, [&](double share, std::string_view what) { progress.draw(share, what); });
-    }();
-    write(report::reportPage(subject, results, TV_VERSION), options.output);
+    std::string const page = options.all ? comparison(options) : singlePage(options);
+    write(page, options.output);
   } catch (foundation::core::except::AnyException const& error) {
     std::string const hint = embedded_host::renderHint(error.GetBaseMsgIDObj());
     std::fprintf(stderr, "  %s\n", error.text());

@@ -1,7 +1,7 @@
 #!/bin/sh
 # All checks of the source tree, or the named ones:
 #
-#   tools/check.sh                 everything but tsan and packages
+#   tools/check.sh                 everything but tsan, packages and browser
 #   tools/check.sh format layers   these steps only
 #
 # Installs the packages it needs. Each step runs to its end whatever became of the one before; the
@@ -49,11 +49,16 @@ step_asan() {
 }
 # Debian packages, installed into a scratch root.
 step_packages() { tools/packages.sh --check; }
+# Reports of generators in headless Chromium.
+step_browser() {
+  tools/install_packages.sh build browser && cmake --preset release >/dev/null &&
+    ninja --quiet -C build tvrng && python3 tests/report/check_browser.py build/bin/tvrng
+}
 step_tsan() { configure_and_build tsan && run_tests tsan; }
 
 for step in "$@"; do
   if ! command -v "step_$step" >/dev/null; then
-    echo "check.sh: no step '$step'; there are: $all_steps tsan packages" >&2
+    echo "check.sh: no step '$step'; there are: $all_steps tsan packages browser" >&2
     exit 2
   fi
 done
