@@ -4,14 +4,18 @@
 
 #include <tbb/blocked_range.h>
 #include <tbb/enumerable_thread_specific.h>
+#include <tbb/global_control.h>
 #include <tbb/parallel_for.h>
 #include <tbb/partitioner.h>
 #include <tbb/task_arena.h>
 #include <tbb/task_group.h>
 
+#include <algorithm>
 #include <cstddef>
 #include <optional>
 #include <stdexcept>
+
+#include "plugin_rng/fork_join.h"
 
 namespace plugin_rng {
 
@@ -24,13 +28,25 @@ struct Split {
 
 inline constexpr Split kUniformSplit{8192, false};
 
+// A thread that fills alone draws parts of this length: long enough that starting one costs
+// nothing, and still in the cache when they are finished.
+inline constexpr std::size_t kAlonePart = 32768;
+
+// Threads that a fill could use.
+inline std::size_t usableThreads() {
+  const auto arena = static_cast<std::size_t>(tbb::this_task_arena::max_concurrency());
+  return std::min(arena,
+                  tbb::global_control::active_value(tbb::global_control::max_allowed_parallelism));
+}
+
 // Fills out[0, n) as core.randu(out, n) and one `finish(part, length)` over every part of it would,
 // and leaves `core` where that fill would have left it.
 //
 // Each leaf draws from a private copy of `core` that `jump(copy, draws)` has moved to the leaf's
 // begin, so that neither the threads nor their order can show in the values. A thread keeps its
-// copy: where leaves follow one another it stands at the next begin already. The copy that reaches
-// n becomes the new state of `core`, which is only read before that.
+// copy: where leaves follow one another it stands at the next begin already, and where it stands
+// before a leaf's begin the way is the shorter for it. The copy that reaches n becomes the new
+// state of `core`, which is only read before that.
 //
 // The fill is isolated on both sides: no cancellation from outside can end it half done, and a
 // waiting thread takes no outer task that might draw from the same core. An exception of a leaf
@@ -43,32 +59,47 @@ void fillInParallel(Core& core, double* out, std::size_t n, Split split, Jump ju
   };
   using Range = tbb::blocked_range<std::size_t>;
 
+  if (n <= split.grain || usableThreads() == 1) {
+    Core copy = core;
+    for (std::size_t at = 0; at < n; at += kAlonePart) {
+      const std::size_t length = std::min(kAlonePart, n - at);
+      copy.randu(out + at, length);
+      finish(out + at, length);
+    }
+    core = copy;
+    return;
+  }
+
   tbb::enumerable_thread_specific<Worker> workers;
   std::optional<Core> final;  // written by the one leaf that ends at n
-
-  const auto leaf = [&](Range const& range) {
-    const std::size_t length = range.size();
-    double* const part = out + range.begin();
-    Worker& worker = workers.local();
-    if (!worker.copy || worker.at != range.begin()) {
-      worker.copy.emplace(core);
-      jump(*worker.copy, range.begin());
-    }
-    worker.copy->randu(part, length);
-    worker.at = range.end();
-    finish(part, length);
-    if (range.end() == n) final = worker.copy;
-  };
-
-  const Range all(0, n, split.grain);
   tbb::task_group_context context(tbb::task_group_context::isolated);
-  tbb::this_task_arena::isolate([&] {
-    if (split.adaptive) {
-      tbb::parallel_for(all, leaf, tbb::auto_partitioner(), context);
-    } else {
-      tbb::parallel_for(all, leaf, tbb::simple_partitioner(), context);
-    }
-  });
+  {
+    ForkJoin call;
+    const auto leaf = [&](Range const& range) {
+      const ForkJoin::Task task(call);
+      const std::size_t length = range.size();
+      double* const part = out + range.begin();
+      Worker& worker = workers.local();
+      if (!worker.copy || worker.at > range.begin()) {
+        worker.copy.emplace(core);
+        worker.at = 0;
+      }
+      if (worker.at < range.begin()) jump(*worker.copy, range.begin() - worker.at);
+      worker.copy->randu(part, length);
+      worker.at = range.end();
+      finish(part, length);
+      if (range.end() == n) final = worker.copy;
+    };
+
+    const Range all(0, n, split.grain);
+    tbb::this_task_arena::isolate([&] {
+      if (split.adaptive) {
+        tbb::parallel_for(all, leaf, tbb::auto_partitioner(), context);
+      } else {
+        tbb::parallel_for(all, leaf, tbb::simple_partitioner(), context);
+      }
+    });
+  }
   if (context.is_group_execution_cancelled()) {
     throw std::runtime_error("a parallel fill was cancelled");
   }

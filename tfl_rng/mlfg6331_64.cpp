@@ -23,7 +23,7 @@ constexpr std::size_t kLag = mlfg6331_64::kLag;
 constexpr std::size_t kFewDraws = 32;
 
 // Longest way that is stepped rather than jumped: about as many steps as a jump takes time.
-constexpr std::size_t kMostSteps = 16384;
+constexpr std::size_t kMostSteps = 131072;
 
 // Powers of two of t: as far as the last substream's start lies from the first.
 constexpr std::size_t kPowers = mlfg6331_64::kLog2SubstreamLen + 64;

@@ -6,7 +6,9 @@
 #include <tbb/global_control.h>
 
 #include <atomic>
+#include <chrono>
 #include <string>
+#include <thread>
 #include <vector>
 
 #include "plugin_rng/substreams.h"
@@ -15,6 +17,7 @@ namespace {
 
 using plugin_rng::fillInParallel;
 using plugin_rng::kUniformSplit;
+using namespace std::chrono_literals;
 
 // Draws are the natural numbers; the draw `trap` springs.
 struct Counting {
@@ -41,6 +44,9 @@ class FillThreads : public testing::TestWithParam<std::size_t> {
   tbb::global_control limit_{tbb::global_control::max_allowed_parallelism, GetParam()};
 };
 
+// A thread that is alone makes no leaves.
+class FillWorkers : public FillThreads {};
+
 TEST_P(FillThreads, EveryElementPassesThroughFinishOnce) {
   for (const bool adaptive : {false, true}) {
     Counting core{7};
@@ -54,7 +60,7 @@ TEST_P(FillThreads, EveryElementPassesThroughFinishOnce) {
   }
 }
 
-TEST_P(FillThreads, LeavesHoldAtMostTheGrain) {
+TEST_P(FillWorkers, LeavesHoldAtMostTheGrain) {
   Counting core;
   std::vector<double> out(kCount);
   std::atomic<std::size_t> longest = 0;
@@ -76,7 +82,7 @@ TEST_P(FillThreads, ExceptionOfALeafReachesTheCallerAndLeavesTheCore) {
   }
 }
 
-TEST_P(FillThreads, CancelledFillIsAnErrorAndLeavesTheCore) {
+TEST_P(FillWorkers, CancelledFillIsAnErrorAndLeavesTheCore) {
   Counting core{0, 0, true};
   std::vector<double> out(kCount);
   EXPECT_THROW(fillInParallel(core, out.data(), kCount, kUniformSplit, jump, nothing),
@@ -100,19 +106,27 @@ TEST_P(FillThreads, CancellationAroundTheFillDoesNotReachIt) {
 }
 
 INSTANTIATE_TEST_SUITE_P(Threads, FillThreads, testing::Values(1, 2, 8));
+INSTANTIATE_TEST_SUITE_P(Threads, FillWorkers, testing::Values(2, 8));
 
-// A core that cannot jump.
+// A core that cannot jump, and does not draw before it was asked to.
 class Stuck final : public tfl_rng::CoreStreamRNG {
  public:
   Stuck() : CoreStreamRNG(0, true) {}
   void reset(std::uint32_t) override {}
-  void randu(double*, std::size_t) override {}
-  tfl_rng::errorID advance(std::size_t) override { return tfl_rng::cannotComputeState; }
+  void randu(double*, std::size_t) override {
+    for (int i = 0; !asked && i < 30000; ++i) std::this_thread::sleep_for(1ms);
+  }
+  tfl_rng::errorID advance(std::size_t) override {
+    asked = true;
+    return tfl_rng::cannotComputeState;
+  }
   tfl_rng::errorID setSubstream(std::size_t) override { return tfl_rng::cannotComputeState; }
   std::uint64_t getNumStreams() const override { return 1; }
   std::uint64_t getNumSubstreams() const override { return 1; }
   std::uint64_t getLog2StreamLen() const override { return 1; }
   std::uint64_t getLog2SubstreamLen() const override { return 1; }
+
+  static inline std::atomic<bool> asked = false;
 };
 
 }  // namespace
@@ -136,7 +150,8 @@ class StuckPlugin final
   [[noreturn]] void cannotJump() const override { throw std::string("cannot jump"); }
 };
 
-TEST_P(FillThreads, CoreThatCannotJumpIsToldFromLeavesToo) {
+TEST_P(FillWorkers, CoreThatCannotJumpIsToldFromLeavesToo) {
+  Stuck::asked = false;
   StuckPlugin plugin(boost::shared_ptr<Stuck>(new Stuck));
   std::vector<double> out(kCount);
   EXPECT_THROW(plugin.randu(out.data(), kCount), std::string);
