@@ -14,32 +14,47 @@
 
 #ifdef TV_THREAD_SANITIZER
 #include <sanitizer/tsan_interface.h>
+#define TV_NOT_SANITIZED __attribute__((no_sanitize("thread"), noinline))
+#else
+#define TV_NOT_SANITIZED
 #endif
 
 namespace plugin_rng {
 
-// Lives in the caller around a parallel call: what was done before it is seen by the tasks, and
+// Lives in the caller, around one parallel call: what was done before it is seen by the tasks, and
 // what the tasks did is seen after it, however they ended.
+template <class Work>
 class ForkJoin {
  public:
-  ForkJoin() noexcept { release(&fork_); }
+  explicit ForkJoin(Work const& work) noexcept : work_(work) { release(&fork_); }
   ~ForkJoin() { acquire(&join_); }
   ForkJoin(ForkJoin const&) = delete;
   ForkJoin& operator=(ForkJoin const&) = delete;
 
-  // Lives in a task, around all of its work.
-  class Task {
-   public:
-    explicit Task(ForkJoin& call) noexcept : call_(call) { acquire(&call_.fork_); }
-    ~Task() { release(&call_.join_); }
-    Task(Task const&) = delete;
-    Task& operator=(Task const&) = delete;
-
-   private:
-    ForkJoin& call_;
-  };
+  // What to give to the task library, which copies it: work(part) once the fork is known.
+  auto body() noexcept { return Body{this}; }
 
  private:
+  struct Body {
+    ForkJoin* call;  // where the library keeps its copy, the sanitizer cannot know who wrote it
+    template <class Part>
+    TV_NOT_SANITIZED void operator()(Part const& part) const {
+      call->run(part);
+    }
+  };
+
+  struct AtEnd {
+    char* join;
+    ~AtEnd() { release(join); }
+  };
+
+  template <class Part>
+  void run(Part const& part) {
+    acquire(&fork_);
+    const AtEnd atEnd{&join_};
+    work_(part);
+  }
+
 #ifdef TV_THREAD_SANITIZER
   static void acquire(char* at) noexcept { __tsan_acquire(at); }
   static void release(char* at) noexcept { __tsan_release(at); }
@@ -48,6 +63,7 @@ class ForkJoin {
   static void release(char*) noexcept {}
 #endif
 
+  Work const& work_;
   char fork_;  // never read or written: places that the sanitizer knows by their addresses
   char join_;
 };

@@ -73,30 +73,28 @@ void fillInParallel(Core& core, double* out, std::size_t n, Split split, Jump ju
   tbb::enumerable_thread_specific<Worker> workers;
   std::optional<Core> final;  // written by the one leaf that ends at n
   tbb::task_group_context context(tbb::task_group_context::isolated);
+  const auto leaf = [&](Range const& range) {
+    const std::size_t length = range.size();
+    double* const part = out + range.begin();
+    Worker& worker = workers.local();
+    if (!worker.copy || worker.at > range.begin()) {
+      worker.copy.emplace(core);
+      worker.at = 0;
+    }
+    if (worker.at < range.begin()) jump(*worker.copy, range.begin() - worker.at);
+    worker.copy->randu(part, length);
+    worker.at = range.end();
+    finish(part, length);
+    if (range.end() == n) final = worker.copy;
+  };
   {
-    ForkJoin call;
-    const auto leaf = [&](Range const& range) {
-      const ForkJoin::Task task(call);
-      const std::size_t length = range.size();
-      double* const part = out + range.begin();
-      Worker& worker = workers.local();
-      if (!worker.copy || worker.at > range.begin()) {
-        worker.copy.emplace(core);
-        worker.at = 0;
-      }
-      if (worker.at < range.begin()) jump(*worker.copy, range.begin() - worker.at);
-      worker.copy->randu(part, length);
-      worker.at = range.end();
-      finish(part, length);
-      if (range.end() == n) final = worker.copy;
-    };
-
     const Range all(0, n, split.grain);
+    ForkJoin call(leaf);
     tbb::this_task_arena::isolate([&] {
       if (split.adaptive) {
-        tbb::parallel_for(all, leaf, tbb::auto_partitioner(), context);
+        tbb::parallel_for(all, call.body(), tbb::auto_partitioner(), context);
       } else {
-        tbb::parallel_for(all, leaf, tbb::simple_partitioner(), context);
+        tbb::parallel_for(all, call.body(), tbb::simple_partitioner(), context);
       }
     });
   }
