@@ -11,7 +11,8 @@ the interface and are passed over. Exits with 1 and tells the differences when t
 import subprocess
 import sys
 
-PASSED_OVER = ("std::", "boost::", "typeinfo ", "vtable ", "__odr_asan", "__asan", "guard variable")
+PASSED_OVER = ("std::", "void std::", "boost::", "typeinfo ", "vtable ", "__odr_asan", "__asan",
+               "guard variable")
 
 
 def exported(nm, library):
