@@ -6,7 +6,7 @@
 #include <cstdio>
 #include <cstdlib>
 
-#include "host/messages.h"
+#include "embedded_host/messages.h"
 
 namespace {
 
@@ -38,4 +38,13 @@ TV_EXPORT void txWarningMsgId(MessageId const& id) {
   static auto* const next =
       hosts<void(MessageId const&)>("_Z14txWarningMsgIdRKN10foundation4core6except9MessageIdE");
   next(id);
+}
+
+// The host's own errors, whose texts it fetches without leaving its library.
+void embedded_host::raiseHostKey(HostKey const& key) {
+  note(key);
+  static auto* const next =
+      hosts<void(HostKey const&)>("_ZN13embedded_host12raiseHostKeyERKNS_7HostKeyE");
+  next(key);
+  std::abort();
 }
