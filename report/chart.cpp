@@ -49,8 +49,12 @@ std::vector<Scale::Tick> Scale::ticks(int wanted, int base) const {
         break;
       }
     }
-    for (double k = std::ceil(low_ / step - 1e-9); k * step <= high_ + step * 1e-9; ++k) {
-      out.push_back({k * step, tickText(k * step, step)});
+    // Counted, because far from 0 a step may be too small to change the number.
+    double const first = std::ceil(low_ / step - 1e-9);
+    int const most = static_cast<int>((high_ - low_) / step) + 1;
+    for (int i = 0; i <= most; ++i) {
+      double const value = (first + i) * step;
+      if (value <= high_ + step * 1e-9) out.push_back({value, tickText(value, step)});
     }
   } else if (kind_ == Kind::log) {
     double const logBase = std::log(static_cast<double>(base));
@@ -69,8 +73,8 @@ std::vector<Scale::Tick> Scale::ticks(int wanted, int base) const {
          v *= 10) {
       positive.push_back(v);
     }
-    for (auto v = positive.rbegin(); v != positive.rend(); ++v) {
-      if (-*v >= low_ * 1.001) out.push_back({-*v, "−" + readable(*v)});
+    for (std::size_t i = positive.size(); i-- > 0;) {
+      if (-positive[i] >= low_ * 1.001) out.push_back({-positive[i], "−" + readable(positive[i])});
     }
     out.push_back({0, "0"});
     for (double const v : positive) {
@@ -122,7 +126,7 @@ void Chart::band(std::span<Point const> lower, std::span<Point const> upper,
   for (Point const& p : lower) {
     path.empty() ? path.moveTo(x(p.x), y(p.y)) : path.lineTo(x(p.x), y(p.y));
   }
-  for (auto p = upper.rbegin(); p != upper.rend(); ++p) path.lineTo(x(p->x), y(p->y));
+  for (std::size_t i = upper.size(); i-- > 0;) path.lineTo(x(upper[i].x), y(upper[i].y));
   path.close();
   svg_.path(path.commands(), style);
 }
@@ -185,7 +189,8 @@ void heatMap(Svg& svg, Box box, std::span<double const> values, std::size_t colu
   double const height = box.height / static_cast<double>(rows);
   for (std::size_t i = 0; i < values.size(); ++i) {
     double const left = box.x + width * static_cast<double>(i % columns);
-    double const top = box.y + height * static_cast<double>(i / columns);
+    std::size_t const row = i / columns;
+    double const top = box.y + height * static_cast<double>(row);
     if (std::isnan(values[i])) continue;
     bool const beyond = std::fabs(values[i]) > limit;
     auto const step = std::lround(values[i] / limit * kHeatSteps) + kHeatSteps;

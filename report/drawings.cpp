@@ -17,6 +17,12 @@ constexpr std::size_t kFileBins = 60;
 constexpr double kFileWidth = 680;
 constexpr double kFileHeight = 320;
 
+// Beyond this, ranges and their parts would leave what a double holds.
+constexpr double kLargestDrawn = 1e300;
+constexpr double kNarrowestDrawn = 1e-290;
+
+bool isDrawn(double value) { return std::fabs(value) <= kLargestDrawn; }  // not NaN either
+
 struct Range {
   double low = std::numeric_limits<double>::infinity();
   double high = -std::numeric_limits<double>::infinity();
@@ -28,7 +34,7 @@ struct Range {
   bool isEmpty() const { return !(low <= high); }
   // Something to divide by, also when all values are one.
   void widen() {
-    if (high > low) return;
+    if (high - low > kNarrowestDrawn) return;
     double const half = low == 0 ? 0.5 : std::fabs(low) / 2;
     low -= half;
     high += half;
@@ -62,7 +68,7 @@ std::string blocks(double columns) {
 std::vector<Point> finiteOnes(std::span<Point const> points) {
   std::vector<Point> out;
   std::ranges::copy_if(points, std::back_inserter(out),
-                       [](Point const& p) { return std::isfinite(p.x) && std::isfinite(p.y); });
+                       [](Point const& p) { return isDrawn(p.x) && isDrawn(p.y); });
   return out;
 }
 
@@ -127,22 +133,22 @@ Bins binsOf(std::span<double const> values, std::size_t most) {
   Bins bins;
   Range range;
   for (double const value : values) {
-    std::isfinite(value) ? range.take(value) : static_cast<void>(++bins.leftOut);
+    isDrawn(value) ? range.take(value) : static_cast<void>(++bins.leftOut);
   }
   if (range.isEmpty()) return bins;
   bool const whole = std::ranges::all_of(
-      values, [](double value) { return !std::isfinite(value) || value == std::floor(value); });
+      values, [](double value) { return !isDrawn(value) || value == std::floor(value); });
   auto const n = static_cast<double>(values.size() - bins.leftOut);
-  // The rule of Rice: twice the cube root of the number of values. Halves, because the whole range
-  // may be more than the largest double.
+  // The rule of Rice: twice the cube root of the number of values.
   double const wanted = std::clamp(std::ceil(2 * std::cbrt(n)), 4.0, static_cast<double>(most - 1));
-  double const least = 2 * ((range.high / 2 - range.low / 2) / wanted);
-  bins.width = least > 0 ? roundStep(whole ? std::max(least, 1.0) : least) : 1;
-  bins.low = least > 0 ? std::floor(range.low / bins.width) * bins.width : range.low;
+  double const least = (range.high - range.low) / wanted;
+  bool const flat = least <= kNarrowestDrawn;
+  bins.width = flat ? 1 : roundStep(whole ? std::max(least, 1.0) : least);
+  bins.low = flat ? range.low : std::floor(range.low / bins.width) * bins.width;
   auto const count = static_cast<std::size_t>((range.high - bins.low) / bins.width) + 1;
   bins.counts.assign(count, 0);
   for (double const value : values) {
-    if (!std::isfinite(value)) continue;
+    if (!isDrawn(value)) continue;
     auto const bin = static_cast<std::size_t>(std::max(0.0, (value - bins.low) / bins.width));
     ++bins.counts[std::min(bin, count - 1)];
   }
@@ -151,7 +157,7 @@ Bins binsOf(std::span<double const> values, std::size_t most) {
 
 std::string histogramText(std::span<double const> values, int width) {
   Bins const bins = binsOf(values, kTextBins);
-  if (bins.counts.empty()) return "  no finite values\n";
+  if (bins.counts.empty()) return "  nothing to draw\n";
   std::vector<std::string> edges;
   std::size_t edgeWidth = 0;
   for (std::size_t i = 0; i < bins.counts.size(); ++i) {
@@ -170,14 +176,14 @@ std::string histogramText(std::span<double const> values, int width) {
                        blocks(count / static_cast<double>(most) * room), bins.counts[i]);
   }
   out += fmt::format("  {} values in bins {:.6g} wide{}\n", values.size() - bins.leftOut,
-                     bins.width, bins.leftOut ? fmt::format("; {} not finite", bins.leftOut) : "");
+                     bins.width, bins.leftOut ? fmt::format("; {} left out", bins.leftOut) : "");
   return out;
 }
 
-std::string chartText(std::span<Point const> all, int width) {
+std::string chartText(std::span<Point const> given, int width) {
   constexpr std::size_t kRows = 14;
-  std::vector<Point> const points = finiteOnes(all);
-  if (points.empty()) return "  no finite values\n";
+  std::vector<Point> const points = finiteOnes(given);
+  if (points.empty()) return "  nothing to draw\n";
   Range x;
   Range y;
   rangesOf(points, x, y);
@@ -188,9 +194,8 @@ std::string chartText(std::span<Point const> all, int width) {
       std::max<std::size_t>(10, static_cast<std::size_t>(std::max(width, 30)) - labels - 5);
   DotGrid grid(columns, kRows);
   auto const place = [](double value, Range const& range, std::size_t cells) {
-    double const share = value / 2 / (range.high / 2 - range.low / 2) -
-                         range.low / 2 / (range.high / 2 - range.low / 2);
-    return share * static_cast<double>(cells - 1);
+    double const share = (value - range.low) / (range.high - range.low);
+    return std::clamp(share, 0.0, 1.0) * static_cast<double>(cells - 1);
   };
   bool const joined = rises(points) && points.size() > 1;
   for (std::size_t i = 0; i < points.size(); ++i) {
@@ -243,8 +248,8 @@ std::string histogramFile(std::span<double const> values) {
   return asFile(std::move(svg));
 }
 
-std::string chartFile(std::span<Point const> all) {
-  std::vector<Point> const points = finiteOnes(all);
+std::string chartFile(std::span<Point const> given) {
+  std::vector<Point> const points = finiteOnes(given);
   Range x;
   Range y;
   rangesOf(points, x, y);

@@ -103,7 +103,7 @@ Finding measureStreamMap(Subject const& subject) {
       double const y = chart.y(static_cast<double>(i) + 0.5) + (frame.isNarrow() ? 5 : 0);
       svg.line(plot.x, y, chart.x(wall), y, "road");
       if (frame.isNarrow()) {
-        svg.text(chart.x(wall) - 6, y - 5, lines[i].name, "tick", Anchor::end);
+        svg.text(plot.x + 1, y - 6, lines[i].name, "tick");
       } else {
         svg.text(plot.x - 10, y + 4, lines[i].name, "tick", Anchor::end);
       }
