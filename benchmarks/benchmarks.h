@@ -74,5 +74,6 @@ void addIntegers();
 void addPermutations();
 void addJumps();
 void addCalls();
+void addThreads();
 
 }  // namespace benchmarks

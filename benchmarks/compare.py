@@ -4,8 +4,8 @@
     benchmarks/compare.py out/bench/bin/tvbench [--filter REGEX] [--repetitions N]
                           [--core C] [--baseline] [--numpy] [--update FILE]
 
-All benchmarks run in one process on one core, in random order within each repetition; the tables
-give medians in nanoseconds a value. A ratio is the fastest peer's time over ours: above 1 we are
+All benchmarks run in one process on one core, but for those of two threads, which run in another
+on two cores; in random order within each repetition. The tables give medians in nanoseconds a value. A ratio is the fastest peer's time over ours: above 1 we are
 faster. --update puts the tables into FILE between the lines "<!-- table -->" and "<!-- end of table -->".
 """
 
@@ -28,15 +28,15 @@ BEGIN, END = "<!-- table -->", "<!-- end of table -->"
 Name = collections.namedtuple("Name", "work generator who n")
 
 
-def run(command, core):
-    """Runs a benchmark program on one core and returns its JSON report."""
+def run(command, cores):
+    """Runs a benchmark program on these cores and returns its JSON report."""
     with tempfile.TemporaryDirectory() as folder:
         out = pathlib.Path(folder, "out.json")
         done = subprocess.run(
             [*command, f"--benchmark_out={out}", "--benchmark_out_format=json"],
             capture_output=True,
             text=True,
-            preexec_fn=lambda: os.sched_setaffinity(0, {core}),
+            preexec_fn=lambda: os.sched_setaffinity(0, cores),
         )
         if done.returncode != 0:
             sys.exit(f"{command[0]} failed:\n{done.stderr}")
@@ -49,9 +49,10 @@ def times(report):
     for entry in sorted(report["benchmarks"], key=lambda entry: entry.get("family_index", 0)):
         if entry.get("run_type") == "iteration":
             assert entry["time_unit"] == "ns", entry
-            work, generator, who, n = entry["run_name"].split("/")
+            work, generator, who, n, *clock = entry["run_name"].split("/")
             name = Name(work, generator, who, int(n))
-            found[name].append(entry["cpu_time"] / entry["values"])
+            time = entry["real_time"] if clock == ["real_time"] else entry["cpu_time"]
+            found[name].append(time / entry["values"])
     return found
 
 
@@ -146,7 +147,7 @@ def machine(context, core, load):
         "(the peers' headers too); system "
         + os.uname().release,
         f"- Options: {' '.join(map(shlex.quote, sys.argv[2:])) or 'none'}",
-        f"- One thread on core {core}; load average {load[0]:.1f} before and {load[1]:.1f} after: "
+        f"- One thread on core {core}, but where two are told; load average {load[0]:.1f} before and {load[1]:.1f} after: "
         + beside,
     ]
 
@@ -182,22 +183,24 @@ def main():
     # memset is part of most tables.
     wanted = f"({args.filter})|^memset"
     load_before = os.getloadavg()[0]
-    report = run(
-        [
-            args.program,
-            f"--benchmark_filter={wanted}",
-            f"--benchmark_repetitions={args.repetitions}",
-            f"--benchmark_min_time={args.min_time}",
-            "--benchmark_enable_random_interleaving=true",
-            *(["--baseline"] if args.baseline else []),
-        ],
-        args.core,
-    )
+    ours = [
+        args.program,
+        f"--benchmark_filter={wanted}",
+        f"--benchmark_repetitions={args.repetitions}",
+        f"--benchmark_min_time={args.min_time}",
+        "--benchmark_enable_random_interleaving=true",
+        *(["--baseline"] if args.baseline else []),
+    ]
+    report = run(ours, {args.core})
     found = times(report)
+    others = os.sched_getaffinity(0) - {args.core}
+    if others:
+        threads = times(run([*ours, "--threads"], {args.core, max(others)}))
+        found.update((name, values) for name, values in threads.items() if name not in found)
     if args.numpy:
         script = pathlib.Path(__file__).with_name("numpy_peer.py")
         peers = run(
-            [sys.executable, script, f"--benchmark_repetitions={args.repetitions}"], args.core
+            [sys.executable, script, f"--benchmark_repetitions={args.repetitions}"], {args.core}
         )
         found.update(times(peers))
     load = (load_before, os.getloadavg()[0])

@@ -1,5 +1,6 @@
 // The benchmark program. Beside the options of Google Benchmark it takes --baseline, which holds
-// our kernels to the lowest instruction set that they are compiled for.
+// our kernels to the lowest instruction set that they are compiled for, and --threads, which runs
+// the fills on two threads instead of all else.
 
 #include <hwy/targets.h>
 
@@ -35,13 +36,17 @@ int main(int argc, char** argv) {
   benchmark::AddCustomContext("target",
                               hwy::TargetName(hwy::SupportedTargets() & -hwy::SupportedTargets()));
   benchmarks::addMemory();
-  benchmarks::addUniform();
-  benchmarks::addNormal();
-  benchmarks::addOneValue();
-  benchmarks::addIntegers();
-  benchmarks::addPermutations();
-  benchmarks::addJumps();
-  benchmarks::addCalls();
+  if (takeOption("--threads", argc, argv)) {
+    benchmarks::addThreads();
+  } else {
+    benchmarks::addUniform();
+    benchmarks::addNormal();
+    benchmarks::addOneValue();
+    benchmarks::addIntegers();
+    benchmarks::addPermutations();
+    benchmarks::addJumps();
+    benchmarks::addCalls();
+  }
   benchmark::AddCustomContext("compiler", TV_BENCHMARK_COMPILER);
   benchmark::AddCustomContext("flags", TV_BENCHMARK_FLAGS_TEXT);
   benchmark::Initialize(&argc, argv);
