@@ -51,7 +51,7 @@ THIRD_PARTY = {
     "pybind11/": "python",
     # The C++ and C interfaces, as installed.
     "tvmathrng/": "cpp c examples benchmarks tests",
-    "tbb/": "plugin_rng/parallel_fill.h golden tests",
+    "tbb/": "plugin_rng/parallel_fill.h golden benchmarks tests",
     "toml++/": "embedded_host tests",
     "benchmark/": "benchmarks",
 }
