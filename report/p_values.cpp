@@ -55,6 +55,7 @@ std::string pValueSection(std::vector<Test> const& tests, double level) {
   std::vector<Test> sorted = tests;
   std::sort(sorted.begin(), sorted.end(), [](Test const& a, Test const& b) { return a.p < b.p; });
   std::vector<double> p;
+  p.reserve(sorted.size());
   for (Test const& test : sorted) p.push_back(test.p);
   std::vector<double> const adjusted = holm(p);
   auto const red = static_cast<std::size_t>(std::count_if(

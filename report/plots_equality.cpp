@@ -66,8 +66,9 @@ Finding measureEquality(Subject const& subject) {
                "tick", Anchor::middle);
     }
     for (std::size_t i = 0; i < cells.size(); ++i) {
+      std::size_t const row = i / threads.size();
       double const x = kLeft + width * static_cast<double>(i % threads.size());
-      double const y = 40 + kRow * static_cast<double>(i / threads.size());
+      double const y = 40 + kRow * static_cast<double>(row);
       if (i % threads.size() == 0) {
         svg.text(kLeft - 10, y + 18, cells[i].target, "name", Anchor::end);
       }

@@ -115,8 +115,8 @@ Band quantileBand(double p) {
     ranks.push_back(static_cast<std::uint64_t>(n * normalBelow(x)));
   }
   for (std::uint64_t const k : ranks) add(normalQuantile((static_cast<double>(k) - 0.5) / n), k, 1);
-  for (auto k = ranks.rbegin(); k != ranks.rend(); ++k) {
-    add(normalQuantile((static_cast<double>(*k) - 0.5) / n), *k, -1);
+  for (std::size_t i = ranks.size(); i-- > 0;) {
+    add(normalQuantile((static_cast<double>(ranks[i]) - 0.5) / n), ranks[i], -1);
   }
   return band;
 }

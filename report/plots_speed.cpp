@@ -105,21 +105,20 @@ Finding measureSpeed(Subject const& subject) {
                         std::pow(10, std::ceil(std::log10(high))), "nanoseconds a value"));
     chart.frame();
     // Labels at the right end, moved apart.
-    std::vector<Curve const*> order;
-    for (Curve const& curve : curves) order.push_back(&curve);
+    std::vector<Curve const*> order{&curves[0], &curves[1], &curves[2]};
     std::ranges::sort(order,
                       [](auto a, auto b) { return a->points.back().y > b->points.back().y; });
     double lowest = -1e9;
-    for (std::size_t i = 0; i < order.size(); ++i) {
-      std::string const series = fmt::format("series{}", order[i] - curves.data());
-      chart.line(order[i]->points, "data " + series);
-      for (Point const& p : order[i]->points) {
+    for (Curve const* const curve : order) {
+      std::string const series = fmt::format("series{}", curve - curves.data());
+      chart.line(curve->points, "data " + series);
+      for (Point const& p : curve->points) {
         svg.circle(
             chart.x(p.x), chart.y(p.y), 3, "knot " + series,
-            fmt::format("{}, {} values: {} ns each", order[i]->name, readable(p.x), readable(p.y)));
+            fmt::format("{}, {} values: {} ns each", curve->name, readable(p.x), readable(p.y)));
       }
-      double const y = std::max(chart.y(order[i]->points.back().y) + 4, lowest + 15);
-      svg.text(plot.x + plot.width + 7, y, order[i]->name, "mark " + series);
+      double const y = std::max(chart.y(curve->points.back().y) + 4, lowest + 15);
+      svg.text(plot.x + plot.width + 7, y, curve->name, "mark " + series);
       lowest = y;
     }
     return std::move(svg).finish();

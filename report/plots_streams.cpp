@@ -14,7 +14,7 @@ namespace report {
 
 namespace {
 
-constexpr std::uint64_t kDraws = std::uint64_t{1} << 18;
+constexpr std::uint64_t kDrawn = std::uint64_t{1} << 17;
 constexpr std::uint64_t kSearched = std::uint64_t{1} << 20;
 constexpr double kYear = 54.8;  // log2 of the draws of a year at 10^9 a second
 
@@ -45,11 +45,11 @@ Finding measureStreamMap(Subject const& subject) {
   bool holds = true;
   for (std::uint64_t i = 0; i < shown; ++i) {
     auto const stream = neighbour(subject, i);
-    std::uint64_t const jump = kDraws / 2 + i * 1000;
-    eachBlock(*stream, kDraws / 2, [](double const*, std::uint64_t) {});
+    std::uint64_t const jump = kDrawn + i * 1000;
+    eachBlock(*stream, kDrawn, [](double const*, std::uint64_t) {});
     stream->advance(jump);
     auto const position = positionBehind(*stream, neighbour(subject, i), kSearched);
-    holds = holds && position && position->draws == kDraws / 2 + jump;
+    holds = holds && position && position->draws == kDrawn + jump;
     lines.push_back({subject.hasSubstreams
                          ? fmt::format("stream {}, substream {}", i / 2 + 1, i % 2 + 1)
                          : fmt::format("seed {}", subject.seed),
@@ -81,7 +81,7 @@ Finding measureStreamMap(Subject const& subject) {
   finding.note += fmt::format(
       " Dots: positions after drawing {} values and jumping over at least as many, found by "
       "comparing states with a stream that starts anew.",
-      readable(static_cast<double>(kDraws / 2)));
+      readable(static_cast<double>(kDrawn)));
   finding.draw = [=](Frame const& frame) {
     double const height = 96 + 24 * static_cast<double>(lines.size()) + 16;
     Svg svg(frame.width, height,

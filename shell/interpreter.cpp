@@ -58,10 +58,11 @@ Interpreter::Outcome Interpreter::explain(std::string_view source, std::size_t f
   });
   Explanation explanation(std::move(streams));
   struct Watching {
-    explicit Watching(CallWatch*& slot, CallWatch& watch) : slot_(slot) { slot_ = &watch; }
+    explicit Watching(CallWatch*& slot) : slot_(slot) {}
     ~Watching() { slot_ = nullptr; }
     CallWatch*& slot_;
-  } const watching(watch_, explanation);
+  } const watching(watch_);
+  watch_ = &explanation;
   Outcome const outcome =
       run(std::string(from, ' ') + std::string(source.substr(from)), fileName, mayContinue);
   source_ = {};  // the blanked text ends here
