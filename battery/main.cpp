@@ -1,14 +1,21 @@
 // tv_battery: statistical tests of every generator, as a table of Markdown.
 
+#include <unistd.h>
+
 #include <algorithm>
 #include <cmath>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
 #include <exception>
+#include <functional>
+#include <iterator>
+#include <memory>
 #include <string>
+#include <vector>
 
 #include "battery/tests.h"
+#include "shell/progress.h"
 #include "statistics/p_values.h"
 #include "statistics/uniform_tests.h"
 
@@ -146,26 +153,30 @@ class Report {
   bool asExpected_ = true;
 };
 
-// A part of the battery.
-struct Group {
-  char const* name;
-  void (*run)(Options const& options, Report& report);
+// A row of the table before it is run.
+struct Row {
+  std::string name;
+  std::function<std::vector<Result>()> run;
+  Expected expected = Expected::pass;
 };
 
-void testSources(std::vector<Source> const& sources, Options const& options, Report& report,
-                 Expected expected) {
+std::vector<Row> rowsOf(std::vector<Source> const& sources, Options const& options,
+                        Expected expected) {
+  std::vector<Row> rows;
   for (Source const& source : sources)
-    if (options.wants(source.name))
-      report.add(source.name, testUniforms(source, options.seed, options.log2), expected);
+    rows.push_back({source.name,
+                    [source, options] { return testUniforms(source, options.seed, options.log2); },
+                    expected});
+  return rows;
 }
 
-void testNormalMethods(Options const& options, Report& report) {
+std::vector<Row> normalRows(Options const& options) {
   // Each generator's own default, then the stream's methods that this leaves out.
-  struct Row {
+  struct Normals {
     char const* generator;
     char const* method;  // null: the default
   };
-  static constexpr Row kRows[] = {
+  static constexpr Normals kNormals[] = {
 #define TFL_GENERATOR(name, ...) {#name, nullptr},
 #include "tfl_rng/generators.def"
 #undef TFL_GENERATOR
@@ -175,56 +186,73 @@ void testNormalMethods(Options const& options, Report& report) {
       {"philox4x32_10", "Polar"},
   };
   constexpr int kMore = 4;  // a normal costs less than a number in a test of uniforms
-  for (Row const& row : kRows) {
-    auto const stream = battery::makeStream(row.generator, options.seed);
-    if (row.method) stream->setRandnAlg(row.method);
-    std::string const name =
-        std::string("normals: ") + row.generator + ", " + stream->getRandnAlg();
-    if (!options.wants(name)) continue;
-    report.add(name, testNormals(*stream, options.log2 + kMore), Expected::pass);
+  std::vector<Row> rows;
+  for (Normals const& normals : kNormals) {
+    std::shared_ptr<randstream> const stream = battery::makeStream(normals.generator, options.seed);
+    if (normals.method) stream->setRandnAlg(normals.method);
+    rows.push_back({std::string("normals: ") + normals.generator + ", " + stream->getRandnAlg(),
+                    [stream, options] { return testNormals(*stream, options.log2 + kMore); }});
   }
+  return rows;
 }
 
-void testPermutationsOfAll(Options const& options, Report& report) {
+std::vector<Row> permutationRows(Options const& options) {
+  std::vector<Row> rows;
   for (char const* const generator : {
 #define TFL_GENERATOR(name, ...) #name,
 #include "tfl_rng/generators.def"
 #undef TFL_GENERATOR
        }) {
-    std::string const name = std::string("permutations: ") + generator;
-    if (!options.wants(name)) continue;
-    auto const stream = battery::makeStream(generator, options.seed);
-    report.add(name, testPermutations(*stream, options.log2), Expected::pass);
+    rows.push_back({std::string("permutations: ") + generator, [generator, options] {
+                      auto const stream = battery::makeStream(generator, options.seed);
+                      return testPermutations(*stream, options.log2);
+                    }});
   }
+  return rows;
 }
+
+// A part of the battery.
+struct Group {
+  char const* name;
+  std::vector<Row> (*rows)(Options const& options);
+};
 
 constexpr Group kGroups[] = {
     {"generators",
-     [](Options const& options, Report& report) {
-       testSources(battery::generatorSources(), options, report, Expected::pass);
+     [](Options const& options) {
+       return rowsOf(battery::generatorSources(), options, Expected::pass);
      }},
     {"streams",
-     [](Options const& options, Report& report) {
-       testSources(battery::interleavedSources(), options, report, Expected::pass);
+     [](Options const& options) {
+       return rowsOf(battery::interleavedSources(), options, Expected::pass);
      }},
     {"weak",
-     [](Options const& options, Report& report) {
-       testSources(battery::weakSources(), options, report, Expected::fail);
+     [](Options const& options) {
+       return rowsOf(battery::weakSources(), options, Expected::fail);
      }},
-    {"normals", testNormalMethods},
-    {"permutations", testPermutationsOfAll},
+    {"normals", normalRows},
+    {"permutations", permutationRows},
 };
 
 int runBattery(Options const& options) {
-  Report report;
-  report.showAllP(options.allP);
+  std::vector<Row> rows;
   bool any = false;
   for (Group const& group : kGroups) {
     if (!options.group.empty() && options.group != group.name) continue;
     any = true;
-    group.run(options, report);
+    std::ranges::copy_if(group.rows(options), std::back_inserter(rows),
+                         [&](Row const& row) { return options.wants(row.name); });
   }
   if (!any) refuse("no group '" + options.group + "'");
+
+  Report report;
+  report.showAllP(options.allP);
+  // On a terminal the rows would run into the bar.
+  shell::Progress progress(isatty(STDOUT_FILENO) == 0);
+  for (std::size_t i = 0; i < rows.size(); ++i) {
+    progress.draw(static_cast<double>(i) / static_cast<double>(rows.size()), rows[i].name);
+    report.add(rows[i].name, rows[i].run(), rows[i].expected);
+  }
   return report.asExpected() ? 0 : 1;
 }
 

@@ -32,7 +32,7 @@ LAYERS = {
     "shell": "tfl_rng host rng embedded_host language statistics runtime golden report",
     "python": "tfl_rng host rng vmstate",
     "examples": "host rng runtime cpp c",
-    "battery": "tfl_rng host rng embedded_host runtime statistics",
+    "battery": "tfl_rng host rng embedded_host runtime statistics shell",
     "benchmarks": "*",
     "fuzz": "*",
     "tests": "*",
