@@ -141,6 +141,13 @@ std::string describeError(language::SourceError const& error, ErrorPlace const& 
   return (interrupted ? "\n" : "") + out + '\n';
 }
 
+std::string describeError(foundation::core::except::AnyException const& error) {
+  std::string const hint = embedded_host::renderHint(error.GetBaseMsgIDObj());
+  std::string text = std::string("  ") + error.text() + '\n';
+  if (!hint.empty()) text += "    " + hint + '\n';
+  return text + "  [" + error.GetID() + "]\n";
+}
+
 std::string describeWarning(foundation::core::except::MessageId const& id, std::string const& text,
                             ErrorPlace const& place, std::optional<SourceSpan> call) {
   std::size_t const width = static_cast<std::size_t>(std::max(place.width, 40)) - 1;

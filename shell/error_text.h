@@ -23,6 +23,9 @@ struct ErrorPlace {
 std::string describeError(language::SourceError const& error, ErrorPlace const& place,
                           std::optional<bool> drawn);
 
+// The same without a program that it stands in: for the commands of tvrng.
+std::string describeError(foundation::core::except::AnyException const& error);
+
 std::string describeWarning(foundation::core::except::MessageId const& id, std::string const& text,
                             ErrorPlace const& place, std::optional<language::SourceSpan> call);
 

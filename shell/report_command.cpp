@@ -8,10 +8,10 @@
 #include <cstring>
 #include <fstream>
 
-#include "embedded_host/messages.h"
 #include "host/except.h"
 #include "report/report.h"
 #include "shell/command_line.h"
+#include "shell/error_text.h"
 #include "shell/progress.h"
 
 namespace shell {
@@ -141,10 +141,7 @@ int runReportCommand(std::vector<std::string> const& words) {
     std::string const page = options.all ? comparison(options) : singlePage(options);
     write(page, options.output);
   } catch (foundation::core::except::AnyException const& error) {
-    std::string const hint = embedded_host::renderHint(error.GetBaseMsgIDObj());
-    std::fprintf(stderr, "  %s\n", error.text());
-    if (!hint.empty()) std::fprintf(stderr, "    %s\n", hint.c_str());
-    std::fprintf(stderr, "  [%s]\n", error.GetID().c_str());
+    std::fputs(describeError(error).c_str(), stderr);
     return 1;
   }
   return 0;

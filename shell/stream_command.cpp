@@ -12,13 +12,13 @@
 #include <memory>
 #include <type_traits>
 
-#include "embedded_host/messages.h"
 #include "host/allocator.h"
 #include "host/except.h"
 #include "language/values.h"
 #include "rng/mr_functions.h"
 #include "rng/randstream.h"
 #include "shell/command_line.h"
+#include "shell/error_text.h"
 #include "shell/progress.h"
 #include "shell/stream_options.h"
 
@@ -147,10 +147,7 @@ int runStreamCommand(std::vector<std::string> const& words) {
   try {
     writeStream(options);
   } catch (foundation::core::except::AnyException const& error) {
-    std::string const hint = embedded_host::renderHint(error.GetBaseMsgIDObj());
-    std::fprintf(stderr, "  %s\n", error.text());
-    if (!hint.empty()) std::fprintf(stderr, "    %s\n", hint.c_str());
-    std::fprintf(stderr, "  [%s]\n", error.GetID().c_str());
+    std::fputs(describeError(error).c_str(), stderr);
     return 1;
   }
   return 0;
