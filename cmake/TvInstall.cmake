@@ -41,6 +41,7 @@ list(APPEND headers
   plugin_rng/interfaces.h
   rng/global_stream.h
   rng/mr_functions.h
+  rng/one_user.h
   rng/randstream.h
   rng/snapshot.h
   runtime/vm.h

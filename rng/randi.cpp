@@ -6,6 +6,7 @@
 #include "host/tfl_rng.h"
 #include "rng/chunks.h"
 #include "rng/element_types.h"
+#include "rng/in_use.h"
 #include "rng/kernels/delivery.h"
 #include "rng/randstream.h"
 
@@ -31,6 +32,7 @@ double checkRandiLimits(double lo, double hi) {
 
 template <class T>
 void randstream::randiFcn(double lo, double hi, T* out, unsigned long n) {
+  const InUse inUse(*this);
   // An antithetic stream mirrors the integer within the range, not the uniform.
   const delivery::Range range{lo, checkRandiLimits(lo, hi), antithetic_};
   double uniforms[kChunk];

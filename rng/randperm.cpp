@@ -9,6 +9,7 @@
 #include "host/sort.h"
 #include "host/tfl_rng.h"
 #include "rng/chunks.h"
+#include "rng/in_use.h"
 #include "rng/randstream.h"
 #include "rng/sparse_shuffle.h"
 
@@ -147,6 +148,7 @@ class Rewind {
 
 template <>
 void randstream::randpermFcn(double* out, unsigned long n) {
+  const InUse inUse(*this);
   if (n <= kFewValues) return orderFew(*plugin_, out, n);
   const std::uint64_t dims[] = {n, 1};
   const txArrayPtr uniforms = txCreateUninitialized(dims, txClassDouble);
@@ -161,6 +163,7 @@ void randstream::randpermFcn(double* out, unsigned long n) {
 
 template <>
 void randstream::randkpermFcn(double* out, unsigned long k, double n) {
+  const InUse inUse(*this);
   namespace keys = TALVOR::RandStream::randperm;
   if (k == 0) return;
   const auto count = static_cast<double>(k);

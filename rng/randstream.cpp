@@ -3,6 +3,8 @@
 #include <strings.h>
 
 #include <cctype>
+#include <cstdio>
+#include <cstdlib>
 #include <stdexcept>
 #include <tuple>
 #include <utility>
@@ -12,6 +14,7 @@
 #include "host/strings.h"
 #include "rng/chunks.h"
 #include "rng/guard.h"
+#include "rng/in_use.h"
 
 namespace set = TALVOR::RandStream::set;
 
@@ -35,6 +38,7 @@ randstream::randstream(char const* generatorType, unsigned int seed, plugin_rng:
 }
 
 randstream::~randstream() {
+  const InUse inUse(*this);
   if (plugin_) plugin_->destroy();
 }
 
@@ -43,6 +47,18 @@ plugin_rng::IPluginRNG* randstream::exchangePlugin(plugin_rng::IPluginRNG* plugi
   substreamView_ = jumpView_ = dynamic_cast<plugin_rng::IPluginRNGSubstreams*>(plugin);
   return std::exchange(plugin_, plugin);
 }
+
+#ifndef NDEBUG
+void randstream::InUse::endProgram(randstream const& stream) noexcept {
+  std::fprintf(
+      stderr,
+      "A %s stream (seed %u) is used by two threads at once, so that its numbers repeat or "
+      "are lost. Give each thread a stream of its own: the same seed with another stream "
+      "index or substream.\n",
+      stream.generatorType(), stream.seed());
+  std::abort();
+}
+#endif
 
 plugin_rng::IPluginRNG& randstream::requiredPlugin() const {
   if (!plugin_) throw std::logic_error("the stream has no generator");
@@ -53,12 +69,14 @@ void* randstream::operator new(std::size_t bytes) { return txMallocEx(bytes); }
 void randstream::operator delete(void* memory) noexcept { txFreeEx(memory); }
 
 void randstream::reset(unsigned int seed) {
+  const InUse inUse(*this);
   seed_ = seed;
   guarded([&] { requiredPlugin().reset(seed); });
   pendingNormalValid_ = false;
 }
 
 void randstream::setSubstream(unsigned long k) {
+  const InUse inUse(*this);
   if (substreamView_)
     guarded([&] { substreamView_->setSubstream(k); });
   else if (k != 0)
@@ -66,10 +84,12 @@ void randstream::setSubstream(unsigned long k) {
 }
 
 unsigned long randstream::getSubstream() const {
+  const InUse inUse(*this);
   return substreamView_ ? guarded([&] { return substreamView_->getSubstream(); }) : 0;
 }
 
 void randstream::advance(unsigned long n) {
+  const InUse inUse(*this);
   guarded([&] {
     if (jumpView_) return jumpView_->advance(n);
     plugin_rng::IPluginRNG& plugin = requiredPlugin();
@@ -79,11 +99,13 @@ void randstream::advance(unsigned long n) {
 }
 
 void randstream::setFullPrecision(bool on) {
+  const InUse inUse(*this);
   guarded([&] { requiredPlugin().setFullPrecision(on); });
   fullPrecision_ = on;
 }
 
 void randstream::setRandnAlg(char const* name) {
+  const InUse inUse(*this);
   struct Method {
     char const* name;
     NormalGenerator generator;
@@ -113,6 +135,7 @@ void randstream::setRandnAlg(char const* name) {
 }
 
 void randstream::getStreamParameters(streamParamsStruct* p) const {
+  const InUse inUse(*this);
   guarded([&] {
     auto const& streams = dynamic_cast<plugin_rng::IPluginRNGSubstreams const&>(requiredPlugin());
     streamParamsStruct result{};

@@ -3,6 +3,9 @@
 // One random-number stream: a generator plug-in and the settings above any generator. The sequence
 // of values is part of the contract: every operation below consumes the number of uniforms that its
 // comment states, in order.
+//
+// Used by one thread at a time. Builds with assertions end the program when two are found in one
+// stream, others do not look.
 
 #include <cstddef>
 #include <cstdint>
@@ -10,6 +13,7 @@
 #include "host/export.h"
 #include "host/tx_array.h"
 #include "plugin_rng/interfaces.h"
+#include "rng/one_user.h"
 
 class TV_EXPORT randstream {
  public:
@@ -113,6 +117,7 @@ class TV_EXPORT randstream {
   void randkpermFcn(T* out, unsigned long k, double n);
 
  private:
+  class InUse;
   using NormalGenerator = void (randstream::*)(double* buffer, unsigned long n);
 
   // Each writes n normals to the front of `buffer`, which also stores their uniforms and must hold
@@ -142,6 +147,7 @@ class TV_EXPORT randstream {
   NormalGenerator normalGenerator_ = &randstream::randnZiggurat;
   char randnAlg_[kNameSize];
   bool pendingNormalValid_ = false;
+  mutable OneUser user_;  // in all builds, so that they lay streams out alike
   double pendingNormal_ = 0;
 };
 

@@ -4,6 +4,8 @@
 
 #include "errors/keys.h"
 #include "rng/guard.h"
+#include "rng/in_use.h"
+#include "rng/randstream.h"
 #include "rng/state_components.h"
 
 namespace get = TALVOR::RandStream::get;
@@ -17,11 +19,13 @@ constexpr int kFirstHostClass = txClassDouble;
 }  // namespace
 
 unsigned long randstream::getNumStateComponents() const {
+  const InUse inUse(*this);
   return guarded([&] { return requiredPlugin().getNumStateComponents(); });
 }
 
 void randstream::getStateComponentTypes(unsigned long count, txClassID* classes,
                                         unsigned long* lengths) const {
+  const InUse inUse(*this);
   if (count != getNumStateComponents())
     errors::raise(get::InvalidNumStateComponents(generatorType()));
   if (count == 0) return;
@@ -31,22 +35,26 @@ void randstream::getStateComponentTypes(unsigned long count, txClassID* classes,
 }
 
 void randstream::getStateComponents(unsigned long count, void* const* dest) const {
+  const InUse inUse(*this);
   if (count != getNumStateComponents())
     errors::raise(get::InvalidNumStateComponents(generatorType()));
   if (count != 0) guarded([&] { plugin_->getStateComponents(dest); });
 }
 
 void randstream::setStateComponents(unsigned long count, void const* const* src) {
+  const InUse inUse(*this);
   if (count != getNumStateComponents())
     errors::raise(set::InvalidNumStateComponents(generatorType()));
   if (count != 0) guarded([&] { plugin_->setStateComponents(src); });
 }
 
 unsigned long randstream::getStateBufLen() const {
+  const InUse inUse(*this);
   return getNumStateComponents() == 0 ? 0 : StateComponents(*this).flatSize();
 }
 
 void randstream::getStateBuf(void* buf, unsigned long len) const {
+  const InUse inUse(*this);
   if (len != getStateBufLen()) errors::raise(get::InvalidStateBufLen());
   if (len == 0) return;
   StateComponents components(*this);
@@ -55,6 +63,7 @@ void randstream::getStateBuf(void* buf, unsigned long len) const {
 }
 
 void randstream::setStateBuf(void const* buf, unsigned long len) {
+  const InUse inUse(*this);
   if (len != getStateBufLen()) errors::raise(set::InvalidStateBufLen());
   if (len == 0) return;
   StateComponents components(*this);

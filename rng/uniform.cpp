@@ -1,11 +1,13 @@
 // Uniform fills of a stream.
 
 #include "rng/chunks.h"
+#include "rng/in_use.h"
 #include "rng/kernels/delivery.h"
 #include "rng/randstream.h"
 
 template <>
 void randstream::randuFcn(double* out, unsigned long n) {
+  const InUse inUse(*this);
   if (!antithetic_) return plugin_->randu(out, n);
   forEachChunk(n, [&](std::size_t at, std::size_t len) {
     plugin_->randu(out + at, len);
@@ -15,6 +17,7 @@ void randstream::randuFcn(double* out, unsigned long n) {
 
 template <>
 void randstream::randuFcn(float* out, unsigned long n) {
+  const InUse inUse(*this);
   double uniforms[kChunk];
   forEachChunk(n, [&](std::size_t at, std::size_t len) {
     plugin_->randu(uniforms, len);

@@ -1,0 +1,46 @@
+#pragma once
+
+// Finds out when an object that one thread may use at a time is used by two.
+
+#include <atomic>
+#include <cstdint>
+
+class OneUser {
+ public:
+  // A thread's stay inside the object, from call to return; stays of one thread may nest. A stay
+  // that finds another thread inside is not alone, and leaves no trace.
+  class Stay {
+   public:
+    explicit Stay(OneUser& object) noexcept : object_(object) {
+      std::uint32_t inside = kNobody;
+      std::uint32_t const self = threadNumber();
+      isFirst_ = object_.inside_.compare_exchange_strong(inside, self, std::memory_order_relaxed);
+      isAlone_ = isFirst_ || inside == self;
+    }
+    ~Stay() {
+      if (isFirst_) object_.inside_.store(kNobody, std::memory_order_relaxed);
+    }
+    Stay(Stay const&) = delete;
+    Stay& operator=(Stay const&) = delete;
+
+    bool isAlone() const noexcept { return isAlone_; }
+
+   private:
+    OneUser& object_;
+    bool isFirst_;
+    bool isAlone_;
+  };
+
+ private:
+  static constexpr std::uint32_t kNobody = 0;
+
+  // Four bytes, which find room between the members of a stream.
+  static std::uint32_t threadNumber() noexcept {
+    static std::atomic<std::uint32_t> last = kNobody;
+    thread_local std::uint32_t const number = ++last;
+    return number;
+  }
+
+  // Relaxed: it is to find disorder, not to make order that a sanitizer would then believe in.
+  std::atomic<std::uint32_t> inside_ = kNobody;
+};
