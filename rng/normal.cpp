@@ -6,6 +6,7 @@
 #include "errors/keys.h"
 #include "host/tfl_rng.h"
 #include "rng/chunks.h"
+#include "rng/in_use.h"
 #include "rng/randstream.h"
 #include "rng/ziggurat_tables.h"
 #include "tfl_rng/rejection.h"
@@ -144,10 +145,8 @@ void randstream::randnZiggurat(double* buffer, unsigned long n) {
 void randstream::randnPolar(double* buffer, unsigned long n) {
   if (n == 0) return;
   std::size_t slot = 0;
-  if (pendingNormalValid_) {
-    buffer[slot++] = pendingNormal_;
-    pendingNormalValid_ = false;
-  }
+  if (pendingNormalValid_) buffer[slot++] = pendingNormal_;
+  bool isOneLeft = false;  // told the stream at the end: the plug-in may fail before
   Rejections rejections;
   std::size_t next = 0;
   std::size_t end = 0;
@@ -172,9 +171,10 @@ void randstream::randnPolar(double* buffer, unsigned long n) {
       buffer[slot++] = b * m;
     } else {
       pendingNormal_ = b * m;
-      pendingNormalValid_ = true;
+      isOneLeft = true;
     }
   }
+  pendingNormalValid_ = isOneLeft;
 }
 
 void randstream::randnInversion(double* buffer, unsigned long n) {
@@ -204,6 +204,7 @@ void deliver(double const* normals, T* out, std::size_t n, bool negate, bool hal
 
 template <>
 void randstream::randnFcn(double* out, unsigned long n, bool halfVariance) {
+  const InUse inUse(*this);
   if (nativeNormals_) {
     normalView_->randn(out, n);
     return deliver(out, out, n, antithetic_, halfVariance);
@@ -217,6 +218,7 @@ void randstream::randnFcn(double* out, unsigned long n, bool halfVariance) {
 
 template <>
 void randstream::randnFcn(float* out, unsigned long n, bool halfVariance) {
+  const InUse inUse(*this);
   double scratch[2 * kChunk];
   forEachChunk(n, [&](std::size_t at, std::size_t len) {
     if (nativeNormals_)

@@ -1,5 +1,6 @@
 #include <gmock/gmock.h>
 
+#include "embedded_host/allocator.h"
 #include "errors/keys.h"
 #include "rng/randstream.h"
 #include "tests/support/identifiers.h"
@@ -159,11 +160,26 @@ TEST(Stream, RefusedDefaultMethodIsAConstructionErrorThatKeepsThePluginAlive) {
   plugin->destroy();
 }
 
-TEST(Stream, SamplingLetsPluginErrorsThrough) {
+TEST(Stream, SamplingLetsPluginErrorsOfMidFillThroughAndKeepsNoMemory) {
   Script script;
+  script.uniforms.assign(150, 0.3);
   randstream stream("scripted", 0, new ScriptedPlugin(script), 1, 0);
-  double out = 0;
-  EXPECT_THROW(stream.randuFcn(&out, 1), std::out_of_range);
+  std::vector<double> out(1000);
+  const std::vector<std::function<void()>> operations = {
+      [&] { stream.randuFcn(out.data(), 1000); },
+      [&] { stream.randuFcn(reinterpret_cast<float*>(out.data()), 1000); },
+      [&] { stream.randiFcn(1, 6, out.data(), 1000); },
+      [&] { stream.randnFcn(out.data(), 1000, false); },
+      [&] { stream.randpermFcn(out.data(), 1000); },
+      [&] { stream.randkpermFcn(out.data(), 10, 1e6); },
+      [&] { stream.randkpermFcn(out.data(), 500, 1000); },
+  };
+  for (auto const& operation : operations) {
+    script.used = 145;
+    auto const blocks = embedded_host::allocationCounts().liveBlocks;
+    EXPECT_THROW(operation(), std::out_of_range);
+    EXPECT_EQ(embedded_host::allocationCounts().liveBlocks, blocks);
+  }
 }
 
 }  // namespace

@@ -148,6 +148,13 @@ TEST_F(Polar, RejectionRefillsWithTwoUniformsForEachMissingPair) {
   EXPECT_THAT(draw(2), ElementsAre(0.0, 0.0));
 }
 
+TEST_F(Polar, PendingValueOutlivesAFailureOfThePlugin) {
+  over("polar", {0.3, 0.6});
+  draw(1);
+  EXPECT_THROW(draw(2), std::out_of_range);
+  EXPECT_NEAR(draw(1)[0], polarPair(0.3, 0.6).second, 1e-15);
+}
+
 TEST_F(Polar, PendingValueCrossesChunksAndMethods) {
   over("polar", std::vector<double>(400, 0.3));
   draw(101);
