@@ -4,7 +4,6 @@
 
 #include <cstdlib>
 #include <fstream>
-#include <sstream>
 
 #include "embedded_host/embedded_text.h"
 #include "embedded_host/messages.h"
@@ -74,14 +73,12 @@ class Group final : public settings::core::Settings {
 toml::table readUserFile(std::filesystem::path const& file) {
   std::error_code status;
   if (!std::filesystem::exists(file, status)) return {};
-  std::ifstream stream(file, std::ios::binary);
-  std::ostringstream text;
-  if (!std::filesystem::is_regular_file(file, status) || !(text << stream.rdbuf())) {
-    if (std::filesystem::is_empty(file, status)) return {};
-    raiseHostError("TALVOR:settings:UnreadableFile", file.string());
-  }
+  // Asked for first: opening a folder succeeds, opening a pipe waits.
+  std::ifstream stream;
+  if (std::filesystem::is_regular_file(file, status)) stream.open(file, std::ios::binary);
+  if (!stream.is_open()) raiseHostError("TALVOR:settings:UnreadableFile", file.string());
   try {
-    return toml::parse(text.str(), file.string());
+    return toml::parse(stream, file.string());
   } catch (toml::parse_error const& error) {
     auto const& at = error.source().begin;
     raiseHostError("TALVOR:settings:BrokenFile", file.string(), at.line, at.column,

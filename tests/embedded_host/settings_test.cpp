@@ -107,7 +107,14 @@ TEST_F(Settings, BrokenFileIsNamedWithItsLine) {
     EXPECT_THAT(error.text(), HasSubstr(file().string()));
     EXPECT_THAT(error.text(), HasSubstr("line 2, column 15"));
   }
-  EXPECT_EQ(identifierOf([&] { readSettings(folder_); }), "TALVOR:settings:UnreadableFile");
+}
+
+TEST_F(Settings, FolderIsNoSettingsFileAndAnEmptyFileIsOne) {
+  auto const read = [&] { readSettings(folder_); };
+  EXPECT_EQ(identifierOf(read), "TALVOR:settings:UnreadableFile");
+  write("");
+  EXPECT_EQ(identifierOf(read), "TALVOR:settings:UnreadableFile");
+  EXPECT_NO_THROW(readSettings(file()));
 }
 
 TEST_F(Settings, FileIsFoundThroughTheEnvironment) {
