@@ -1,6 +1,6 @@
 #include "language/session.h"
 
-#include <csignal>
+#include <atomic>
 
 #include "language/evaluator.h"
 #include "language/functions.h"
@@ -11,16 +11,14 @@
 namespace language {
 
 namespace {
-volatile std::sig_atomic_t interruptRequested = 0;
-}
+// Set by a signal handler, read and taken back by the sessions of any thread.
+std::atomic<bool> interruptRequested = false;
+static_assert(std::atomic<bool>::is_always_lock_free);
+}  // namespace
 
-void requestInterrupt() noexcept { interruptRequested = 1; }
+void requestInterrupt() noexcept { interruptRequested = true; }
 
-bool takeInterrupt() noexcept {
-  if (interruptRequested == 0) return false;
-  interruptRequested = 0;
-  return true;
-}
+bool takeInterrupt() noexcept { return interruptRequested && interruptRequested.exchange(false); }
 
 Session::Session(embedded_host::VmContext& vm, Output& output) : vm_(vm), output_(output) {
   registerFunctions(*this);
@@ -34,7 +32,7 @@ Session::~Session() {
 }
 
 void Session::run(std::string_view source) {
-  interruptRequested = 0;
+  interruptRequested = false;
   callInProgress_.reset();
   Block const program = parse(source);
   Evaluator(*this).run(program);
