@@ -9,6 +9,7 @@
 #include "host/sort.h"
 #include "host/tfl_rng.h"
 #include "rng/chunks.h"
+#include "rng/dense_shuffle.h"
 #include "rng/in_use.h"
 #include "rng/randstream.h"
 #include "rng/sparse_shuffle.h"
@@ -74,9 +75,10 @@ void orderFew(plugin_rng::IPluginRNG& plugin, double* out, std::size_t n) {
   for (std::size_t i = 0; i < n; ++i) out[place[i]] = static_cast<double>(i + 1);
 }
 
-// The first k steps of a shuffle from the top. Draws k uniforms.
-void shuffleSparse(plugin_rng::IPluginRNG& plugin, double* out, std::size_t k, double n) {
-  SparseShuffle shuffle(k);
+// The first k steps of a shuffle from the top of an array of n. Draws k uniforms.
+template <class Shuffle>
+void shuffleFromTop(plugin_rng::IPluginRNG& plugin, double* out, std::size_t k, double n,
+                    Shuffle shuffle) {
   double uniforms[kChunk];
   double left = n;
   forEachChunk(k, [&](std::size_t at, std::size_t len) {
@@ -85,6 +87,17 @@ void shuffleSparse(plugin_rng::IPluginRNG& plugin, double* out, std::size_t k, d
       out[at + i] = static_cast<double>(
           shuffle.takeAndReplace(truncated(left * uniforms[i]), truncated(left - 1)) + 1);
   });
+}
+
+void shuffleSparse(plugin_rng::IPluginRNG& plugin, double* out, std::size_t k, double n) {
+  // Up to here the whole array takes no more than twice the memory of its sparse form.
+  constexpr std::size_t kDense = 16;
+  constexpr double kPositions = 0x1p32;
+  if (n <= static_cast<double>(kDense * k) && n <= kPositions) {
+    shuffleFromTop(plugin, out, k, n, DenseShuffle(truncated(n)));
+  } else {
+    shuffleFromTop(plugin, out, k, n, SparseShuffle(k));
+  }
 }
 
 // Sequential selection (J. S. Vitter, Faster Methods for Random Sampling, CACM 27 (1984), method

@@ -55,11 +55,15 @@ TEST_F(Permutation, InsideOutShuffleFollowsItsTargets) {
   EXPECT_TRUE(script.requests.empty());
 }
 
-TEST_F(Permutation, SparseShuffleTakesFromTheTop) {
-  // n = 20: j = 5 then a[5] = 20th; j = 5 again gives 20; j = 17 (the last) gives itself.
-  EXPECT_THAT(select(3, 20, {0.25, 5.5 / 19, 1 - 0x1p-53}), ElementsAre(6, 20, 18));
-  // The entry moved down is found again after its position was the last one.
-  EXPECT_THAT(select(3, 20, {18.5 / 20, 0.5 / 19, 0.5 / 18}), ElementsAre(19, 1, 20));
+// Of an array of 20, and of one that is too large to be written down.
+TEST_F(Permutation, ShuffleTakesFromTheTop) {
+  for (const double n : {20.0, 1000.0}) {
+    // j = 5, then a[5] is the last; j = 5 again gives that; then the last gives itself.
+    EXPECT_THAT(select(3, n, {5.5 / n, 5.5 / (n - 1), 1 - 0x1p-53}), ElementsAre(6, n, n - 2));
+    // The entry moved down is found again after its position was the last one.
+    EXPECT_THAT(select(3, n, {(n - 1.5) / n, 0.5 / (n - 1), 0.5 / (n - 2)}),
+                ElementsAre(n - 1, 1, n));
+  }
 }
 
 TEST_F(Permutation, SequentialSelectionSkipsByTheCumulativeSearch) {

@@ -1,0 +1,29 @@
+#pragma once
+
+// The array of a shuffle from the top, a[p] = p for p in [0, n): what SparseShuffle stands in for
+// where n is too large to write it down.
+
+#include <cstddef>
+#include <cstdint>
+#include <numeric>
+#include <utility>
+
+#include "host/allocator.h"
+
+class DenseShuffle {
+ public:
+  using Position = std::uint32_t;
+
+  // Memory comes from the host's allocator.
+  explicit DenseShuffle(std::size_t n) : a_(txMakeBuffer<Position>(n)) {
+    std::iota(&a_[0], &a_[0] + n, Position{0});
+  }
+
+  // Returns a[target], then sets a[target] = a[last].
+  std::uint64_t takeAndReplace(std::uint64_t target, std::uint64_t last) {
+    return std::exchange(a_[target], a_[last]);
+  }
+
+ private:
+  txBuffer<Position> a_;
+};
