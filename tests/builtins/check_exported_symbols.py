@@ -8,18 +8,20 @@ library and Boost leave behind, run-time type information and a sanitizer's own 
 the interface and are passed over. Exits with 1 and tells the differences when there are any.
 """
 
+import re
 import subprocess
 import sys
 
-PASSED_OVER = ("std::", "void std::", "boost::", "typeinfo ", "vtable ", "__odr_asan", "__asan",
-               "guard variable")
+# A template's name has the type of its result, or of the variable, before it.
+PASSED_OVER = re.compile(
+    r"((unsigned )?\w+ )?(std|boost)::|typeinfo |vtable |__odr_asan|__asan|guard variable")
 
 
 def exported(nm, library):
     lines = subprocess.run([nm, "-D", "--defined-only", "-C", library], check=True, text=True,
                            capture_output=True).stdout.splitlines()
     names = {line.split(maxsplit=2)[2] for line in lines}
-    return {name for name in names if not name.startswith(PASSED_OVER)}
+    return {name for name in names if not PASSED_OVER.match(name)}
 
 
 def listed(path):
