@@ -2,11 +2,13 @@
 
 #include <algorithm>
 #include <cmath>
+#include <type_traits>
 
 #include "errors/keys.h"
 #include "host/tfl_rng.h"
 #include "rng/chunks.h"
 #include "rng/in_use.h"
+#include "rng/kernels/accepted_run.h"
 #include "rng/randstream.h"
 #include "rng/ziggurat_tables.h"
 #include "tfl_rng/rejection.h"
@@ -67,28 +69,6 @@ class UniformStore {
   std::size_t end_ = 0;
 };
 
-// The candidate that two uniforms select. Most lie inside their layer and are accepted at once.
-struct Candidate {
-  std::size_t layer;
-  double x;
-
-  Candidate(double u0, double u1)
-      : layer(static_cast<std::size_t>(static_cast<int>(ziggurat::kLayers * u0))),
-        x((2 * u1 - 1) * ziggurat::kX[layer + 1]) {}
-  bool isInside() const { return std::fabs(x) <= ziggurat::kX[layer]; }
-};
-
-// Reads pairs of uniforms up to the first candidate that is not inside its layer, at most `most`,
-// and writes the accepted ones to out[0, returned), which may reach into the uniforms read.
-std::size_t acceptInside(double const* uniforms, std::size_t most, double* out) {
-  for (std::size_t i = 0; i < most; ++i) {
-    const Candidate candidate(uniforms[2 * i], uniforms[2 * i + 1]);
-    if (!candidate.isInside()) return i;
-    out[i] = candidate.x;
-  }
-  return most;
-}
-
 // A value beyond the tail's start, with the sign of the candidate x.
 double zigguratTail(UniformStore& store, std::size_t slot, double x) {
   Rejections rejections;
@@ -114,7 +94,7 @@ void randstream::randnZiggurat(double* buffer, unsigned long n) {
   for (std::size_t slot = 0; slot < n;) {
     store.needTwo(slot);
     const std::size_t most = std::min<std::size_t>(store.pairCount(), n - slot);
-    const std::size_t inside = acceptInside(store.pairs(), most, buffer + slot);
+    const std::size_t inside = ziggurat::acceptedRun(store.pairs(), most, buffer + slot);
     store.skipPairs(inside);
     slot += inside;
     if (inside > 0) rejections = {};
@@ -122,7 +102,7 @@ void randstream::randnZiggurat(double* buffer, unsigned long n) {
 
     const double u0 = store.read();
     const double u1 = store.read();
-    const Candidate candidate(u0, u1);
+    const ziggurat::Candidate candidate(u0, u1);
     double x = candidate.x;
     if (candidate.layer == ziggurat::kLayers - 1) {
       x = zigguratTail(store, slot, x);
@@ -196,8 +176,10 @@ void deliver(double const* normals, T* out, std::size_t n, bool negate, bool hal
     each([](double x) { return -x; });
   else if (halfVariance)
     each([](double x) { return x / kSqrt2; });
-  else if (static_cast<void const*>(normals) != out)
+  else if constexpr (!std::is_same_v<T, double>)
     each([](double x) { return x; });
+  else if (normals != out)
+    std::copy_n(normals, n, out);
 }
 
 }  // namespace

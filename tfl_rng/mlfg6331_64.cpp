@@ -106,8 +106,12 @@ void mlfg6331_64::setState(State const& state) noexcept {
 }
 
 Table& mlfg6331_64::inOrder(std::size_t n) noexcept {
-  std::rotate(words_.begin(), words_.begin() + static_cast<std::ptrdiff_t>(oldest_), words_.end());
-  oldest_ = 0;
+  if (oldest_ != 0) {
+    Table ordered;
+    std::ranges::rotate_copy(words_, words_.begin() + oldest_, ordered.begin());
+    words_ = ordered;
+    oldest_ = 0;
+  }
   position_ = (position_ + n % kLag) % kLag;
   return words_;
 }

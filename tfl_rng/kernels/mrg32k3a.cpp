@@ -18,8 +18,9 @@ namespace tfl_rng::mrg32k3a_steps {
 // them at a time as hide the latency of a step.
 constexpr std::size_t kLanes = 16;
 
-// Draws of a lane in a block. The short ones serve what is left of a request.
+// Draws of a lane in a block. The shorter ones serve what is left of a request.
 constexpr std::size_t kLongStretch = 64;
+constexpr std::size_t kMediumStretch = 16;
 constexpr std::size_t kShortStretch = 8;
 
 // For fewer draws than this the scalar form is the faster one.
@@ -191,24 +192,30 @@ class Block {
     start(&words[3], kWeights2<steps>, kM2, terms_ + 3);
   }
 
-  HWY_INLINE void run(double* out) {
-    constexpr std::size_t together = kInFlight * kVectorLanes;
-    for (std::size_t lane = 0; lane < kLanes; lane += together, out += together * stretch)
-      runSome(lane, out);
+  // All draws; the words after them.
+  HWY_INLINE Words run(double* out) {
+    runLanes<false>(out, 0);
+    return words(terms_, kLanes - 1);
   }
 
-  // Of a lane: where its stretch begins, or ends after the run.
-  HWY_INLINE Words words(std::size_t lane) const {
+  // All draws; the words after the first n, fewer than all.
+  HWY_INLINE Words runPart(double* out, std::size_t n) {
+    runLanes<true>(out, n % stretch);
+    return words(kept_, n / stretch);
+  }
+
+ private:
+  // Of a lane.
+  HWY_INLINE static Words words(Row const* terms, std::size_t lane) {
     Words result;
     for (std::size_t i = 0; i < 6; ++i) {
       const double m = i < 3 ? kM1 : kM2;
-      const double term = terms_[i][lane];
+      const double term = terms[i][lane];
       result[i] = static_cast<std::uint32_t>(term < 0 ? term + m : term < m ? term : term - m);
     }
     return result;
   }
 
- private:
   // Words go in as halves, and sums are below 2^51: 3 * 2^48 and once more 2^16 * m.
   HWY_INLINE static void start(std::uint32_t const* words,
                                std::array<std::array<Row, 3>, 3> const& weights, double m,
@@ -229,56 +236,73 @@ class Block {
     }
   }
 
-  HWY_INLINE void runSome(std::size_t lane, double* out) {
-    Terms terms[kInFlight];
-    for (std::size_t v = 0; v < kInFlight; ++v)
+  // The terms of some lanes, between memory and registers.
+  HWY_INLINE static void load(Row const* rows, std::size_t lane, Terms* terms) {
+    for (std::size_t v = 0; v < kInFlight; ++v, lane += kVectorLanes)
       for (std::size_t i = 0; i < 3; ++i) {
-        terms[v].x[i] = hn::LoadU(f64, &terms_[i][lane + v * kVectorLanes]);
-        terms[v].y[i] = hn::LoadU(f64, &terms_[3 + i][lane + v * kVectorLanes]);
+        terms[v].x[i] = hn::LoadU(f64, &rows[i][lane]);
+        terms[v].y[i] = hn::LoadU(f64, &rows[3 + i][lane]);
       }
-    for (std::size_t at = 0; at < stretch; at += kVectorLanes) {
-      Doubles draws[kInFlight][kVectorLanes];
-      HWY_UNROLL(8)
-      for (std::size_t i = 0; i < kVectorLanes; ++i) {
-        HWY_UNROLL(kInFlight)
-        for (std::size_t v = 0; v < kInFlight; ++v) draws[v][i] = terms[v].draw(Precision{});
-      }
-      HWY_UNROLL(kInFlight)
-      for (std::size_t v = 0; v < kInFlight; ++v)
-        storeTransposed(draws[v], out + v * kVectorLanes * stretch + at, stretch);
-    }
-    for (std::size_t v = 0; v < kInFlight; ++v)
+  }
+  HWY_INLINE static void store(Terms const* terms, Row* rows, std::size_t lane) {
+    for (std::size_t v = 0; v < kInFlight; ++v, lane += kVectorLanes)
       for (std::size_t i = 0; i < 3; ++i) {
-        hn::StoreU(terms[v].x[i], f64, &terms_[i][lane + v * kVectorLanes]);
-        hn::StoreU(terms[v].y[i], f64, &terms_[3 + i][lane + v * kVectorLanes]);
+        hn::StoreU(terms[v].x[i], f64, &rows[i][lane]);
+        hn::StoreU(terms[v].y[i], f64, &rows[3 + i][lane]);
       }
   }
 
-  alignas(64) Row terms_[6];
+  // Runs all lanes; with `keeps`, what their terms are after `draws` draws is kept.
+  template <bool keeps>
+  HWY_INLINE void runLanes(double* out, std::size_t draws) {
+    constexpr std::size_t together = kInFlight * kVectorLanes;
+    for (std::size_t lane = 0; lane < kLanes; lane += together, out += together * stretch) {
+      Terms terms[kInFlight];
+      load(terms_, lane, terms);
+      for (std::size_t at = 0; at < stretch; at += kVectorLanes) {
+        Doubles drawn[kInFlight][kVectorLanes];
+        HWY_UNROLL(8)
+        for (std::size_t i = 0; i < kVectorLanes; ++i) {
+          if (keeps && at + i == draws) store(terms, kept_, lane);
+          HWY_UNROLL(kInFlight)
+          for (std::size_t v = 0; v < kInFlight; ++v) drawn[v][i] = terms[v].draw(Precision{});
+        }
+        HWY_UNROLL(kInFlight)
+        for (std::size_t v = 0; v < kInFlight; ++v)
+          storeTransposed(drawn[v], out + v * kVectorLanes * stretch + at, stretch);
+      }
+      store(terms, terms_, lane);
+    }
+  }
+
+  alignas(64) Row terms_[6];  // the last x and y of every lane
+  alignas(64) Row kept_[6];
 };
+
+// The first n draws of a block, fewer than all.
+template <class Block>
+HWY_INLINE void fillPart(Words& words, double* out, std::size_t n) {
+  double draws[Block::kDraws];
+  words = Block(words).runPart(draws, n);
+  std::copy_n(draws, n, out);
+}
 
 template <class Precision>
 void fillAll(Words& words, double* out, std::size_t n) {
   using Long = Block<Precision, kLongStretch>;
+  using Medium = Block<Precision, kMediumStretch>;
   using Short = Block<Precision, kShortStretch>;
   const auto runBlock = [&](auto&& block) HWY_ATTR {
-    block.run(out);
+    words = block.run(out);
     out += block.kDraws;
     n -= block.kDraws;
-    words = block.words(kLanes - 1);
   };
   while (n >= Long::kDraws) runBlock(Long(words));
-  while (n >= Short::kDraws) runBlock(Short(words));
-  std::size_t left = n;
-  if (n >= kLeastDraws) {
-    Short block(words);
-    words = block.words(n / kShortStretch);
-    left = n % kShortStretch;
-    double draws[Short::kDraws];
-    block.run(draws);
-    out = std::copy_n(draws, n - left, out);
-  }
-  reference::fill(Precision{}, words, out, left);
+  while (n >= Medium::kDraws) runBlock(Medium(words));
+  if (n >= Short::kDraws + kLeastDraws) return fillPart<Medium>(words, out, n);
+  if (n >= Short::kDraws) runBlock(Short(words));
+  if (n >= kLeastDraws) return fillPart<Short>(words, out, n);
+  reference::fill(Precision{}, words, out, n);
 }
 
 #endif
