@@ -16,6 +16,7 @@
 #include <stdexcept>
 
 #include "plugin_rng/fork_join.h"
+#include "plugin_rng/large_results.h"
 
 namespace plugin_rng {
 
@@ -63,7 +64,7 @@ void fillInParallel(Core& core, double* out, std::size_t n, Split split, Jump ju
     Core copy = core;
     for (std::size_t at = 0; at < n; at += kAlonePart) {
       const std::size_t length = std::min(kAlonePart, n - at);
-      copy.randu(out + at, length);
+      drawPart(copy, out + at, length, n);
       finish(out + at, length);
     }
     core = copy;
@@ -82,7 +83,7 @@ void fillInParallel(Core& core, double* out, std::size_t n, Split split, Jump ju
       worker.at = 0;
     }
     if (worker.at < range.begin()) jump(*worker.copy, range.begin() - worker.at);
-    worker.copy->randu(part, length);
+    drawPart(*worker.copy, part, length, n);
     worker.at = range.end();
     finish(part, length);
     if (range.end() == n) final = worker.copy;

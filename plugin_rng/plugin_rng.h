@@ -10,6 +10,7 @@
 
 #include "errors/generator_errors.h"
 #include "plugin_rng/interfaces.h"
+#include "plugin_rng/large_results.h"
 #include "tfl_rng/rejection.h"
 
 namespace plugin_rng {
@@ -21,7 +22,7 @@ class PluginRNG : public virtual IPluginRNG {
   PluginRNG(boost::shared_ptr<Core> generator, std::uint64_t length)
       : core(std::move(generator)), stateClassID(id), stateLen(length) {}
 
-  void randu(double* out, std::size_t n) override { core->randu(out, n); }
+  void randu(double* out, std::size_t n) override { drawPart(*core, out, n, n); }
   void reset(std::uint32_t seed) override { core->reset(seed); }
   std::size_t getNumStateComponents() const override { return 1; }
   void getStateComponentTypes(std::size_t /*nComponents*/, txClassID* classes,

@@ -22,6 +22,12 @@ void mcg16807::randu(double* out, std::size_t n) {
                           : kernels::fill(kernels::Reduced{}, word_, out, n);
 }
 
+void mcg16807::randuStreaming(double* out, std::size_t n) {
+  namespace kernels = minimal_standard;
+  word_ = fullPrecision() ? kernels::fillStreaming(kernels::Full{}, word_, out, n)
+                          : kernels::fillStreaming(kernels::Reduced{}, word_, out, n);
+}
+
 void mcg16807::randn(double* out, std::size_t n) {
   for (std::size_t i = 0; i < n; i += 2) {
     auto const [first, second] = minimalStandardNormalPair(word_);

@@ -22,6 +22,7 @@ class mcg16807 final : public CoreNormalRNG {
 
   void reset(std::uint32_t seed) override;
   void randu(double* out, std::size_t n) override;
+  void randuStreaming(double* out, std::size_t n) override;
   // Both normals of each accepted pair, in order. The state has no room for a second value between
   // calls: an odd n drops it.
   void randn(double* out, std::size_t n) override;

@@ -127,6 +127,10 @@ void mlfg6331_64::randu(double* out, std::size_t n) {
   if (position_ >= kLag) position_ -= kLag;
 }
 
+void mlfg6331_64::randuStreaming(double* out, std::size_t n) {
+  mlfg6331::runStreaming(inOrder(n), out, n);
+}
+
 errorID mlfg6331_64::advance(std::size_t n) {
   if (n <= kMostSteps) {
     mlfg6331::run(inOrder(n), nullptr, n);

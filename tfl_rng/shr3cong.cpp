@@ -24,6 +24,15 @@ void shr3cong::randu(double* out, std::size_t n) {
   }
 }
 
+void shr3cong::randuStreaming(double* out, std::size_t n) {
+  namespace kernels = shr3cong_kernel;
+  if (fullPrecision()) {
+    kernels::fillStreaming(kernels::Full{}, state_, out, n);
+  } else {
+    kernels::fillStreaming(kernels::Reduced{}, state_, out, n);
+  }
+}
+
 void shr3cong::randn(double* out, std::size_t n) {
   Ziggurat128 const& zig = Ziggurat128::tables();
   for (std::size_t i = 0; i < n; ++i) out[i] = normal(zig);

@@ -55,6 +55,7 @@ class shr3cong final : public CoreNormalRNG {
 
   void reset(std::uint32_t seed) override;
   void randu(double* out, std::size_t n) override;
+  void randuStreaming(double* out, std::size_t n) override;
   void randn(double* out, std::size_t n) override;
 
   State const& state() const noexcept { return state_; }

@@ -11,6 +11,7 @@
 #include <sstream>
 
 #include "plugin_rng/exchange_halves.h"
+#include "plugin_rng/large_results.h"
 #include "tests/support/identifiers.h"
 #include "tests/support/plugins.h"
 
@@ -154,6 +155,18 @@ TEST_P(StreamsPlugin, LargeFillsAreTheSerialOnes) {
   expectSerialNumbers(
       GetParam(), [](Plugin const& p, double* out, std::size_t n) { p.normals()->randn(out, n); },
       true);
+}
+
+// A result written past the caches, against one in two requests that are not.
+TEST_P(AnyPlugin, ResultLargerThanTheCachesIsTheSame) {
+  constexpr std::size_t kDraws = plugin_rng::kLeastStreamed;
+  const Plugin parts(GetParam(), 8), whole(GetParam(), 8);
+  std::vector<double> expected(kDraws + 1), values(kDraws + 1);
+  parts->randu(expected.data() + 1, kDraws - 3);
+  parts->randu(expected.data() + 1 + kDraws - 3, 3);
+  whole->randu(values.data() + 1, kDraws);
+  EXPECT_TRUE(values == expected);
+  EXPECT_EQ(whole.state(), parts.state());
 }
 
 TEST_P(StreamsPlugin, LargeFillKeepsTheSubstream) {

@@ -3,9 +3,11 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <vector>
 
 #include "tests/support/cores.h"
+#include "tests/support/every_target.h"
 
 namespace {
 
@@ -57,6 +59,26 @@ TYPED_TEST(AnyCore, RequestsOfAnySizesGiveOneSequence) {
       EXPECT_EQ(stateOf(parts), stateOf(whole));
     }
   }
+}
+
+// From every place within a cache line, with nothing touched around the results.
+TYPED_TEST(AnyCore, StreamingGivesTheSameNumbers) {
+  every_target::run([] {
+    for (bool full : {true, false}) {
+      auto core = makeCore<TypeParam>(9, full), streaming = core;
+      for (std::size_t n = 0; n < 800; n += n < 40 ? 1 : 19) {
+        const std::size_t lead = 1 + n % 8;
+        alignas(64) double values[810];
+        std::ranges::fill(values, -7);
+        streaming.randuStreaming(values + lead, n);
+        const auto expected = draw(core, n);
+        ASSERT_TRUE(std::equal(expected.begin(), expected.end(), values + lead)) << n;
+        ASSERT_EQ(values[lead - 1], -7);
+        ASSERT_EQ(values[lead + n], -7);
+        ASSERT_EQ(stateOf(streaming), stateOf(core)) << n;
+      }
+    }
+  });
 }
 
 TYPED_TEST(AnyCore, StateRestoresTheSequenceAtEveryPosition) {

@@ -1,13 +1,18 @@
 #include "tfl_rng/kernels/mcg16807.h"
 
+#include <hwy/cache_control.h>
+
 #include <array>
 
 #include "tfl_rng/kernels/mcg16807_reference.h"
+#include "tfl_rng/kernels/streaming.h"
 
 #undef HWY_TARGET_INCLUDE
 #define HWY_TARGET_INCLUDE "tfl_rng/kernels/mcg16807.cpp"
 #include <hwy/foreach_target.h>  // IWYU pragma: keep
 #include <hwy/highway.h>
+
+#include "tfl_rng/kernels/results-inl.h"
 
 #ifndef TFL_RNG_KERNELS_MCG16807_TABLES
 #define TFL_RNG_KERNELS_MCG16807_TABLES
@@ -58,6 +63,11 @@ std::uint32_t fillFrom(std::uint32_t word, double* out, std::size_t n) {
   return reference::fill(Precision{}, word, out, n);
 }
 
+template <class Precision>
+std::uint32_t fillStreaming(std::uint32_t word, double* out, std::size_t n) {
+  return fillFrom<Precision>(word, out, n);
+}
+
 #else
 
 namespace hn = hwy::HWY_NAMESPACE;
@@ -68,6 +78,8 @@ constexpr hn::RebindToFloat<decltype(u64)> f64;
 using Words = hn::Vec<decltype(u64)>;
 using Halves = hn::Vec<decltype(u32)>;
 using Doubles = hn::Vec<decltype(f64)>;
+using tfl_rng::HWY_NAMESPACE::Cached;
+using tfl_rng::HWY_NAMESPACE::Streaming;
 
 // Sums of the high and low 31 bits of products, less than twice the modulus, modulo 2^31 - 1: below
 // the modulus the difference wraps around and is the larger one.
@@ -122,7 +134,8 @@ HWY_INLINE Doubles drawsAt(Full, Words base, std::ptrdiff_t i) {
   return hn::Sub(hn::BitCast(f64, bits), hn::Set(f64, 1 - 0x1p-53));
 }
 
-template <class Precision>
+// With streaming results `out` must begin with a cache line.
+template <class Precision, class Results = Cached>
 HWY_INLINE std::uint32_t fillFrom(std::uint32_t word, double* out, std::size_t n) {
   const std::size_t lanes = hn::Lanes(u64);
   if (n < lanes) return reference::fill(Precision{}, word, out, n);
@@ -135,7 +148,8 @@ HWY_INLINE std::uint32_t fillFrom(std::uint32_t word, double* out, std::size_t n
   Words base = hn::Set(u64, word);
   const Words blockFactor = hn::Set(u64, lastFactors[kMaxLanes - 1 + lanes * kVectors]);
   for (; left >= block; left -= block, out += block) {
-    for (std::ptrdiff_t i = 0; i < block; i += step) store(base, i, out + i);
+    for (std::ptrdiff_t i = 0; i < block; i += step)
+      Results::store(drawsAt(Precision{}, base, i), f64, out + i);
     base = multiplyEach(base, blockFactor, hn::Zero(u64));
   }
   std::ptrdiff_t i = 0;
@@ -143,6 +157,15 @@ HWY_INLINE std::uint32_t fillFrom(std::uint32_t word, double* out, std::size_t n
   // The last vector ends where the request ends and repeats what it shares with the one before.
   if (i < left) store(base, left - step, out + (left - step));
   return multiply(hn::GetLane(base), lastFactors[kMaxLanes - 1 + static_cast<std::size_t>(left)]);
+}
+
+template <class Precision>
+HWY_INLINE std::uint32_t fillStreaming(std::uint32_t word, double* out, std::size_t n) {
+  const std::size_t head = streaming::beforeFirstLine(out, n);
+  word = fillFrom<Precision>(word, out, head);
+  word = fillFrom<Precision, Streaming>(word, out + head, n - head);
+  hwy::FlushStream();
+  return word;
 }
 
 #endif
@@ -153,6 +176,12 @@ std::uint32_t fillReduced(std::uint32_t word, double* out, std::size_t n) {
 std::uint32_t fillFull(std::uint32_t word, double* out, std::size_t n) {
   return fillFrom<Full>(word, out, n);
 }
+std::uint32_t streamReduced(std::uint32_t word, double* out, std::size_t n) {
+  return fillStreaming<Reduced>(word, out, n);
+}
+std::uint32_t streamFull(std::uint32_t word, double* out, std::size_t n) {
+  return fillStreaming<Full>(word, out, n);
+}
 
 }  // namespace tfl_rng::minimal_standard::HWY_NAMESPACE
 HWY_AFTER_NAMESPACE();
@@ -162,6 +191,8 @@ namespace tfl_rng::minimal_standard {
 
 HWY_EXPORT(fillReduced);
 HWY_EXPORT(fillFull);
+HWY_EXPORT(streamReduced);
+HWY_EXPORT(streamFull);
 
 std::uint32_t fill(Reduced, std::uint32_t word, double* out, std::size_t n) {
   if (n < kLeastDraws) return reference::fill(Reduced{}, word, out, n);
@@ -170,6 +201,12 @@ std::uint32_t fill(Reduced, std::uint32_t word, double* out, std::size_t n) {
 std::uint32_t fill(Full, std::uint32_t word, double* out, std::size_t n) {
   if (n < kLeastDraws) return reference::fill(Full{}, word, out, n);
   return HWY_DYNAMIC_DISPATCH(fillFull)(word, out, n);
+}
+std::uint32_t fillStreaming(Reduced, std::uint32_t word, double* out, std::size_t n) {
+  return HWY_DYNAMIC_DISPATCH(streamReduced)(word, out, n);
+}
+std::uint32_t fillStreaming(Full, std::uint32_t word, double* out, std::size_t n) {
+  return HWY_DYNAMIC_DISPATCH(streamFull)(word, out, n);
 }
 
 }  // namespace tfl_rng::minimal_standard

@@ -21,4 +21,8 @@ struct Full {
 std::uint32_t fill(Reduced, std::uint32_t word, double* out, std::size_t n);
 std::uint32_t fill(Full, std::uint32_t word, double* out, std::size_t n);
 
+// The same, written past the caches.
+std::uint32_t fillStreaming(Reduced, std::uint32_t word, double* out, std::size_t n);
+std::uint32_t fillStreaming(Full, std::uint32_t word, double* out, std::size_t n);
+
 }  // namespace tfl_rng::minimal_standard

@@ -1,8 +1,11 @@
 #include "tfl_rng/kernels/mlfg6331.h"
 
+#include <hwy/cache_control.h>
+
 #include <algorithm>
 
 #include "tfl_rng/kernels/mlfg6331_reference.h"
+#include "tfl_rng/kernels/streaming.h"
 
 #undef HWY_TARGET_INCLUDE
 #define HWY_TARGET_INCLUDE "tfl_rng/kernels/mlfg6331.cpp"
@@ -10,6 +13,7 @@
 #include <hwy/highway.h>
 
 #include "tfl_rng/kernels/open52-inl.h"
+#include "tfl_rng/kernels/results-inl.h"
 
 HWY_BEFORE_NAMESPACE();
 namespace tfl_rng::mlfg6331::HWY_NAMESPACE {
@@ -17,6 +21,7 @@ namespace tfl_rng::mlfg6331::HWY_NAMESPACE {
 #if HWY_TARGET == HWY_SCALAR
 
 void run(Terms& table, double* out, std::size_t n) { reference::run(table, out, n); }
+void runStreaming(Terms& table, double* out, std::size_t n) { reference::run(table, out, n); }
 void apply(Terms const& coefficients, Terms& terms) { reference::apply(coefficients, terms); }
 
 #else
@@ -26,6 +31,9 @@ namespace hn = hwy::HWY_NAMESPACE;
 constexpr hn::CappedTag<std::uint64_t, 8> u64;
 constexpr hn::RebindToFloat<decltype(u64)> f64;
 using Words = hn::Vec<decltype(u64)>;
+using tfl_rng::HWY_NAMESPACE::Cached;
+using tfl_rng::HWY_NAMESPACE::Discarded;
+using tfl_rng::HWY_NAMESPACE::Streaming;
 
 constexpr std::size_t kLanes = hn::MaxLanes(u64);
 constexpr std::size_t kVectors = 64 / kLanes;
@@ -43,7 +51,7 @@ constexpr std::size_t kRound = 64;
 // the lanes: lane n of a new vector is the product of lanes n + 1 of the vectors 64 and 32 words
 // back. What is kept of each vector is therefore its window that begins a word later, and ends with
 // lane 0 of the vector after it.
-template <bool store>
+template <class Results>
 void runRounds(Terms& table, double* out, std::size_t rounds) {
   const auto last = hn::Eq(hn::Iota(u64, 0), hn::Set(u64, kLanes - 1));
   Words windows[kVectors];
@@ -63,9 +71,10 @@ void runRounds(Terms& table, double* out, std::size_t rounds) {
       const Words turned = rotate(made);
       windows[(r + kVectors - 1) % kVectors] = hn::IfThenElse(last, turned, opened);
       opened = turned;
-      if (store) hn::StoreU(tfl_rng::HWY_NAMESPACE::open52(made), f64, out + r * kLanes);
+      if constexpr (Results::kKept)
+        Results::store(tfl_rng::HWY_NAMESPACE::open52(made), f64, out + r * kLanes);
     }
-    if (store) out += kRound;
+    if constexpr (Results::kKept) out += kRound;
   }
   HWY_UNROLL(32)
   for (std::size_t r = 0; r + 1 < kVectors; ++r) {
@@ -76,7 +85,7 @@ void runRounds(Terms& table, double* out, std::size_t rounds) {
 }
 
 // Less than a round, through memory. Whole vectors are made and the words too many forgotten.
-template <bool store>
+template <class Results>
 void runRest(Terms& table, double* out, std::size_t n) {
   std::uint64_t words[kLag + kRound];
   std::copy(table.begin(), table.end(), words);
@@ -85,20 +94,28 @@ void runRest(Terms& table, double* out, std::size_t n) {
     const Words made =
         hn::Mul(hn::LoadU(u64, words + i), hn::LoadU(u64, words + i + kLag - kShortLag));
     hn::StoreU(made, u64, words + i + kLag);
-    if (store) hn::Store(tfl_rng::HWY_NAMESPACE::open52(made), f64, draws + i);
+    if constexpr (Results::kKept) hn::Store(tfl_rng::HWY_NAMESPACE::open52(made), f64, draws + i);
   }
-  if (store) std::copy_n(draws, n, out);
+  if constexpr (Results::kKept) std::copy_n(draws, n, out);
   std::copy_n(words + n, kLag, table.begin());
 }
 
-template <bool store>
+template <class Results>
 void runAll(Terms& table, double* out, std::size_t n) {
-  if (n >= kRound) runRounds<store>(table, out, n / kRound);
-  runRest<store>(table, store ? out + n / kRound * kRound : out, n % kRound);
+  const std::size_t whole = n / kRound * kRound;
+  if (whole > 0) runRounds<Results>(table, out, whole / kRound);
+  runRest<Results>(table, Results::kKept ? out + whole : out, n - whole);
 }
 
 void run(Terms& table, double* out, std::size_t n) {
-  out ? runAll<true>(table, out, n) : runAll<false>(table, out, n);
+  out ? runAll<Cached>(table, out, n) : runAll<Discarded>(table, out, n);
+}
+
+void runStreaming(Terms& table, double* out, std::size_t n) {
+  const std::size_t head = streaming::beforeFirstLine(out, n);
+  runAll<Cached>(table, out, head);
+  runAll<Streaming>(table, out + head, n - head);
+  hwy::FlushStream();
 }
 
 // A few vectors of sums at a time: as many as leave room in the registers.
@@ -132,9 +149,13 @@ HWY_AFTER_NAMESPACE();
 namespace tfl_rng::mlfg6331 {
 
 HWY_EXPORT(run);
+HWY_EXPORT(runStreaming);
 HWY_EXPORT(apply);
 
 void run(Terms& table, double* out, std::size_t n) { HWY_DYNAMIC_DISPATCH(run)(table, out, n); }
+void runStreaming(Terms& table, double* out, std::size_t n) {
+  HWY_DYNAMIC_DISPATCH(runStreaming)(table, out, n);
+}
 void apply(Terms const& coefficients, Terms& terms) {
   HWY_DYNAMIC_DISPATCH(apply)(coefficients, terms);
 }

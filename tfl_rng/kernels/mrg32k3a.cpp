@@ -1,5 +1,7 @@
 #include "tfl_rng/kernels/mrg32k3a.h"
 
+#include <hwy/cache_control.h>
+
 #include <algorithm>
 
 #include "tfl_rng/kernels/mrg32k3a_reference.h"
@@ -266,6 +268,11 @@ class Block {
           if (keeps && at + i == draws) store(terms, kept_, lane);
           HWY_UNROLL(kInFlight)
           for (std::size_t v = 0; v < kInFlight; ++v) drawn[v][i] = terms[v].draw(Precision{});
+        }
+        // The processor does not see by itself that the next block takes up as many places.
+        if constexpr (stretch == kLongStretch) {
+          for (std::size_t of = 0; of < together; ++of)
+            hwy::Prefetch(out + kDraws + of * stretch + at);
         }
         HWY_UNROLL(kInFlight)
         for (std::size_t v = 0; v < kInFlight; ++v)

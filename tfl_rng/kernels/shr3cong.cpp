@@ -1,14 +1,19 @@
 #include "tfl_rng/kernels/shr3cong.h"
 
+#include <hwy/cache_control.h>
+
 #include <algorithm>
 #include <array>
 
 #include "tfl_rng/kernels/shr3cong_reference.h"
+#include "tfl_rng/kernels/streaming.h"
 
 #undef HWY_TARGET_INCLUDE
 #define HWY_TARGET_INCLUDE "tfl_rng/kernels/shr3cong.cpp"
 #include <hwy/foreach_target.h>  // IWYU pragma: keep
 #include <hwy/highway.h>
+
+#include "tfl_rng/kernels/results-inl.h"
 
 #ifndef TFL_RNG_KERNELS_SHR3CONG_TABLES
 #define TFL_RNG_KERNELS_SHR3CONG_TABLES
@@ -78,6 +83,11 @@ void fillFrom(shr3cong::State& state, double* out, std::size_t n) {
   reference::fill(Precision{}, state, out, n);
 }
 
+template <class Precision>
+void fillStreamingFrom(shr3cong::State& state, double* out, std::size_t n) {
+  fillFrom<Precision>(state, out, n);
+}
+
 #else
 
 namespace hn = hwy::HWY_NAMESPACE;
@@ -88,6 +98,8 @@ constexpr hn::RepartitionToWide<decltype(u32)> u64;
 constexpr hn::RebindToFloat<decltype(u64)> f64;
 using Words = hn::Vec<decltype(u32)>;
 using Longs = hn::Vec<decltype(u64)>;
+using tfl_rng::HWY_NAMESPACE::Cached;
+using tfl_rng::HWY_NAMESPACE::Streaming;
 
 HWY_INLINE Words shiftRegisterStep(Words w) {
   w = hn::Xor(w, hn::ShiftLeft<13>(w));
@@ -100,28 +112,32 @@ HWY_INLINE Words congruentialStep(Words w) {
 }
 
 // Stores the mantissa's bits as numbers of [1,2), less what makes the lowest ones `least`.
+template <class Results>
 HWY_INLINE void storeUniforms(Longs mantissa, double least, double* out) {
   const Longs exponent = hn::BitCast(u64, hn::Set(f64, 1.0));
   const auto shifted = hn::BitCast(f64, hn::Or(mantissa, exponent));
-  hn::StoreU(hn::Sub(shifted, hn::Set(f64, 1 - least)), f64, out);
+  Results::store(hn::Sub(shifted, hn::Set(f64, 1 - least)), f64, out);
 }
 
 HWY_INLINE Longs lowerLongs(Words w) { return hn::PromoteTo(u64, hn::LowerHalf(half32, w)); }
 HWY_INLINE Longs upperLongs(Words w) { return hn::PromoteTo(u64, hn::UpperHalf(half32, w)); }
 
 // The draws whose first steps are `shift` and `cong`, one a lane.
+template <class Results>
 HWY_INLINE void storeDraws(Reduced, Words shift, Words cong, double* out) {
   const Words sum = hn::Add(shift, cong);
-  storeUniforms(hn::ShiftLeft<20>(lowerLongs(sum)), 0x1p-33, out);
-  storeUniforms(hn::ShiftLeft<20>(upperLongs(sum)), 0x1p-33, out + hn::Lanes(f64));
+  storeUniforms<Results>(hn::ShiftLeft<20>(lowerLongs(sum)), 0x1p-33, out);
+  storeUniforms<Results>(hn::ShiftLeft<20>(upperLongs(sum)), 0x1p-33, out + hn::Lanes(f64));
 }
 
+template <class Results>
 HWY_INLINE void storeDraws(Full, Words shift, Words cong, double* out) {
   const Words high = hn::Add(shift, cong);
   const Words low = hn::ShiftRight<12>(hn::Add(shiftRegisterStep(shift), congruentialStep(cong)));
-  storeUniforms(hn::Or(hn::ShiftLeft<20>(lowerLongs(high)), lowerLongs(low)), 0x1p-53, out);
-  storeUniforms(hn::Or(hn::ShiftLeft<20>(upperLongs(high)), upperLongs(low)), 0x1p-53,
-                out + hn::Lanes(f64));
+  storeUniforms<Results>(hn::Or(hn::ShiftLeft<20>(lowerLongs(high)), lowerLongs(low)), 0x1p-53,
+                         out);
+  storeUniforms<Results>(hn::Or(hn::ShiftLeft<20>(upperLongs(high)), upperLongs(low)), 0x1p-53,
+                         out + hn::Lanes(f64));
 }
 
 // The exclusive-or of what `load` reads from the eight rows of a word. In pairs: a chain of eight
@@ -147,7 +163,7 @@ HWY_INLINE shr3cong::State after(std::size_t draws, shr3cong::State state) {
 }
 
 // The first `draws` draws after `state`, rounded up to whole vectors.
-template <class Precision>
+template <class Precision, class Results = Cached>
 HWY_INLINE void storeBlock(shr3cong::State const& state, double* out, std::size_t draws) {
   Jumps const& jumps = kJumps<Precision>;
   const auto join = [](Words a, Words b) HWY_ATTR { return hn::Xor(a, b); };
@@ -157,26 +173,44 @@ HWY_INLINE void storeBlock(shr3cong::State const& state, double* out, std::size_
     const Words cong =
         hn::Add(hn::Mul(hn::Set(u32, state.congruential), hn::LoadU(u32, jumps.factor.data() + i)),
                 hn::LoadU(u32, jumps.term.data() + i));
-    storeDraws(Precision{}, shift, cong, out + i);
+    storeDraws<Results>(Precision{}, shift, cong, out + i);
   }
 }
 
-template <class Precision>
-HWY_INLINE void fillFrom(shr3cong::State& state, double* out, std::size_t n) {
-  shr3cong::State at = state;
+// Whole blocks of out[0, n); what is left.
+template <class Precision, class Results>
+HWY_INLINE std::size_t fillBlocks(shr3cong::State& at, double* out, std::size_t n) {
   for (; n >= kDraws; n -= kDraws, out += kDraws) {
-    storeBlock<Precision>(at, out, kDraws);
+    storeBlock<Precision, Results>(at, out, kDraws);
     at = after<Precision>(kDraws, at);
   }
-  if (n < kLeastDraws) {
-    reference::fill(Precision{}, at, out, n);
-  } else {
-    alignas(64) double block[kDraws];
-    storeBlock<Precision>(at, block, n);
-    std::copy_n(block, n, out);
-    at = after<Precision>(n, at);
-  }
+  return n;
+}
+
+// Less than a block.
+template <class Precision>
+HWY_INLINE void fillRest(shr3cong::State& at, double* out, std::size_t n) {
+  if (n < kLeastDraws) return reference::fill(Precision{}, at, out, n);
+  alignas(64) double block[kDraws];
+  storeBlock<Precision>(at, block, n);
+  std::copy_n(block, n, out);
+  at = after<Precision>(n, at);
+}
+
+template <class Precision, class Results = Cached>
+HWY_INLINE void fillFrom(shr3cong::State& state, double* out, std::size_t n) {
+  shr3cong::State at = state;
+  const std::size_t rest = fillBlocks<Precision, Results>(at, out, n);
+  fillRest<Precision>(at, out + n - rest, rest);
   state = at;
+}
+
+template <class Precision>
+HWY_INLINE void fillStreamingFrom(shr3cong::State& state, double* out, std::size_t n) {
+  const std::size_t head = streaming::beforeFirstLine(out, n);
+  fillFrom<Precision>(state, out, head);
+  fillFrom<Precision, Streaming>(state, out + head, n - head);
+  hwy::FlushStream();
 }
 
 #endif
@@ -185,6 +219,12 @@ void fillReduced(shr3cong::State& state, double* out, std::size_t n) {
   fillFrom<Reduced>(state, out, n);
 }
 void fillFull(shr3cong::State& state, double* out, std::size_t n) { fillFrom<Full>(state, out, n); }
+void streamReduced(shr3cong::State& state, double* out, std::size_t n) {
+  fillStreamingFrom<Reduced>(state, out, n);
+}
+void streamFull(shr3cong::State& state, double* out, std::size_t n) {
+  fillStreamingFrom<Full>(state, out, n);
+}
 
 }  // namespace tfl_rng::shr3cong_kernel::HWY_NAMESPACE
 HWY_AFTER_NAMESPACE();
@@ -194,6 +234,8 @@ namespace tfl_rng::shr3cong_kernel {
 
 HWY_EXPORT(fillReduced);
 HWY_EXPORT(fillFull);
+HWY_EXPORT(streamReduced);
+HWY_EXPORT(streamFull);
 
 void fill(Reduced, shr3cong::State& state, double* out, std::size_t n) {
   if (n < kLeastDraws) return reference::fill(Reduced{}, state, out, n);
@@ -202,6 +244,12 @@ void fill(Reduced, shr3cong::State& state, double* out, std::size_t n) {
 void fill(Full, shr3cong::State& state, double* out, std::size_t n) {
   if (n < kLeastDraws) return reference::fill(Full{}, state, out, n);
   HWY_DYNAMIC_DISPATCH(fillFull)(state, out, n);
+}
+void fillStreaming(Reduced, shr3cong::State& state, double* out, std::size_t n) {
+  HWY_DYNAMIC_DISPATCH(streamReduced)(state, out, n);
+}
+void fillStreaming(Full, shr3cong::State& state, double* out, std::size_t n) {
+  HWY_DYNAMIC_DISPATCH(streamFull)(state, out, n);
 }
 
 }  // namespace tfl_rng::shr3cong_kernel

@@ -20,4 +20,8 @@ struct Full {
 void fill(Reduced, shr3cong::State& state, double* out, std::size_t n);
 void fill(Full, shr3cong::State& state, double* out, std::size_t n);
 
+// The same, written past the caches.
+void fillStreaming(Reduced, shr3cong::State& state, double* out, std::size_t n);
+void fillStreaming(Full, shr3cong::State& state, double* out, std::size_t n);
+
 }  // namespace tfl_rng::shr3cong_kernel

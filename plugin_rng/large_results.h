@@ -1,0 +1,19 @@
+#pragma once
+
+// How the draws of a request are written: past the caches where the whole result does not fit them.
+
+#include <cstddef>
+
+namespace plugin_rng {
+
+// Doubles of a result that is written past the caches: 32 MiB, what a core has of the last-level
+// cache on most machines, and more than is left of it for results.
+inline constexpr std::size_t kLeastStreamed = std::size_t{1} << 22;
+
+// Draws out[0, n), a part of a result of `total` doubles.
+template <class Core>
+void drawPart(Core& core, double* out, std::size_t n, std::size_t total) {
+  total >= kLeastStreamed ? core.randuStreaming(out, n) : core.randu(out, n);
+}
+
+}  // namespace plugin_rng
