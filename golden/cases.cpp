@@ -1,12 +1,12 @@
 #include "golden/cases.h"
 
 #include <cmath>
-#include <cstring>
 #include <iterator>
 #include <string>
 #include <vector>
 
 #include "embedded_host/array.h"
+#include "rng/element_bits.h"
 #include "rng/ziggurat_tables.h"
 #include "runtime/vm.h"
 #include "tfl_rng/core_ziggurat_tables.h"
@@ -205,32 +205,13 @@ void computeLibrary(TakeRow const& take) {
   takeElements(take, "ziggurat128-height", tables.height);
 }
 
-template <class Word>
-std::uint64_t loadWord(unsigned char const* from) {
-  Word word;
-  std::memcpy(&word, from, sizeof word);
-  return word;
-}
-std::uint64_t loadWord(unsigned char const* from, std::size_t bytes) {
-  switch (bytes) {
-    case 1:
-      return *from;
-    case 2:
-      return loadWord<std::uint16_t>(from);
-    case 4:
-      return loadWord<std::uint32_t>(from);
-    default:
-      return loadWord<std::uint64_t>(from);
-  }
-}
-
 }  // namespace
 
 void Hash::add(void const* elements, std::size_t count, std::size_t elementBytes) {
   auto const* from = static_cast<unsigned char const*>(elements);
   std::uint64_t value = value_;
   for (std::size_t i = 0; i < count; ++i, from += elementBytes) {
-    std::uint64_t word = loadWord(from, elementBytes);
+    std::uint64_t word = element_bits::load(from, elementBytes);
     for (std::size_t byte = 0; byte < elementBytes; ++byte, word >>= 8)
       value = (value ^ (word & 255)) * 0x100'0000'01B3;
   }

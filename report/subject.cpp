@@ -36,16 +36,13 @@ constexpr Traits kTraits[] = {
 };
 constexpr Traits kUnknown{"", 52, 0, {0, 0, 0}, kMinimalStandard, kSeam256};
 
-struct Family {
+struct Spelling {
   char const* name;
-  char const* otherSpelling;
-  bool hasSubstreams;
+  char const* other;
 };
-constexpr bool kSingle = false;
-constexpr bool kSubstreams = true;
-constexpr Family kFamilies[] = {
+constexpr Spelling kSpellings[] = {
 #define TFL_GENERATOR(name, core, otherSpelling, family, stateClass, stateLen, normals, period) \
-  {#name, otherSpelling, k##family},
+  {#name, otherSpelling},
 #include "tfl_rng/generators.def"
 #undef TFL_GENERATOR
 };
@@ -78,15 +75,14 @@ Subject subjectNamed(std::string_view name, std::uint32_t seed) {
   std::string const asked(name);
   // Refuses unknown names; what is known is found under the canonical one.
   std::unique_ptr<randstream> const first(mrCreateRNGStream(asked.c_str(), 1, 0, seed, nullptr, 0));
-  auto const* const family = std::ranges::find_if(kFamilies, [&](Family const& f) {
-    return strcasecmp(f.name, asked.c_str()) == 0 ||
-           strcasecmp(f.otherSpelling, asked.c_str()) == 0;
+  auto const* const spelling = std::ranges::find_if(kSpellings, [&](Spelling const& s) {
+    return strcasecmp(s.name, asked.c_str()) == 0 || strcasecmp(s.other, asked.c_str()) == 0;
   });
   Subject subject;
-  subject.name = family->name;
+  subject.name = spelling->name;
   subject.seed = seed;
   subject.traits = traitsOf(subject.name);
-  subject.hasSubstreams = family->hasSubstreams;
+  subject.hasSubstreams = first->hasSubstreams();
   subject.make = [type = subject.name, several = subject.hasSubstreams](std::uint32_t ofSeed,
                                                                         std::uint64_t stream) {
     return std::shared_ptr<randstream>(

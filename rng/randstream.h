@@ -64,6 +64,9 @@ class TV_EXPORT randstream {
   unsigned int seed() const noexcept { return seed_; }
   // Whether a normal of the Polar method waits for the next call.
   bool pendingNormal() const noexcept { return pendingNormalValid_; }
+  // Whether the generator has substreams, and jumps instead of drawing when it advances.
+  bool hasSubstreams() const noexcept { return substreamView_ != nullptr; }
+  bool canJump() const noexcept { return jumpView_ != nullptr; }
   unsigned long numStreams() const noexcept { return numStreams_; }
   unsigned long streamIndex() const noexcept { return streamIndex_; }  // from 0
   bool antithetic() const noexcept { return antithetic_; }

@@ -6,13 +6,13 @@
 #include <charconv>
 #include <cmath>
 #include <cstdint>
-#include <cstring>
 #include <memory>
 #include <optional>
 #include <tuple>
 
 #include "errors/keys.h"
 #include "plugin_rng/legacy_plugin.h"
+#include "rng/element_bits.h"
 #include "rng/mr_functions.h"
 #include "rng/state_components.h"
 #include "rng/stream_factory.h"
@@ -62,43 +62,6 @@ std::optional<T> toNumber(std::string_view text, int base = 10) {
 // A number of exactly `bytes` bytes in hexadecimal digits.
 std::optional<std::uint64_t> fromHex(std::string_view text, std::size_t bytes) {
   return text.size() == 2 * bytes ? toNumber<std::uint64_t>(text, 16) : std::nullopt;
-}
-
-// The bits of an element, whatever the machine's byte order.
-template <class Word>
-std::uint64_t loadWord(void const* from) {
-  Word word;
-  std::memcpy(&word, from, sizeof word);
-  return word;
-}
-template <class Word>
-void storeWord(void* to, std::uint64_t bits) {
-  Word const word = static_cast<Word>(bits);
-  std::memcpy(to, &word, sizeof word);
-}
-std::uint64_t loadElement(void const* from, std::size_t bytes) {
-  switch (bytes) {
-    case 1:
-      return loadWord<std::uint8_t>(from);
-    case 2:
-      return loadWord<std::uint16_t>(from);
-    case 4:
-      return loadWord<std::uint32_t>(from);
-    default:
-      return loadWord<std::uint64_t>(from);
-  }
-}
-void storeElement(void* to, std::size_t bytes, std::uint64_t bits) {
-  switch (bytes) {
-    case 1:
-      return storeWord<std::uint8_t>(to, bits);
-    case 2:
-      return storeWord<std::uint16_t>(to, bits);
-    case 4:
-      return storeWord<std::uint32_t>(to, bits);
-    default:
-      return storeWord<std::uint64_t>(to, bits);
-  }
 }
 
 // The lines of a snapshot whose version and checksum fit, from the second on.
@@ -217,7 +180,7 @@ void appendComponent(std::string& text, StateClass const& elementClass, std::siz
   std::size_t const perLine = kLineBytes / elementClass.bytes;
   for (std::size_t i = 0; i < length; ++i) {
     text += i % perLine == 0 ? '\n' : ' ';
-    text += toHex(loadElement(elements + i * elementClass.bytes, elementClass.bytes),
+    text += toHex(element_bits::load(elements + i * elementClass.bytes, elementClass.bytes),
                   elementClass.bytes);
   }
   text += '\n';
@@ -235,7 +198,7 @@ void readComponent(Lines& lines, StateClass const& elementClass, std::size_t len
       std::size_t const size = std::min(line.size(), 2 * elementClass.bytes);
       auto const bits = fromHex(line.substr(0, size), elementClass.bytes);
       if (!bits) lines.refuse();
-      storeElement(elements + i * elementClass.bytes, elementClass.bytes, *bits);
+      element_bits::store(elements + i * elementClass.bytes, elementClass.bytes, *bits);
       line.remove_prefix(size);
       if (i + 1 == end ? !line.empty() : !line.starts_with(' ')) lines.refuse();
       if (!line.empty()) line.remove_prefix(1);

@@ -1,7 +1,6 @@
 #include "shell/long_advance.h"
 
 #include <fmt/format.h>
-#include <strings.h>
 
 #include <algorithm>
 #include <cmath>
@@ -22,27 +21,6 @@ namespace {
 constexpr std::uint64_t kLong = std::uint64_t{1} << 24;
 constexpr std::uint64_t kBlock = std::uint64_t{1} << 20;
 
-struct Row {
-  char const* name;
-  char const* otherSpelling;
-  bool jumps;
-};
-constexpr bool kSingle = false;
-constexpr bool kSubstreams = true;
-constexpr Row kRows[] = {
-#define TFL_GENERATOR(name, core, otherSpelling, family, stateClass, stateLen, normals, period) \
-  {#name, otherSpelling, k##family},
-#include "tfl_rng/generators.def"
-#undef TFL_GENERATOR
-};
-
-bool canJump(randstream const& stream) {
-  return std::ranges::any_of(kRows, [&](Row const& row) {
-    return row.jumps && (strcasecmp(row.name, stream.generatorType()) == 0 ||
-                         strcasecmp(row.otherSpelling, stream.generatorType()) == 0);
-  });
-}
-
 }  // namespace
 
 bool advancedSlowly(int nrhs, txArray const** prhs) {
@@ -57,7 +35,7 @@ bool advancedSlowly(int nrhs, txArray const** prhs) {
     return false;
   }
   randstream& stream = *mrGetCPPRandStreamFromTxArray(prhs[0]);
-  if (canJump(stream)) return false;
+  if (stream.canJump()) return false;
   std::vector<unsigned char> before(stream.getStateBufLen());
   stream.getStateBuf(before.data(), before.size());
   auto const n = static_cast<std::uint64_t>(wanted);
