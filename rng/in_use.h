@@ -1,7 +1,10 @@
 #pragma once
 
 // At the head of every operation of a stream: builds with assertions end the program, with a
-// message, when a second thread comes in. In other builds nothing of this remains.
+// message, when a thread comes in while another one changes the stream. In other builds nothing of
+// this remains.
+
+#include <optional>
 
 #include "rng/randstream.h"
 
@@ -10,13 +13,17 @@ class TV_LOCAL randstream::InUse {
 #ifdef NDEBUG
   explicit InUse(randstream const& /*stream*/) noexcept {}
 #else
-  explicit InUse(randstream const& stream) noexcept : stay_(stream.user_) {
-    if (!stay_.isAlone()) endProgram(stream);
+  explicit InUse(randstream& stream) noexcept {
+    if (!stay_.emplace(stream.user_).isAlone()) endProgram(stream);
+  }
+  // Of operations that leave the stream as it is.
+  explicit InUse(randstream const& stream) noexcept {
+    if (!stream.user_.mayRead()) endProgram(stream);
   }
 
  private:
   [[noreturn]] static void endProgram(randstream const& stream) noexcept;
 
-  OneUser::Stay stay_;
+  std::optional<OneUser::Stay> stay_;
 #endif
 };

@@ -1,14 +1,15 @@
 #pragma once
 
-// Finds out when an object that one thread may use at a time is used by two.
+// Finds out when an object that one thread may change at a time is used by two. Threads that only
+// read may be as many as they like.
 
 #include <atomic>
 #include <cstdint>
 
 class OneUser {
  public:
-  // A thread's stay inside the object, from call to return; stays of one thread may nest. A stay
-  // that finds another thread inside is not alone, and leaves no trace.
+  // A changing thread's stay inside the object, from call to return; stays of one thread may nest.
+  // A stay that finds another thread inside is not alone, and leaves no trace.
   class Stay {
    public:
     explicit Stay(OneUser& object) noexcept : object_(object) {
@@ -30,6 +31,12 @@ class OneUser {
     bool isFirst_;
     bool isAlone_;
   };
+
+  // For a thread that reads: that no other one is inside.
+  bool mayRead() const noexcept {
+    std::uint32_t const inside = inside_.load(std::memory_order_relaxed);
+    return inside == kNobody || inside == threadNumber();
+  }
 
  private:
   static constexpr std::uint32_t kNobody = 0;

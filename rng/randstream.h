@@ -150,7 +150,7 @@ class TV_EXPORT randstream {
   NormalGenerator normalGenerator_ = &randstream::randnZiggurat;
   char randnAlg_[kNameSize];
   bool pendingNormalValid_ = false;
-  mutable OneUser user_;  // in all builds, so that they lay streams out alike
+  OneUser user_;  // in all builds, so that they lay streams out alike
   double pendingNormal_ = 0;
 };
 

@@ -18,11 +18,17 @@ using testing_support::ScriptedPlugin;
 TEST(OneUser, StaysOfOneThreadNestAndASecondThreadIsNotAlone) {
   OneUser object;
   const auto isAloneElsewhere = [&] {
-    return std::async(std::launch::async, [&] { return OneUser::Stay(object).isAlone(); }).get();
+    return std::async(std::launch::async,
+                      [&] {
+                        EXPECT_EQ(OneUser::Stay(object).isAlone(), object.mayRead());
+                        return object.mayRead();
+                      })
+        .get();
   };
   {
     const OneUser::Stay outer(object);
     EXPECT_TRUE(OneUser::Stay(object).isAlone());
+    EXPECT_TRUE(object.mayRead());
     EXPECT_FALSE(isAloneElsewhere());
     EXPECT_FALSE(isAloneElsewhere()) << "the end of a nested or of a refused stay ends no other";
   }
