@@ -13,6 +13,7 @@ cd "$(dirname "$0")/.."
 tools/install_packages.sh build coverage
 
 tree=out/coverage
+mkdir -p out
 folders="tfl_rng errors plugin_rng rng vmstate builtins embedded_host runtime language shell"
 least=95
 
