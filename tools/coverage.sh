@@ -4,9 +4,9 @@
 #   tools/coverage.sh          the table by folder, and the lines that no test runs in
 #                              out/coverage/uncovered.txt
 #
-# Builds in out/coverage without optimisation, the kernels for AVX2 alone, and runs all tests but
-# those of packages and long programs. Fails below 95 % of the lines. Takes about half an hour of one
-# core.
+# Builds in out/coverage with -O1, the kernels for AVX2 alone, and runs all tests but that of the
+# exported symbols, to which the counters add their own. Fails below 95 % of the lines. Takes about
+# half an hour of one core.
 set -eu
 
 cd "$(dirname "$0")/.."
@@ -18,11 +18,11 @@ folders="tfl_rng errors plugin_rng rng vmstate builtins embedded_host runtime la
 least=95
 
 cmake -S . -B $tree -G Ninja -DCMAKE_BUILD_TYPE=Coverage -DTV_WERROR=OFF \
-  -DCMAKE_CXX_FLAGS="-O0 --coverage -fprofile-update=atomic -march=haswell -DHWY_COMPILE_ONLY_STATIC" \
+  -DCMAKE_CXX_FLAGS="-O1 --coverage -fprofile-update=atomic -march=haswell -DHWY_COMPILE_ONLY_STATIC" \
   >$tree.log
 ninja -C $tree >>$tree.log
 find $tree -name '*.gcda' -delete
-ctest --test-dir $tree -j "$(nproc)" >>$tree.log || { tail -n 20 $tree.log; exit 1; }
+ctest --test-dir $tree -j "$(nproc)" -E '^exported_symbols$' >>$tree.log || { tail -n 20 $tree.log; exit 1; }
 
 filters=
 for folder in $folders; do filters="$filters --filter $folder/"; done
