@@ -5,6 +5,8 @@
 #include <hwy/foreach_target.h>  // IWYU pragma: keep
 #include <hwy/highway.h>
 
+#include "tfl_rng/kernels/layer_edges-inl.h"
+
 HWY_BEFORE_NAMESPACE();
 namespace ziggurat::HWY_NAMESPACE {
 
@@ -24,30 +26,9 @@ constexpr hn::Rebind<std::int32_t, decltype(f64)> i32;
 using Doubles = hn::Vec<decltype(f64)>;
 constexpr std::size_t kLanes = hn::MaxLanes(f64);
 
-// The edges kX[layer] and kX[layer + 1] of each candidate's layer: neighbours, loaded as a pair.
-struct Edges {
-  Doubles left, right;
-};
-
-HWY_INLINE auto pairAt(std::int32_t layer) {
-  return hn::LoadU(hn::CappedTag<double, 2>(), kX.data() + layer);
-}
-
-template <class D>
-HWY_INLINE Edges edges(D d, std::int32_t const* layers) {
-  const auto first = pairAt(layers[0]);
-  const auto second = pairAt(layers[1]);
-  if constexpr (hn::MaxLanes(d) == 2) {
-    return {hn::InterleaveLower(first, second), hn::InterleaveUpper(d, first, second)};
-  } else {
-    const auto even = hn::Combine(d, pairAt(layers[2]), first);
-    const auto odd = hn::Combine(d, pairAt(layers[3]), second);
-    return {hn::InterleaveLower(even, odd), hn::InterleaveUpper(d, even, odd)};
-  }
-}
-
 std::size_t run(double const* uniforms, std::size_t most, double* out) {
   HWY_ALIGN std::int32_t layers[kLanes];
+  const auto layerOf = [&](std::size_t lane) HWY_ATTR { return layers[lane]; };
   std::size_t i = 0;
   for (; i + kLanes <= most; i += kLanes) {
     const Doubles a = hn::LoadU(f64, uniforms + 2 * i);
@@ -55,7 +36,7 @@ std::size_t run(double const* uniforms, std::size_t most, double* out) {
     const Doubles u0 = hn::ConcatEven(f64, b, a);
     const Doubles u1 = hn::ConcatOdd(f64, b, a);
     hn::Store(hn::DemoteTo(i32, hn::Mul(u0, hn::Set(f64, kLayers))), i32, layers);
-    const Edges edge = edges(f64, layers);
+    const auto edge = tfl_rng::HWY_NAMESPACE::layerEdges(f64, kX.data(), layerOf);
     const Doubles place = hn::Sub(hn::Add(u1, u1), hn::Set(f64, 1));
     const Doubles x = hn::Mul(place, edge.right);
     const auto outside = hn::Not(hn::Le(hn::Abs(x), edge.left));

@@ -5,6 +5,8 @@
 #include <hwy/foreach_target.h>  // IWYU pragma: keep
 #include <hwy/highway.h>
 
+#include "tfl_rng/kernels/layer_edges-inl.h"
+
 HWY_BEFORE_NAMESPACE();
 namespace tfl_rng::ziggurat::HWY_NAMESPACE {
 
@@ -30,35 +32,14 @@ HWY_INLINE Longs mantissa(Bits52, Longs bits) {
   return hn::And(bits, hn::Set(u64, Bits52::kMagnitude));
 }
 
-// The edges kX[layer] and kX[layer + 1] of each candidate's layer: neighbours, loaded as a pair.
-struct Edges {
-  Doubles left, right;
-};
-
-HWY_INLINE auto pairAt(std::uint64_t bits) {
-  return hn::LoadU(hn::CappedTag<double, 2>(), kX + (bits & 255));
-}
-
-template <class D>
-HWY_INLINE Edges edges(D d, std::uint64_t const* values) {
-  const auto first = pairAt(values[0]);
-  const auto second = pairAt(values[1]);
-  if constexpr (hn::MaxLanes(d) == 2) {
-    return {hn::InterleaveLower(first, second), hn::InterleaveUpper(d, first, second)};
-  } else {
-    const auto even = hn::Combine(d, pairAt(values[2]), first);
-    const auto odd = hn::Combine(d, pairAt(values[3]), second);
-    return {hn::InterleaveLower(even, odd), hn::InterleaveUpper(d, even, odd)};
-  }
-}
-
 template <class Layout>
 HWY_INLINE std::size_t run(std::uint64_t const* values, double* out, std::size_t n) {
   const std::size_t lanes = hn::Lanes(u64);
   std::size_t i = 0;
   for (; i + lanes <= n; i += lanes) {
     const Longs bits = hn::LoadU(u64, values + i);
-    const Edges edge = edges(f64, values + i);
+    const auto layerOf = [&](std::size_t lane) HWY_ATTR { return values[i + lane] & 255; };
+    const auto edge = tfl_rng::HWY_NAMESPACE::layerEdges(f64, kX, layerOf);
     const Longs oneAndU = hn::Or(mantissa(Layout{}, bits), hn::Set(u64, kExponentOfOne));
     const Doubles u = hn::Sub(hn::BitCast(f64, oneAndU), hn::Set(f64, Layout::kOffset));
     const Doubles x = hn::Mul(u, edge.right);
