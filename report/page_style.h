@@ -121,7 +121,7 @@ td.n { text-align: right; }
 @media print {
   :root { --paper: #fff; }
   body { font-size: 10.5pt; } .page { display: block; padding: 0; } nav { position: static; }
-  nav ul { columns: 2; } section.plot { break-inside: avoid; }
+  nav ul { columns: 2; } h2 { break-after: avoid; } section.plot { break-inside: avoid; }
   .wide { display: block; } .narrow { display: none; }
 }
 @media (prefers-reduced-motion: reduce) { html { scroll-behavior: auto; } }
