@@ -15,7 +15,7 @@ void checkReach(txArray const& value, Subscripts const& subscripts, Shape const&
     raiseFault(
         "bounds",
         "Index " + index + " is beyond the end: " +
-            (linear ? "the array has " + std::to_string(extents[d]) + " elements."
+            (linear ? "the array has " + elementCountText(extents[d]) + "."
                     : "dimension " + std::to_string(d + 1) + " of " + sizeText(value.dims()) +
                           " has " + std::to_string(extents[d]) + "."),
         "", subscripts[d].position());

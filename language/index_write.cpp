@@ -27,6 +27,10 @@ txClassID jointClass(txArray const& target, txArray const& value) {
     std::array<txArrayPtr, 2> const samples{sample(a.classID()), sample(b.classID())};
     return concatenate(samples, 1)->classID();
   }
+  if (b.classID() == txClassCell) {
+    raiseFault("cells", "A cell does not fit into a " + describe(a) + ".",
+               "braces take what it holds: c{1}");
+  }
   return b.classID();
 }
 
@@ -146,8 +150,9 @@ void checkValueFits(Subscripts const& subscripts, Shape const& extents, txArray 
                                            : withoutOnes(selected) == withoutOnes(shapeOf(value));
   if (!fits) {
     raiseFault("sizes", "A " + sizeText(value.dims()) + " value does not fit into " +
-                            (subscripts.size() == 1 ? std::to_string(count) + " elements."
-                                                    : sizeText(selected) + " elements."));
+                            (subscripts.size() == 1 ? elementCountText(count)
+                                                    : sizeText(selected) + " elements") +
+                            ".");
   }
 }
 

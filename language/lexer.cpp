@@ -403,11 +403,4 @@ class Lexer {
 
 std::vector<Token> tokenize(std::string_view source) { return Lexer(source).run(); }
 
-bool isKeyword(std::string_view word) {
-  for (auto const& [keyword, kind] : kKeywords) {
-    if (word == keyword) return true;
-  }
-  return false;
-}
-
 }  // namespace language

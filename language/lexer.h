@@ -14,7 +14,4 @@ namespace language {
 // UTF-8, malformed numbers, too long a source.
 std::vector<Token> tokenize(std::string_view source);
 
-// True for names that a variable cannot have.
-bool isKeyword(std::string_view word);
-
 }  // namespace language

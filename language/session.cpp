@@ -38,14 +38,6 @@ void Session::run(std::string_view source) {
   Evaluator(*this).run(program);
 }
 
-txArrayPtr Session::call(std::string_view name, std::span<txArray const* const> arguments) {
-  txArrayPtr result[1];
-  if (!embedded_host::dispatch(name, 1, result, arguments)) {
-    raiseFault("unknownName", "There is no function '" + std::string(name) + "'.");
-  }
-  return std::move(result[0]);
-}
-
 txArray const* Session::variable(std::string_view name) const {
   auto const found = variables_.find(name);
   return found == variables_.end() ? nullptr : found->second.get();

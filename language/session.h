@@ -44,10 +44,6 @@ class Session {
   // have taken effect.
   void run(std::string_view source);
 
-  // Calls the function (method, constructor) that `name` means and returns its first result; null
-  // when it has none. The host's errors reach the caller as they are.
-  txArrayPtr call(std::string_view name, std::span<txArray const* const> arguments);
-
   Variables const& variables() const noexcept { return variables_; }
   // Null when there is none.
   txArray const* variable(std::string_view name) const;

@@ -21,11 +21,11 @@ std::string indexText(double value) {
 
 Subscript::Subscript(txArray const* index, int position) : whole_(!index), position_(position) {
   if (!index) return;
+  if (isScalarText(*index) && utf8Of(*index) == ":") {
+    whole_ = true;
+    return;
+  }
   if (!hasElements(index->classID()) || index->isComplex()) {
-    if (index->isText() && isScalarText(*index) && utf8Of(*index) == ":") {
-      whole_ = true;
-      return;
-    }
     badIndex("A " + describe(*index) + " is no index.", position);
   }
   txArrayPtr const full = txToFull(*index);

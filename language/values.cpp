@@ -20,7 +20,11 @@ std::string sizeText(Dims dims) {
 }
 
 std::string describe(txArray const& value) {
-  return sizeText(value.dims()) + ' ' + classText(value);
+  return sizeText(value.dims()) + (value.isComplex() ? " complex " : " ") + classText(value);
+}
+
+std::string elementCountText(std::uint64_t count) {
+  return std::to_string(count) + (count == 1 ? " element" : " elements");
 }
 
 bool sameDims(txArray const& a, txArray const& b) { return std::ranges::equal(a.dims(), b.dims()); }

@@ -28,6 +28,7 @@ std::string classText(txArray const& value);
 std::string sizeText(Dims dims);
 // "2x3 double"
 std::string describe(txArray const& value);
+std::string elementCountText(std::uint64_t count);  // "1 element", "3 elements"
 
 inline Shape shapeOf(txArray const& value) { return {value.dims().begin(), value.dims().end()}; }
 bool sameDims(txArray const& a, txArray const& b);
