@@ -1,6 +1,7 @@
 #include "shell/completion.h"
 
 #include <algorithm>
+#include <functional>
 
 #include "embedded_host/object_system.h"
 #include "embedded_host/text.h"
@@ -86,6 +87,9 @@ Completion complete(std::string_view line, language::Session const& session) {
            !embedded_host::equalIgnoringAsciiCase(std::string_view(name).substr(0, word.size()),
                                                   word);
   });
+  // Where some are spelled as they were typed, the others are not meant.
+  auto const asTyped = [&](std::string const& name) { return name.starts_with(word); };
+  if (std::ranges::any_of(candidates, asTyped)) std::erase_if(candidates, std::not_fn(asTyped));
   std::sort(candidates.begin(), candidates.end());
   candidates.erase(std::unique(candidates.begin(), candidates.end()), candidates.end());
   completion.words = std::move(candidates);

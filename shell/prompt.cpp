@@ -56,6 +56,7 @@ int runPrompt(Interpreter& interpreter, bool greet) {
       }
       interpreter.run(source);  // tells what is missing
       source.clear();
+      typed.clear();
       continue;
     }
     if (input == LineSource::Input::cancelled) {
