@@ -163,6 +163,7 @@ struct Row {
 std::vector<Row> rowsOf(std::vector<Source> const& sources, Options const& options,
                         Expected expected) {
   std::vector<Row> rows;
+  rows.reserve(sources.size());
   for (Source const& source : sources)
     rows.push_back({source.name,
                     [source, options] { return testUniforms(source, options.seed, options.log2); },

@@ -102,7 +102,7 @@ py::object randomRaw(BitGenerator const& self, py::object const& size) {
     Stream::Use const use(stream);
     return py::int_(nextUint64(&*use));
   }
-  py::object const array = py::module_::import("numpy").attr("empty")(size, "uint64");
+  py::object array = py::module_::import("numpy").attr("empty")(size, "uint64");
   auto values = py::reinterpret_borrow<py::array_t<std::uint64_t>>(array);
   std::uint64_t* const out = values.mutable_data();
   auto const n = static_cast<std::size_t>(values.size());

@@ -3,6 +3,7 @@
 #include <pybind11/pybind11.h>
 
 #include <new>
+#include <utility>
 
 #include "host/messages.h"
 
@@ -82,7 +83,7 @@ void setPythonError() noexcept {
 void registerErrors() {
   py::register_local_exception_translator([](std::exception_ptr thrown) {
     try {
-      std::rethrow_exception(thrown);
+      std::rethrow_exception(std::move(thrown));
     } catch (...) {
       if (!setIfOurs()) throw;
     }

@@ -19,7 +19,8 @@ double fixedPoints(std::span<double const> sample, std::size_t n) {
     ++counts[fixed];
   }
   // k fixed points: 1/k! times the sum of (-1)^j / j! for j from 0 to n - k.
-  auto const permutations = static_cast<double>(sample.size() / n);
+  std::size_t const whole = sample.size() / n;
+  auto const permutations = static_cast<double>(whole);
   std::vector<double> expected(n + 1);
   double overFactorial = 1;
   for (std::size_t k = 0; k <= n; ++k) {
