@@ -9,12 +9,16 @@ import pathlib
 import pty
 import re
 import select
+import signal
 import sys
 import tempfile
+import termios
+import time
 import unittest
 
 TVRNG = ""
 SECONDS = 60
+LOCAL_MODES = 3  # of the attributes of a terminal
 ESCAPE = re.compile(rb"\x1b(\[[0-9;?]*[A-Za-z]|[=>])")
 
 
@@ -31,7 +35,17 @@ class Session:
         self.expect("Ctrl-D leaves.")
 
     def type(self, text):
-        os.write(self.terminal, text.encode())
+        """Types at the prompt, as soon as the editor reads keys itself."""
+        limit = time.monotonic() + SECONDS
+        while termios.tcgetattr(self.terminal)[LOCAL_MODES] & termios.ICANON:
+            if time.monotonic() > limit:
+                raise AssertionError(f"no prompt came, but {self.unread.decode()!r}")
+            time.sleep(0.001)
+        return self.press(text)
+
+    def press(self, keys):
+        """Types at once, whatever goes on."""
+        os.write(self.terminal, keys.encode())
         return self
 
     def expect(self, text):
@@ -50,7 +64,15 @@ class Session:
         return self
 
     def end(self):
-        _, status = os.waitpid(self.process, 0)
+        """The exit status, negative when tvrng had to be killed."""
+        limit = time.monotonic() + SECONDS
+        ended, status = os.waitpid(self.process, os.WNOHANG)
+        while ended == 0 and time.monotonic() < limit:
+            time.sleep(0.01)
+            ended, status = os.waitpid(self.process, os.WNOHANG)
+        if ended == 0:
+            os.kill(self.process, signal.SIGKILL)
+            _, status = os.waitpid(self.process, 0)
         os.close(self.terminal)
         return os.waitstatus_to_exitcode(status)
 
@@ -61,7 +83,8 @@ class Terminal(unittest.TestCase):
         self.session = Session(self.home.name)
 
     def tearDown(self):
-        self.session.type("\x03exit\n")
+        self.session.press("\x03")
+        self.session.type("exit\n")
         self.session.end()
         self.home.cleanup()
 
@@ -91,7 +114,7 @@ class Terminal(unittest.TestCase):
         session.type("6*7\x03").expect("^C").type("1+1\n").expect("ans = 2")
         session.type("for k = 1:2\n").expect(". ").type("\x03").expect("^C")
         session.type("2+3\n").expect("ans = 5")
-        session.type("print('on'), while true, end\n").expect("\non").type("\x03")
+        session.type("print('on'), while true, end\n").expect("\non").press("\x03")
         session.expect("TALVOR:language:interrupted")
 
     def test_commands_without_parentheses(self):
