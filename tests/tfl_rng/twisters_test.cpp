@@ -85,6 +85,20 @@ TEST(Mt19937ar, PublishedDoubles) {
       }));
 }
 
+// An odd number of words in the other precision mode first, so that one double's words lie in two
+// batches.
+TEST(Mt19937ar, DoubleOfTwoBatches) {
+  auto core = seeded<mt19937ar>(42, false);
+  std::mt19937 words(42);
+  words.discard(draw(core, 623).size());
+  core.setFullPrecision(true);
+  for (double u : draw(core, 400)) {
+    const std::uint64_t high = words() >> 5;
+    const std::uint64_t low = words() >> 6;
+    ASSERT_EQ(u, static_cast<double>(high << 26 | low) * 0x1p-53);
+  }
+}
+
 TEST(Mt19937ar, SeedZeroIsThePublishedDefault) {
   EXPECT_EQ(mt19937ar(0, true).state(), mt19937ar::seeded(5489));
   mt19937ar core(7, true);
