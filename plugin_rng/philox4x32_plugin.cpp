@@ -1,5 +1,6 @@
 // State: seven 32-bit words, the counter (4, low word first), the key (2, low word first) and the
-// position. All zero is refused; of the position the lowest bit is taken.
+// position. All zero is refused; of the position the lowest bit is taken, so that zero words with
+// another even position make the one state that is read but cannot be set.
 
 #include "tfl_rng/philox4x32.h"
 

@@ -1,6 +1,7 @@
 // State: seventeen 32-bit words, the counter and the key (four 64-bit words each, low word first,
 // of each the high half first) and the position. All zero is refused; of the position the two
-// lowest bits are taken.
+// lowest bits are taken, so that zero words with another multiple of four make the one state that
+// is read but cannot be set.
 
 #include "tfl_rng/threefry4x64.h"
 
