@@ -108,7 +108,7 @@ extern "C" int LLVMFuzzerTestOneInput(std::uint8_t const* data, std::size_t size
   }
   StateBytes const kept = fuzz::stateOf(*first);
   // Accepted with a position that counts as 0: the one state that is read but cannot be set.
-  if (std::ranges::all_of(kept, [](auto byte) { return byte == decltype(byte){}; })) return 0;
+  if (std::ranges::all_of(kept, [](std::uint8_t byte) { return byte == 0; })) return 0;
   std::vector<double> const drawn = drawAsChosen(*first, choices, sizes);
   StateBytes const after = fuzz::stateOf(*first);
 

@@ -5,7 +5,6 @@
 #include <csignal>
 #include <string>
 
-#include "language/interrupt.h"
 #include "shell/line_source.h"
 #include "shell/terminal.h"
 
@@ -50,7 +49,6 @@ int runPrompt(Interpreter& interpreter, bool greet) {
     std::fflush(stdout);
     std::string line;
     auto const input = lines->read(!source.empty(), line);
-    language::takeInterrupt();  // one that came between two statements ends none
     if (input == LineSource::Input::end) {
       if (source.empty()) {
         if (isatty(STDIN_FILENO)) std::fputc('\n', stdout);

@@ -57,8 +57,8 @@ inline std::span<char const* const> generators() noexcept {
 
 /// A source of random numbers. It belongs to one thread at a time, but for its const functions,
 /// which several may call while none draws; threads that share work take a substream each, see
-/// at_substream(). Numbers of draws are exact and do not depend on how a
-/// request is divided over calls, but for normals made in pairs or by rejection.
+/// at_substream(). Numbers of draws are exact and do not depend on how a request is divided over
+/// calls, but for normals made in pairs or by rejection.
 class Stream {
  public:
   /// The first stream of a generator. Errors: create:UnknownRNGType.

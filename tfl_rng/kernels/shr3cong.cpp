@@ -177,31 +177,21 @@ HWY_INLINE void storeBlock(shr3cong::State const& state, double* out, std::size_
   }
 }
 
-// Whole blocks of out[0, n); what is left.
-template <class Precision, class Results>
-HWY_INLINE std::size_t fillBlocks(shr3cong::State& at, double* out, std::size_t n) {
+template <class Precision, class Results = Cached>
+HWY_INLINE void fillFrom(shr3cong::State& state, double* out, std::size_t n) {
+  shr3cong::State at = state;
   for (; n >= kDraws; n -= kDraws, out += kDraws) {
     storeBlock<Precision, Results>(at, out, kDraws);
     at = after<Precision>(kDraws, at);
   }
-  return n;
-}
-
-// Less than a block.
-template <class Precision>
-HWY_INLINE void fillRest(shr3cong::State& at, double* out, std::size_t n) {
-  if (n < kLeastDraws) return reference::fill(Precision{}, at, out, n);
-  alignas(64) double block[kDraws];
-  storeBlock<Precision>(at, block, n);
-  std::copy_n(block, n, out);
-  at = after<Precision>(n, at);
-}
-
-template <class Precision, class Results = Cached>
-HWY_INLINE void fillFrom(shr3cong::State& state, double* out, std::size_t n) {
-  shr3cong::State at = state;
-  const std::size_t rest = fillBlocks<Precision, Results>(at, out, n);
-  fillRest<Precision>(at, out + n - rest, rest);
+  if (n < kLeastDraws) {
+    reference::fill(Precision{}, at, out, n);
+  } else {
+    alignas(64) double block[kDraws];
+    storeBlock<Precision>(at, block, n);
+    std::copy_n(block, n, out);
+    at = after<Precision>(n, at);
+  }
   state = at;
 }
 
