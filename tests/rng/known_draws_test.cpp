@@ -7,13 +7,14 @@
 #include <memory>
 
 #include "rng/mr_functions.h"
+#include "tests/support/data_folder.h"
 #include "tests/support/known_answers.h"
 
 namespace {
 
 TEST(KnownDraws, ComeFromSeedsOfEveryGeneratorThatHasAFile) {
   std::size_t values = 0;
-  for (auto const& file : std::filesystem::directory_iterator(TV_TEST_DATA "/kat/draws")) {
+  for (auto const& file : std::filesystem::directory_iterator(dataFolder() + "/kat/draws")) {
     std::string const generator = file.path().stem();
     SCOPED_TRACE(generator);
     for (auto const& row : known_answers::rows("kat/draws/" + generator + ".txt")) {

@@ -24,6 +24,7 @@
 #include "builtins/stream_methods.h"
 #include "embedded_host/allocator.h"
 #include "tests/support/calls.h"
+#include "tests/support/data_folder.h"
 #include "tests/support/identifiers.h"
 #include "tests/support/streams.h"
 #include "vmstate/global_stream.h"
@@ -69,8 +70,7 @@ Block withFields(Block block, std::string const& fields) {
 
 std::vector<Block> allBlocks() {
   std::vector<Block> blocks;
-  for (auto const& entry :
-       std::filesystem::directory_iterator(std::string(TV_TEST_DATA) + "/runtime/calls")) {
+  for (auto const& entry : std::filesystem::directory_iterator(dataFolder() + "/runtime/calls")) {
     std::ifstream file(entry.path());
     std::vector<std::pair<Block, std::vector<std::string>>> parts;
     int number = 0;

@@ -10,6 +10,8 @@
 #include <string>
 #include <vector>
 
+#include "tests/support/data_folder.h"
+
 namespace known_answers {
 
 struct Block {
@@ -33,7 +35,7 @@ struct Block {
 
 // The blocks of a file of that path below tests/.
 inline std::vector<Block> readFile(std::string const& path) {
-  std::ifstream file(std::string(TV_TEST_DATA) + "/" + path);
+  std::ifstream file(dataFolder() + "/" + path);
   if (!file) throw std::runtime_error("no data file " + path);
   std::vector<Block> blocks(1);
   for (std::string line; std::getline(file, line);) {
