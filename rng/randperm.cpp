@@ -94,7 +94,8 @@ void shuffleSparse(plugin_rng::IPluginRNG& plugin, double* out, std::size_t k, d
   constexpr std::size_t kDense = 16;
   constexpr double kPositions = 0x1p32;
   if (n <= static_cast<double>(kDense * k) && n <= kPositions) {
-    shuffleFromTop(plugin, out, k, n, DenseShuffle(truncated(n)));
+    // The entry that a fraction of n adds can be drawn too.
+    shuffleFromTop(plugin, out, k, n, DenseShuffle(truncated(std::ceil(n))));
   } else {
     shuffleFromTop(plugin, out, k, n, SparseShuffle(k));
   }

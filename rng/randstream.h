@@ -115,7 +115,9 @@ class TV_EXPORT randstream {
   template <class T>
   void randpermFcn(T* out, unsigned long n);
   // k distinct values of 1..n in random order; T double. Draws n-1 uniforms for k = n, k for
-  // k < n/4, else 2k. Errors: randperm:inputNTooLarge, randperm:inputKTooLarge.
+  // k < n/4, else 2k. Callers refuse an n that is no count: here a fraction is not looked for (its
+  // selections may repeat and reach the integer above n), and a negative n is less than k.
+  // Errors, none for k = 0: randperm:inputNTooLarge, randperm:inputKTooLarge.
   template <class T>
   void randkpermFcn(T* out, unsigned long k, double n);
 

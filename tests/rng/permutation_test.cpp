@@ -1,5 +1,7 @@
 #include <gmock/gmock.h>
 
+#include <array>
+#include <cmath>
 #include <map>
 #include <numeric>
 #include <random>
@@ -63,6 +65,35 @@ TEST_F(Permutation, ShuffleTakesFromTheTop) {
     // The entry moved down is found again after its position was the last one.
     EXPECT_THAT(select(3, n, {(n - 1.5) / n, 0.5 / (n - 1), 0.5 / (n - 2)}),
                 ElementsAre(n - 1, 1, n));
+  }
+}
+
+// The selection's definition: k steps from the top of an array of which only changes are kept.
+std::vector<double> takenFromTop(double n, std::vector<double> const& uniforms) {
+  std::map<double, double> changed;
+  const auto at = [&](double position) {
+    const auto found = changed.find(position);
+    return found == changed.end() ? position : found->second;
+  };
+  std::vector<double> taken;
+  for (const double u : uniforms) {
+    const double target = std::trunc(n * u);
+    taken.push_back(at(target) + 1);
+    changed[target] = at(std::trunc(n - 1));
+    --n;
+  }
+  return taken;
+}
+
+TEST_F(Permutation, FractionalCountReachesTheValueAboveIt) {
+  constexpr double kLast = 1 - 0x1p-53;
+  // Arrays that are written down, and one that is not.
+  for (auto const& [k, n] : {std::pair{99, 400.5}, std::pair{20, 84.9}, std::pair{3, 1000.5}}) {
+    std::vector<double> uniforms(static_cast<std::size_t>(k), kLast);
+    EXPECT_EQ(select(uniforms.size(), n, uniforms)[0], std::ceil(n));
+    for (std::size_t i = 0; i < uniforms.size(); ++i)
+      uniforms[i] = std::array{kLast, 0.25, 1 - 1 / n, kLast, 0x1p-53}[i % 5];
+    EXPECT_EQ(select(uniforms.size(), n, uniforms), takenFromTop(n, uniforms)) << n;
   }
 }
 
