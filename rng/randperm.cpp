@@ -22,7 +22,7 @@ constexpr double kLargestCount = 0x1p53;
 // A result of this size no longer fits the caches, so that scattered accesses pay a prefetch.
 constexpr std::size_t kPrefetchFrom = std::size_t{1} << 19;
 
-// So few uniforms are ordered on the spot, which asks for no memory and so cannot fail.
+// So few uniforms are ordered on the spot, which asks for no memory.
 constexpr std::size_t kFewValues = 32;
 
 std::size_t truncated(double product) {
@@ -129,35 +129,6 @@ void selectSequentially(plugin_rng::IPluginRNG& plugin, double* out, std::size_t
   }
 }
 
-// Takes the stream back to where it stood, unless all went well.
-class Rewind {
- public:
-  explicit Rewind(randstream& stream)
-      : stream_(stream),
-        length_(stream.getStateBufLen()),
-        state_(txMakeBuffer<unsigned char>(length_)) {
-    stream.getStateBuf(state_.get(), length_);
-  }
-  ~Rewind() {
-    if (done_) return;
-    try {
-      stream_.setStateBuf(state_.get(), length_);
-    } catch (...) {
-      // The failure that brought us here is the one to be told.
-    }
-  }
-  Rewind(Rewind const&) = delete;
-  Rewind& operator=(Rewind const&) = delete;
-
-  void allWentWell() noexcept { done_ = true; }
-
- private:
-  randstream& stream_;
-  unsigned long length_;
-  txBuffer<unsigned char> state_;
-  bool done_ = false;
-};
-
 }  // namespace
 
 template <>
@@ -166,12 +137,10 @@ void randstream::randpermFcn(double* out, unsigned long n) {
   if (n <= kFewValues) return orderFew(*plugin_, out, n);
   const std::uint64_t dims[] = {n, 1};
   const txArrayPtr uniforms = txCreateUninitialized(dims, txClassDouble);
-  Rewind rewind(*this);  // the sort asks for memory after the draws
   plugin_->randu(uniforms->dataAs<double>(), n);
   txArrayPtr sorted[2];  // values and positions
   txArray const* const inputs[] = {uniforms.get()};
   mathcoreSortFcn(2, sorted, 1, const_cast<txArray const**>(inputs));
-  rewind.allWentWell();
   std::copy_n(std::as_const(*sorted[1]).dataAs<double>(), n, out);
 }
 

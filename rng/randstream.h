@@ -111,7 +111,8 @@ class TV_EXPORT randstream {
   // up to 32 bits. Draws n uniforms. Errors, also for n = 0: those of checkRandiLimits.
   template <class T>
   void randiFcn(double lo, double hi, T* out, unsigned long n);
-  // A permutation of 1..n: the order of n uniforms. Draws n uniforms.
+  // A permutation of 1..n: the order of n uniforms. Draws n uniforms, also when the host's sort then
+  // fails for lack of memory.
   template <class T>
   void randpermFcn(T* out, unsigned long n);
   // k distinct values of 1..n in random order; T double. Draws n-1 uniforms for k = n, k for

@@ -7,6 +7,7 @@
 #include <random>
 #include <set>
 
+#include "embedded_host/allocator.h"
 #include "rng/mr_functions.h"
 #include "statistics/p_values.h"
 #include "tests/support/identifiers.h"
@@ -47,6 +48,33 @@ TEST_F(Permutation, FullOneIsTheOrderOfItsUniformsTiesInPlace) {
   script.used = 0;
   stream.randpermFcn(out, 5);
   EXPECT_THAT(out, ElementsAre(2, 4, 5, 1, 3)) << "antithetic mode plays no part";
+}
+
+TEST_F(Permutation, FullOneAsksThePluginForItsUniformsAndNothingElse) {
+  // Neither its state nor anything else, however the draw or the sort behind it ends.
+  struct DrawsOnly : ScriptedPlugin {
+    using ScriptedPlugin::ScriptedPlugin;
+    std::size_t getNumStateComponents() const override { throw std::logic_error("asked"); }
+  };
+  randstream sampled("scripted", 0, new DrawsOnly(script), 1, 0);
+  std::vector<double> out(100);
+  script.uniforms.assign(100, 0.5);
+  sampled.randpermFcn(out.data(), 100);
+  EXPECT_EQ(out[99], 100);
+  EXPECT_THROW(sampled.randpermFcn(out.data(), 100), std::out_of_range);
+
+  bool failed = true;
+  for (long request = 1; failed; ++request) {
+    script.used = 0;
+    script.requests.clear();
+    embedded_host::FailingAllocation const failing(request);
+    const std::string error = identifierOf([&] { sampled.randpermFcn(out.data(), 100); });
+    failed = failing.happened();
+    EXPECT_EQ(error, failed ? "TALVOR:nomem" : "no error");
+    EXPECT_LE(script.requests.size(), 1U);
+  }
+  EXPECT_THAT(script.requests, ElementsAre(100));
+  EXPECT_TRUE(script.calls.empty());
 }
 
 TEST_F(Permutation, InsideOutShuffleFollowsItsTargets) {
