@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cmath>
 #include <type_traits>
+#include <utility>
 
 #include "errors/keys.h"
 #include "host/tfl_rng.h"
@@ -125,8 +126,7 @@ void randstream::randnZiggurat(double* buffer, unsigned long n) {
 void randstream::randnPolar(double* buffer, unsigned long n) {
   if (n == 0) return;
   std::size_t slot = 0;
-  if (pendingNormalValid_) buffer[slot++] = pendingNormal_;
-  bool isOneLeft = false;  // told the stream at the end: the plug-in may fail before
+  if (std::exchange(pendingNormalValid_, false)) buffer[slot++] = pendingNormal_;
   Rejections rejections;
   std::size_t next = 0;
   std::size_t end = 0;
@@ -151,10 +151,9 @@ void randstream::randnPolar(double* buffer, unsigned long n) {
       buffer[slot++] = b * m;
     } else {
       pendingNormal_ = b * m;
-      isOneLeft = true;
+      pendingNormalValid_ = true;
     }
   }
-  pendingNormalValid_ = isOneLeft;
 }
 
 void randstream::randnInversion(double* buffer, unsigned long n) {
