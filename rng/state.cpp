@@ -38,26 +38,26 @@ void randstream::getStateComponents(unsigned long count, void* const* dest) cons
   const InUse inUse(*this);
   if (count != getNumStateComponents())
     errors::raise(get::InvalidNumStateComponents(generatorType()));
-  if (count != 0) guarded([&] { plugin_->getStateComponents(dest); });
+  guarded([&] { plugin_->getStateComponents(dest); });
 }
 
 void randstream::setStateComponents(unsigned long count, void const* const* src) {
   const InUse inUse(*this);
   if (count != getNumStateComponents())
     errors::raise(set::InvalidNumStateComponents(generatorType()));
-  if (count != 0) guarded([&] { plugin_->setStateComponents(src); });
+  guarded([&] { plugin_->setStateComponents(src); });
 }
 
 unsigned long randstream::getStateBufLen() const {
   const InUse inUse(*this);
-  return getNumStateComponents() == 0 ? 0 : StateComponents(*this).flatSize();
+  return StateComponents(*this).flatSize();
 }
 
 void randstream::getStateBuf(void* buf, unsigned long len) const {
   const InUse inUse(*this);
   if (len != getStateBufLen()) errors::raise(get::InvalidStateBufLen());
-  if (len == 0) return;
   StateComponents components(*this);
+  if (components.count() == 0) return;
   getStateComponents(components.count(), components.allocate());
   components.copyTo(buf);
 }
@@ -65,8 +65,8 @@ void randstream::getStateBuf(void* buf, unsigned long len) const {
 void randstream::setStateBuf(void const* buf, unsigned long len) {
   const InUse inUse(*this);
   if (len != getStateBufLen()) errors::raise(set::InvalidStateBufLen());
-  if (len == 0) return;
   StateComponents components(*this);
+  if (components.count() == 0) return;
   void* const* const pieces = components.allocate();
   components.copyFrom(buf);
   setStateComponents(components.count(), pieces);

@@ -2,8 +2,8 @@
 
 // Temporary storage for the components of a stream's state, each aligned for its elements.
 
+#include <algorithm>
 #include <cstddef>
-#include <cstring>
 #include <string_view>
 
 #include "host/allocator.h"
@@ -58,12 +58,13 @@ class StateComponents {
   // The flat form of the state: the components' bytes back to back.
   void copyTo(void* flat) const {
     auto* to = static_cast<std::byte*>(flat);
-    for (std::size_t i = 0; i < count_; to += bytesOf(i++)) std::memcpy(to, pieces_[i], bytesOf(i));
+    for (std::size_t i = 0; i < count_; ++i)
+      to = std::copy_n(static_cast<std::byte const*>(pieces_[i]), bytesOf(i), to);
   }
   void copyFrom(void const* flat) {
     auto const* from = static_cast<std::byte const*>(flat);
     for (std::size_t i = 0; i < count_; from += bytesOf(i++))
-      std::memcpy(pieces_[i], from, bytesOf(i));
+      std::copy_n(from, bytesOf(i), static_cast<std::byte*>(pieces_[i]));
   }
 
  private:

@@ -124,8 +124,31 @@ TEST_F(StreamState, NoComponentsMeansAnEmptyBuffer) {
   EXPECT_EQ(empty.getStateBufLen(), 0U);
   empty.setStateBuf(nullptr, 0);
   empty.getStateBuf(nullptr, 0);
-  empty.setStateComponents(0, nullptr);
   EXPECT_TRUE(script.calls.empty());
+}
+
+// A state that has no bytes, in components without elements or none at all, is still the plug-in's
+// to read and to refuse.
+TEST_F(StreamState, EmptyOnesReachThePlugin) {
+  struct Bare : ScriptedPlugin {
+    Bare(Script& script, std::size_t count) : ScriptedPlugin(script), count_(count) {}
+    std::size_t getNumStateComponents() const override { return count_; }
+    void getStateComponentTypes(std::size_t, txClassID* classes,
+                                std::size_t* lengths) const override {
+      std::fill_n(classes, count_, static_cast<txClassID>(uint32State));
+      std::fill_n(lengths, count_, 0);
+    }
+    void getStateComponents(void* const*) const override { script_.calls.push_back("get"); }
+    std::size_t count_;
+  };
+  randstream none("scripted", 0, new Bare(script, 0), 1, 0);
+  none.setStateComponents(0, nullptr);
+  none.getStateComponents(0, nullptr);
+  randstream empty("scripted", 0, new Bare(script, 2), 1, 0);
+  EXPECT_EQ(empty.getStateBufLen(), 0U);
+  empty.setStateBuf(nullptr, 0);
+  empty.getStateBuf(nullptr, 0);
+  EXPECT_THAT(script.calls, ::testing::ElementsAre("setState 0", "get", "setState 0", "get"));
 }
 
 TEST_F(StreamState, RestoringKeepsAPendingPolarValue) {
