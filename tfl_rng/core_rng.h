@@ -25,9 +25,6 @@ class CoreRNG {
   virtual void reset(std::uint32_t seed) = 0;
   // Fills out[0, n) with uniforms in the open interval (0,1). Consumes n draws.
   virtual void randu(double* out, std::size_t n) = 0;
-  // The same for results that no cache will hold: cores that are quicker than the memory behind the
-  // caches write past these.
-  virtual void randuStreaming(double* out, std::size_t n) { randu(out, n); }
 
   bool fullPrecision() const noexcept { return fullPrecision_; }
   void setFullPrecision(bool on) noexcept { fullPrecision_ = on; }

@@ -22,7 +22,8 @@ class mcg16807 final : public CoreNormalRNG {
 
   void reset(std::uint32_t seed) override;
   void randu(double* out, std::size_t n) override;
-  void randuStreaming(double* out, std::size_t n) override;
+  // The same past the caches, for results that these will not hold.
+  void randuStreaming(double* out, std::size_t n);
   // Both normals of each accepted pair, in order. The state has no room for a second value between
   // calls: an odd n drops it.
   void randn(double* out, std::size_t n) override;

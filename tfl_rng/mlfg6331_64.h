@@ -67,7 +67,8 @@ class mlfg6331_64 final : public CoreStreamRNG {
 
   void reset(std::uint32_t seed) override;
   void randu(double* out, std::size_t n) override;
-  void randuStreaming(double* out, std::size_t n) override;
+  // The same past the caches, for results that these will not hold.
+  void randuStreaming(double* out, std::size_t n);
   // Both: cannotComputeState when the state has an even word.
   errorID advance(std::size_t n) override;
   errorID setSubstream(std::size_t index) override;

@@ -55,7 +55,8 @@ class shr3cong final : public CoreNormalRNG {
 
   void reset(std::uint32_t seed) override;
   void randu(double* out, std::size_t n) override;
-  void randuStreaming(double* out, std::size_t n) override;
+  // The same past the caches, for results that these will not hold.
+  void randuStreaming(double* out, std::size_t n);
   void randn(double* out, std::size_t n) override;
 
   State const& state() const noexcept { return state_; }

@@ -33,7 +33,6 @@ struct Counting {
       tbb::task::current_context()->cancel_group_execution();
     }
   }
-  void randuStreaming(double* out, std::size_t n) { randu(out, n); }
 };
 
 constexpr std::size_t kCount = 1000003;
