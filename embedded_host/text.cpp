@@ -1,10 +1,10 @@
 #include "embedded_host/text.h"
 
-#include <algorithm>
 #include <cstdint>
 #include <cstring>
 
 #include "embedded_host/messages.h"
+#include "host/ascii_case.h"
 #include "host/strings.h"
 
 namespace embedded_host {
@@ -63,8 +63,6 @@ void appendUtf8(std::string& text, char32_t code) {
   put(0x80 | (code & 0x3F));
 }
 
-char lowerAscii(char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c; }
-
 }  // namespace
 
 std::u16string utf8ToUtf16(std::string_view utf8) {
@@ -90,8 +88,7 @@ std::string utf16ToUtf8(std::u16string_view utf16) {
 }
 
 bool equalIgnoringAsciiCase(std::string_view a, std::string_view b) noexcept {
-  return std::equal(a.begin(), a.end(), b.begin(), b.end(),
-                    [](char x, char y) { return lowerAscii(x) == lowerAscii(y); });
+  return ascii_case::equal(a, b);
 }
 
 }  // namespace embedded_host

@@ -1,10 +1,9 @@
 #include "plugin_rng/legacy_plugin.h"
 
-#include <strings.h>
-
 #include <algorithm>
 
 #include "errors/keys.h"
+#include "host/ascii_case.h"
 #include "plugin_rng/exchange_halves.h"
 #include "plugin_rng/saved_state.h"
 #include "tfl_rng/convert.h"
@@ -123,7 +122,7 @@ void legacy_plugin::setFullPrecision(bool /*on*/) {
 bool legacy_plugin::setRandnAlg(char const* algorithm) {
   const std::uint32_t selector = generators_.normalSelector;
   const bool matches = (selector == kV4 || selector == kV5) &&
-                       strcasecmp(algorithm ? algorithm : "", normalName(selector)) == 0;
+                       ascii_case::equal(algorithm ? algorithm : "", normalName(selector));
   if (!matches) errors::raise(TALVOR::RandStream::set::LegacyNormalTransform());
   return true;
 }

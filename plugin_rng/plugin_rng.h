@@ -3,12 +3,11 @@
 // The class templates that adapt a core generator to the plug-in interface. A concrete plug-in adds
 // its state format and nothing else.
 
-#include <strings.h>
-
 #include <boost/shared_ptr.hpp>
 #include <memory>
 
 #include "errors/generator_errors.h"
+#include "host/ascii_case.h"
 #include "plugin_rng/interfaces.h"
 #include "plugin_rng/large_results.h"
 #include "tfl_rng/rejection.h"
@@ -47,7 +46,7 @@ class PluginRNGRandn : public PluginRNG<Core, id>, public IPluginRNGRandn {
       : PluginRNG<Core, id>(std::move(generator), length), method_(method) {}
 
   bool setRandnAlg(char const* algorithm) override {
-    return strcasecmp(algorithm ? algorithm : "", method_) == 0;
+    return ascii_case::equal(algorithm ? algorithm : "", method_);
   }
   char const* getDefaultRandnAlg() const override { return method_; }
   void randn(double* out, std::size_t n) override {

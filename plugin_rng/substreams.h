@@ -95,7 +95,7 @@ class PluginRNGInversion : public PluginRNGSubstreams<Core, id>, public IPluginR
         normalSplit_(normalSplit) {}
 
   bool setRandnAlg(char const* algorithm) override {
-    return strcasecmp(algorithm ? algorithm : "", getDefaultRandnAlg()) == 0;
+    return ascii_case::equal(algorithm ? algorithm : "", getDefaultRandnAlg());
   }
   char const* getDefaultRandnAlg() const override { return "Inversion"; }
   void randn(double* out, std::size_t n) override {

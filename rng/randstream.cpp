@@ -1,8 +1,5 @@
 #include "rng/randstream.h"
 
-#include <strings.h>
-
-#include <cctype>
 #include <cstdio>
 #include <cstdlib>
 #include <stdexcept>
@@ -11,6 +8,7 @@
 
 #include "errors/keys.h"
 #include "host/allocator.h"
+#include "host/ascii_case.h"
 #include "host/strings.h"
 #include "rng/chunks.h"
 #include "rng/guard.h"
@@ -123,7 +121,7 @@ void randstream::setRandnAlg(char const* name) {
   if (!native) {
     Method const* found = nullptr;
     for (Method const& method : kMethods)
-      if (!found && strcasecmp(name, method.name) == 0) found = &method;
+      if (!found && ascii_case::equal(name, method.name)) found = &method;
     if (!found) errors::raise(set::UnknownRandnAlg(name));
     generator = found->generator;
   }
@@ -131,7 +129,7 @@ void randstream::setRandnAlg(char const* name) {
   nativeNormals_ = native;
   normalGenerator_ = generator;
   if (name != randnAlg_) utStrncpy(randnAlg_, name, kNameSize - 1);
-  randnAlg_[0] = static_cast<char>(std::toupper(static_cast<unsigned char>(randnAlg_[0])));
+  randnAlg_[0] = ascii_case::upper(randnAlg_[0]);
 }
 
 void randstream::getStreamParameters(streamParamsStruct* p) const {

@@ -1,8 +1,7 @@
 #include "rng/stream_factory.h"
 
-#include <strings.h>
-
 #include "errors/keys.h"
+#include "host/ascii_case.h"
 #include "plugin_rng/factories.h"
 #include "rng/mr_functions.h"
 
@@ -14,7 +13,8 @@ struct Generator {
   plugin_rng::Factory factory;
 
   bool isCalled(char const* type) const {
-    return strcasecmp(type, name) == 0 || (*otherSpelling && strcasecmp(type, otherSpelling) == 0);
+    return ascii_case::equal(type, name) ||
+           (*otherSpelling && ascii_case::equal(type, otherSpelling));
   }
 };
 

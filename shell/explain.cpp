@@ -1,11 +1,11 @@
 #include "shell/explain.h"
 
 #include <fmt/format.h>
-#include <strings.h>
 
 #include <algorithm>
 #include <optional>
 
+#include "host/ascii_case.h"
 #include "report/position.h"
 #include "rng/mr_functions.h"
 #include "shell/counting_view.h"
@@ -50,8 +50,8 @@ std::uint64_t usedUniforms(std::string_view function, randstream const& stream,
                            std::uint64_t values, bool pending, std::uint64_t drawn) {
   if (function != "randn") return drawn;
   std::string_view const method = stream.getRandnAlg();
-  if (strcasecmp(method.data(), "ziggurat") == 0) return 2 * values;
-  if (strcasecmp(method.data(), "polar") == 0) {
+  if (ascii_case::equal(method, "ziggurat")) return 2 * values;
+  if (ascii_case::equal(method, "polar")) {
     std::uint64_t const fresh = values - (pending && values > 0 ? 1 : 0);
     return 2 * ((fresh + 1) / 2);
   }

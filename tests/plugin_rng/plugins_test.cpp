@@ -12,8 +12,10 @@
 
 #include "plugin_rng/exchange_halves.h"
 #include "plugin_rng/large_results.h"
+#include "plugin_rng/legacy_plugin.h"
 #include "tests/support/identifiers.h"
 #include "tests/support/plugins.h"
+#include "tests/support/turkish_locale.h"
 
 namespace {
 
@@ -95,6 +97,18 @@ TEST_P(AnyPlugin, MakesNormalsByItsOwnMethodOnly) {
                            "Polar ", "Ziggurat ", "inversion "})
     EXPECT_EQ(normals->setRandnAlg(name), strcasecmp(name, own.c_str()) == 0) << name;
   EXPECT_FALSE(normals->setRandnAlg(nullptr));
+}
+
+using MethodsInTurkish = TurkishLocale;
+
+TEST_F(MethodsInTurkish, AreComparedInAscii) {
+  for (Generator const& generator : allGenerators()) {
+    if (generator.normals.empty()) continue;
+    std::string capitals = generator.normals;
+    for (char& c : capitals) c = c >= 'a' && c <= 'z' ? static_cast<char>(c - 'a' + 'A') : c;
+    EXPECT_TRUE(Plugin(generator, 1).normals()->setRandnAlg(capitals.c_str())) << generator.name;
+  }
+  EXPECT_TRUE(plugin_rng::legacy_plugin().setRandnAlg("V5 (ZIGGURAT)"));
 }
 
 TEST_P(StreamsPlugin, ReportsItsLimits) {

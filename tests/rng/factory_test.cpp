@@ -2,6 +2,7 @@
 
 #include "rng/mr_functions.h"
 #include "tests/support/identifiers.h"
+#include "tests/support/turkish_locale.h"
 
 namespace {
 
@@ -87,6 +88,20 @@ TEST(FactoryNames, UnknownNamesAreReportedAsGiven) {
   }
   EXPECT_EQ(identifierOf([] { delete mrCreateRNGStream(nullptr, 1, 0, 0, nullptr, 0); }),
             "TALVOR:RandStream:create:UnknownRNGType");
+}
+
+using NamesInTurkish = testing_support::TurkishLocale;
+
+TEST_F(NamesInTurkish, AreComparedAndCapitalisedInAscii) {
+  for (char const* type : {"PHILOX4X32_10", "PHILOX4X32-10", "MLFG6331_64"}) {
+    std::unique_ptr<randstream> const stream(mrCreateRNGStream(type, 1, 0, 0, nullptr, 0));
+    for (char const* method : {"ZIGGURAT", "INVERSION", "Inversion"}) {
+      stream->setRandnAlg(method);
+      EXPECT_STREQ(stream->getRandnAlg(), method);
+    }
+    stream->setRandnAlg("inversion");
+    EXPECT_STREQ(stream->getRandnAlg(), "Inversion");
+  }
 }
 
 }  // namespace
