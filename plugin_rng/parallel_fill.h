@@ -17,6 +17,7 @@
 
 #include "plugin_rng/fork_join.h"
 #include "plugin_rng/large_results.h"
+#include "plugin_rng/thread_supply.h"
 
 namespace plugin_rng {
 
@@ -33,11 +34,12 @@ inline constexpr Split kUniformSplit{8192, false};
 // nothing, and still in the cache when they are finished.
 inline constexpr std::size_t kAlonePart = 32768;
 
-// Threads that a fill could use.
+// Threads that a fill can use: the caller alone where the others are not to be had.
 inline std::size_t usableThreads() {
   const auto arena = static_cast<std::size_t>(tbb::this_task_arena::max_concurrency());
-  return std::min(arena,
-                  tbb::global_control::active_value(tbb::global_control::max_allowed_parallelism));
+  const auto wanted = std::min(
+      arena, tbb::global_control::active_value(tbb::global_control::max_allowed_parallelism));
+  return wanted > 1 && canHaveThreads(wanted - 1) ? wanted : 1;
 }
 
 // Fills out[0, n) as core.randu(out, n) and one `finish(part, length)` over every part of it would,
