@@ -94,6 +94,7 @@ static void snapshots_take_the_size_they_tell(void) {
   EXPECT(tvrng_create("mrg32k3a", 3, 0, 1, &stream) == TVRNG_OK);
   EXPECT(tvrng_snapshot_size(stream, &size) == TVRNG_OK && size <= sizeof text);
   EXPECT_ERROR(tvrng_snapshot(stream, size - 1, text), "TALVOR:c:SnapshotSize");
+  EXPECT_ERROR(tvrng_snapshot(stream, size + 1, text), "TALVOR:c:SnapshotSize");
   EXPECT(tvrng_snapshot(stream, size, text) == TVRNG_OK);
   EXPECT(tvrng_uniform(stream, 2, next) == TVRNG_OK);
   EXPECT(tvrng_from_snapshot(size, text, &later) == TVRNG_OK);

@@ -2,6 +2,7 @@
 // none, and a request that fails leaves nothing behind and nothing half changed.
 
 #include <gtest/gtest.h>
+#include <tvmathrng/tvmathrng.h>
 
 #include <atomic>
 #include <cstdlib>
@@ -168,6 +169,33 @@ INSTANTIATE_TEST_SUITE_P(
                     Call{"reset", "{s}"}, Call{"advance", "{s,1000}"},
                     Call{"RandStream.global", "{}"}, Call{"RandStream.list", "{}"}),
     [](auto const& row) { return "Row" + std::to_string(row.index); });
+
+// Memory of the host, then of the standard library.
+TEST(OutOfMemoryInC, HasAStatusOfItsOwn) {
+  auto const attempt = [] {
+    tvrng_stream* stream = nullptr;
+    tvrng_status status = tvrng_create("mrg32k3a", 1, 0, 1, &stream);
+    double order[100];
+    if (status == TVRNG_OK) status = tvrng_permutation(stream, 100, order);
+    tvrng_destroy(stream);
+    return status;
+  };
+  EXPECT_EQ(attempt(), TVRNG_OK);
+  for (const bool ofHost : {true, false}) {
+    long request = 1;
+    for (;; ++request) {
+      requests = 0;
+      failsAt = ofHost ? 0 : request;
+      embedded_host::FailingAllocation const failing(ofHost ? request : 0);
+      tvrng_status const status = attempt();
+      failsAt = 0;
+      if (status == TVRNG_OK) break;
+      ASSERT_EQ(status, TVRNG_OUT_OF_MEMORY) << request;
+      ASSERT_STREQ(tvrng_error_identifier(), "TALVOR:nomem");
+    }
+    EXPECT_GT(request, 2);
+  }
+}
 
 using OutOfMemoryInStatements = VmTest;
 

@@ -13,9 +13,11 @@
 #include "plugin_rng/exchange_halves.h"
 #include "plugin_rng/large_results.h"
 #include "plugin_rng/legacy_plugin.h"
+#include "plugin_rng/plugin_rng.h"
 #include "tests/support/identifiers.h"
 #include "tests/support/plugins.h"
 #include "tests/support/turkish_locale.h"
+#include "tfl_rng/core_rng.h"
 
 namespace {
 
@@ -287,6 +289,28 @@ std::vector<Offer> allOffers() {
   return offers;
 }
 INSTANTIATE_TEST_SUITE_P(Table, OfferedState, testing::ValuesIn(allOffers()));
+
+// A core whose state lets its method for normals accept nothing.
+class Degenerate final : public tfl_rng::CoreNormalRNG {
+ public:
+  Degenerate() : CoreNormalRNG(true) {}
+  void reset(std::uint32_t) override {}
+  void randu(double*, std::size_t) override {}
+  void randn(double*, std::size_t) override { throw tfl_rng::RejectionLimit(); }
+};
+
+struct DegeneratePlugin final
+    : plugin_rng::PluginRNGRandn<Degenerate, plugin_rng::IPluginRNG::uint32State> {
+  DegeneratePlugin() : PluginRNGRandn(boost::shared_ptr<Degenerate>(new Degenerate), 0, "Polar") {}
+  void getStateComponents(void* const*) const override {}
+  void setStateComponents(void const* const*) override {}
+};
+
+TEST(PluginNormals, EndlessRejectionIsToldAsAnErrorOfTheLibrary) {
+  double x;
+  EXPECT_EQ(identifierOf([&] { DegeneratePlugin().randn(&x, 1); }),
+            "TALVOR:RandStream:UnexpectedPluginError");
+}
 
 // The order of halves and words in a saved state.
 TEST(SavedState, HoldsThreefryHighHalvesFirstAndPhiloxLowWordsFirst) {

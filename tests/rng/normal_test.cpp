@@ -266,6 +266,18 @@ TEST_F(Normal, EndlessRejectionEndsWithAnErrorInsteadOfHanging) {
     over<Constant>(method, {});
     EXPECT_EQ(identifierOf([&] { draw(1); }), "TALVOR:RandStream:UnexpectedPluginError");
   }
+  // A pair that sends to the tail, then only pairs that lie outside it.
+  struct Tail : ScriptedPlugin {
+    using ScriptedPlugin::ScriptedPlugin;
+    void randu(double* out, std::size_t n) override {
+      ASSERT_EQ(n, 2U);
+      out[0] = std::exchange(first, 0x1p-30);
+      out[1] = 1 - 0x1p-20;
+    }
+    double first = layer(255);
+  };
+  over<Tail>("ziggurat", {});
+  EXPECT_EQ(identifierOf([&] { draw(1); }), "TALVOR:RandStream:UnexpectedPluginError");
 }
 
 }  // namespace

@@ -89,8 +89,10 @@ TEST(Snapshots, KeepTheStreamsPlaceInItsFamily) {
     EXPECT_STREQ(other->generatorType(), type);
     EXPECT_EQ(other->getSubstream(), 9U);
     EXPECT_EQ(futureOf(*other), futureOf(*stream));
-    other->setSubstream(2);
-    stream->setSubstream(2);
+    for (Stream const* const one : {&other, &stream}) {
+      (*one)->setSubstream(2);
+      (*one)->advance(1'000'003);
+    }
     EXPECT_EQ(futureOf(*other), futureOf(*stream)) << type;
   }
 }
@@ -164,6 +166,11 @@ TEST(Snapshots, RefusalsSayWhatIsWrongAndChangeNothing) {
            {"0000000g" + first.substr(8), "TALVOR:RandStream:snapshot:InvalidLine"}})
     EXPECT_EQ(identifierOf([&] { restoreSnapshot(*stream, edited(text, first, row.first)); }),
               row.second);
+  std::string const lastLine = text.substr(0, text.rfind("\ncrc32"));
+  std::string const last = lastLine.substr(lastLine.rfind('\n') + 1);
+  for (char const* more : {"\n", "\npending none", "\ncomponent uint32 12"})
+    EXPECT_EQ(identifierOf([&] { restoreSnapshot(*stream, edited(text, last, last + more)); }),
+              "TALVOR:RandStream:snapshot:InvalidLine");
 
   EXPECT_EQ(takeSnapshot(*stream), text);
   EXPECT_EQ(identifierOf([&] { createFromSnapshot(edited(text, rows[0].line, rows[0].by)); }),

@@ -7,6 +7,7 @@
 #include <set>
 #include <vector>
 
+#include "tests/support/every_target.h"
 #include "tests/support/known_answers.h"
 
 namespace {
@@ -88,6 +89,29 @@ TEST(Swb2712, MixesEachValueWithTheHashOfItsCounter) {
     masks.insert(mask);
   }
   EXPECT_EQ(masks.size(), 1000u);
+}
+
+// In scalar and in vector draws, of which a request of twelve has both.
+TEST(Swb2712, MixedZeroIsDeliveredAsTheSmallestUniform) {
+  State state = swb2712(4, true).state();
+  state.position = 0;
+  state.borrow = false;
+  swb2712 core(0, true);
+  core.setState(state);
+  std::vector<double> drawn(12);
+  core.randu(drawn.data(), drawn.size());
+  // Each value is to become the mask that mixes it: those 12 back less those 27 back.
+  for (std::size_t i = 0; i < drawn.size(); ++i) {
+    const auto mask = static_cast<std::uint64_t>(std::ldexp(drawn[i], 53)) ^
+                      static_cast<std::uint64_t>(std::ldexp(core.state().lags[i], 53));
+    state.lags[20 + i] = std::ldexp(static_cast<double>(mask + 1), -53);
+    state.lags[5 + i] = 0x1p-53;
+  }
+  every_target::run([&] {
+    core.setState(state);
+    core.randu(drawn.data(), drawn.size());
+    EXPECT_EQ(drawn, std::vector<double>(12, 0x1p-53));
+  });
 }
 
 TEST(Swb2712, SeedsGiveValidAndDistinctStates) {

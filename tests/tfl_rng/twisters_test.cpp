@@ -88,14 +88,18 @@ TEST(Mt19937ar, PublishedDoubles) {
 // An odd number of words in the other precision mode first, so that one double's words lie in two
 // batches.
 TEST(Mt19937ar, DoubleOfTwoBatches) {
-  auto core = seeded<mt19937ar>(42, false);
-  std::mt19937 words(42);
-  words.discard(draw(core, 623).size());
-  core.setFullPrecision(true);
-  for (double u : draw(core, 400)) {
-    const std::uint64_t high = words() >> 5;
-    const std::uint64_t low = words() >> 6;
-    ASSERT_EQ(u, static_cast<double>(high << 26 | low) * 0x1p-53);
+  for (const std::size_t each : {400, 1}) {
+    auto core = seeded<mt19937ar>(42, false);
+    std::mt19937 words(42);
+    words.discard(draw(core, 623).size());
+    core.setFullPrecision(true);
+    for (std::size_t drawn = 0; drawn < 400; drawn += each) {
+      for (double u : draw(core, each)) {
+        const std::uint64_t high = words() >> 5;
+        const std::uint64_t low = words() >> 6;
+        ASSERT_EQ(u, static_cast<double>(high << 26 | low) * 0x1p-53) << drawn;
+      }
+    }
   }
 }
 
@@ -205,14 +209,19 @@ TEST(Dsfmt19937, AnyStateIsKeptAndSafe) {
     EXPECT_EQ(core.state().reserved, state.reserved);
 
     // Beyond the table a position counts modulo its length and one.
-    dsfmt19937 reduced(1, true);
+    dsfmt19937 reduced(1, true), normal(1, true), reducedNormal(1, true);
+    normal.setState(state);
     state.position %= dsfmt19937::kOutputs + 1;
     reduced.setState(state);
+    reducedNormal.setState(state);
     draw(reduced, 2000);
     EXPECT_EQ(core.state(), reduced.state());
-    std::vector<double> normals(2000);
-    core.randn(normals.data(), normals.size());
+    std::vector<double> normals(2000), expected(2000);
+    normal.randn(normals.data(), normals.size());
+    reducedNormal.randn(expected.data(), expected.size());
     for (double value : normals) ASSERT_TRUE(std::isfinite(value));
+    EXPECT_EQ(normals, expected);
+    EXPECT_EQ(normal.state(), reducedNormal.state());
   }
 }
 
