@@ -42,6 +42,8 @@ void addMoves(char const* name, Core const& fresh) {
   });
   addJump("move to substream 12345", name, kOurs,
           [name] { return [stream = makeStream(name)] { stream->setSubstream(12344); }; });
+  addJump("a stream at substream 12345", name, kOurs,
+          [name] { return [stream = makeStream(name)] { stream->atSubstream(12344); }; });
   addJump("copy of a core", name, kOurs, [fresh] {
     return [core = fresh] {
       Core copy(core);
@@ -73,9 +75,12 @@ void addCopy(char const* generator, char const* who) {
 void addJumps() {
   const std::string work = "jump over 10^6 doubles";
 
-#define TFL_GENERATOR(name, ...) \
-  addJump(work, #name, kOurs,    \
-          [] { return [stream = makeStream(#name)] { stream->advance(kSkipped); }; });
+#define TFL_GENERATOR(name, ...)                                                       \
+  addJump(work, #name, kOurs,                                                          \
+          [] { return [stream = makeStream(#name)] { stream->advance(kSkipped); }; }); \
+  addJump("a new stream", #name, kOurs, [] { return [] { makeStream(#name); }; });     \
+  addJump("a clone of a stream", #name, kOurs,                                         \
+          [] { return [stream = makeStream(#name)] { stream->clone(); }; });
 #include "tfl_rng/generators.def"
 #undef TFL_GENERATOR
 

@@ -14,7 +14,7 @@ namespace {
 using Core = tfl_rng::dsfmt19937;
 constexpr std::size_t kStateWords = 776;
 
-class dsfmt19937_plugin final : public PluginRNGRandn<Core, IPluginRNG::uint32State> {
+class dsfmt19937_plugin : public PluginRNGRandn<Core, IPluginRNG::uint32State> {
  public:
   explicit dsfmt19937_plugin(boost::shared_ptr<Core> generator)
       : PluginRNGRandn(std::move(generator), kStateWords, "Ziggurat") {}

@@ -18,7 +18,7 @@
 
 namespace plugin_rng {
 
-class legacy_plugin final : public IPluginRNGRandn {
+class legacy_plugin : public IPluginRNGRandn {
  public:
   enum Selector : std::uint32_t { kV4 = 1, kV5 = 2, kTwister = 3 };
 

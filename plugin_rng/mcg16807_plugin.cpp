@@ -10,7 +10,7 @@ namespace plugin_rng {
 namespace {
 
 // The state is the generator's word with its halves exchanged, as a double.
-class mcg16807_plugin final : public PluginRNGRandn<tfl_rng::mcg16807, IPluginRNG::doubleState> {
+class mcg16807_plugin : public PluginRNGRandn<tfl_rng::mcg16807, IPluginRNG::doubleState> {
  public:
   explicit mcg16807_plugin(boost::shared_ptr<tfl_rng::mcg16807> generator)
       : PluginRNGRandn(std::move(generator), 1, "Polar") {}

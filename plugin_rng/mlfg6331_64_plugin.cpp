@@ -28,7 +28,7 @@ constexpr std::size_t kStateLen = kPosition + 1;
 // A jump costs as much as some ten thousand draws.
 constexpr std::size_t kSerialLimit = 131072;
 
-class mlfg6331_64_plugin final : public PluginRNGSubstreams<Core, IPluginRNG::uint64State> {
+class mlfg6331_64_plugin : public PluginRNGSubstreams<Core, IPluginRNG::uint64State> {
  public:
   explicit mlfg6331_64_plugin(boost::shared_ptr<Core> generator)
       : PluginRNGSubstreams(std::move(generator), kStateLen, kSerialLimit) {}

@@ -26,7 +26,7 @@ bool validWords(std::uint32_t const* words) {
   return validTerms(words, Core::kModulus1) && validTerms(words + 3, Core::kModulus2);
 }
 
-class mrg32k3a_plugin final : public PluginRNGSubstreams<Core, IPluginRNG::uint32State> {
+class mrg32k3a_plugin : public PluginRNGSubstreams<Core, IPluginRNG::uint32State> {
  public:
   explicit mrg32k3a_plugin(boost::shared_ptr<Core> generator)
       : PluginRNGSubstreams(std::move(generator), kStateLen, kSerialLimit) {}

@@ -13,7 +13,7 @@ namespace {
 
 using Core = tfl_rng::mt19937ar;
 
-class mt19937ar_plugin final : public PluginRNGRandn<Core, IPluginRNG::uint32State> {
+class mt19937ar_plugin : public PluginRNGRandn<Core, IPluginRNG::uint32State> {
  public:
   explicit mt19937ar_plugin(boost::shared_ptr<Core> generator)
       : PluginRNGRandn(std::move(generator), kMt19937arStateLen, "Ziggurat") {}

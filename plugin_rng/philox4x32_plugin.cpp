@@ -20,7 +20,7 @@ constexpr std::size_t kSerialLimit = 1024;
 // threads there are.
 constexpr Split kNormalSplit{2048, true};
 
-class philox4x32_plugin final : public PluginRNGInversion<Core, IPluginRNG::uint32State> {
+class philox4x32_plugin : public PluginRNGInversion<Core, IPluginRNG::uint32State> {
  public:
   explicit philox4x32_plugin(boost::shared_ptr<Core> generator)
       : PluginRNGInversion(std::move(generator), kStateLen, kSerialLimit, kNormalSplit) {}

@@ -8,6 +8,7 @@
 
 #include "errors/generator_errors.h"
 #include "host/ascii_case.h"
+#include "plugin_rng/clone.h"
 #include "plugin_rng/interfaces.h"
 #include "plugin_rng/large_results.h"
 #include "tfl_rng/rejection.h"
@@ -20,6 +21,12 @@ class PluginRNG : public virtual IPluginRNG {
  public:
   PluginRNG(boost::shared_ptr<Core> generator, std::uint64_t length)
       : core(std::move(generator)), stateClassID(id), stateLen(length) {}
+  // A copy has a core of its own.
+  PluginRNG(PluginRNG const& other)
+      : IPluginRNG(other),
+        core(new Core(*other.core)),
+        stateClassID(other.stateClassID),
+        stateLen(other.stateLen) {}
 
   void randu(double* out, std::size_t n) override { drawPart(*core, out, n, n); }
   void reset(std::uint32_t seed) override { core->reset(seed); }
@@ -69,7 +76,7 @@ IPluginRNG* makeSingleStream(std::size_t numStreams, std::size_t streamIndex, st
   using Errors = errors::GeneratorErrors<Core>;
   if (nParams != 0) errors::raise(typename Errors::InvalidParameter());
   if (numStreams > 1 || streamIndex != 0) errors::raise(typename Errors::MultipleStreams());
-  return new Plugin(boost::shared_ptr<Core>(new Core(seed, true)));
+  return new Cloning<Plugin>(boost::shared_ptr<Core>(new Core(seed, true)));
 }
 
 }  // namespace plugin_rng

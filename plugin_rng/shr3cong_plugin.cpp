@@ -8,7 +8,7 @@
 namespace plugin_rng {
 namespace {
 
-class shr3cong_plugin final : public PluginRNGRandn<tfl_rng::shr3cong, IPluginRNG::doubleState> {
+class shr3cong_plugin : public PluginRNGRandn<tfl_rng::shr3cong, IPluginRNG::doubleState> {
  public:
   explicit shr3cong_plugin(boost::shared_ptr<tfl_rng::shr3cong> generator)
       : PluginRNGRandn(std::move(generator), kShr3congStateLen, "Ziggurat") {}

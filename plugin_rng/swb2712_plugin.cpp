@@ -16,7 +16,7 @@ constexpr std::size_t kLags = tfl_rng::swb2712::kLags;
 constexpr std::size_t kBorrow = kLags, kPosition = kLags + 1, kCounter = kLags + 2;
 constexpr double kCounterScale = 0x1p-52;  // keeps a 32-bit counter below 1
 
-class swb2712_plugin final : public PluginRNG<tfl_rng::swb2712, IPluginRNG::doubleState> {
+class swb2712_plugin : public PluginRNG<tfl_rng::swb2712, IPluginRNG::doubleState> {
  public:
   explicit swb2712_plugin(boost::shared_ptr<tfl_rng::swb2712> generator)
       : PluginRNG(std::move(generator), kSwb2712StateLen) {}

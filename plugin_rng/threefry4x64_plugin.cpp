@@ -35,7 +35,7 @@ Core::Block readHalves(std::uint32_t const* words) {
   return block;
 }
 
-class threefry4x64_plugin final : public PluginRNGInversion<Core, IPluginRNG::uint32State> {
+class threefry4x64_plugin : public PluginRNGInversion<Core, IPluginRNG::uint32State> {
  public:
   explicit threefry4x64_plugin(boost::shared_ptr<Core> generator)
       : PluginRNGInversion(std::move(generator), kStateLen, kSerialLimit, kNormalSplit) {}

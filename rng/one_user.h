@@ -8,6 +8,11 @@
 
 class OneUser {
  public:
+  OneUser() noexcept = default;
+  // Who is inside an object is no part of what is copied from it.
+  OneUser(OneUser const&) noexcept {}
+  OneUser& operator=(OneUser const&) noexcept { return *this; }
+
   // A changing thread's stay inside the object, from call to return; stays of one thread may nest.
   // A stay that finds another thread inside is not alone, and leaves no trace.
   class Stay {

@@ -10,6 +10,7 @@
 #include "host/allocator.h"
 #include "host/ascii_case.h"
 #include "host/strings.h"
+#include "plugin_rng/clone.h"
 #include "rng/chunks.h"
 #include "rng/guard.h"
 #include "rng/in_use.h"
@@ -24,7 +25,8 @@ randstream::randstream(char const* generatorType, unsigned int seed, plugin_rng:
       plugin_(plugin),
       normalView_(dynamic_cast<plugin_rng::IPluginRNGRandn*>(plugin)),
       substreamView_(dynamic_cast<plugin_rng::IPluginRNGSubstreams*>(plugin)),
-      jumpView_(dynamic_cast<plugin_rng::IPluginRNGSubstreams*>(plugin)) {
+      jumpView_(substreamView_),
+      cloneView_(dynamic_cast<plugin_rng::IPluginRNGClone*>(plugin)) {
   utStrncpy(generatorType_, generatorType, kNameSize - 1);
   char const* algorithm = "Ziggurat";
   if (normalView_) algorithm = guarded([&] { return normalView_->getDefaultRandnAlg(); });
@@ -43,6 +45,7 @@ randstream::~randstream() {
 plugin_rng::IPluginRNG* randstream::exchangePlugin(plugin_rng::IPluginRNG* plugin) noexcept {
   normalView_ = dynamic_cast<plugin_rng::IPluginRNGRandn*>(plugin);
   substreamView_ = jumpView_ = dynamic_cast<plugin_rng::IPluginRNGSubstreams*>(plugin);
+  cloneView_ = dynamic_cast<plugin_rng::IPluginRNGClone*>(plugin);
   return std::exchange(plugin_, plugin);
 }
 

@@ -9,11 +9,16 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <memory>
 
 #include "host/export.h"
 #include "host/tx_array.h"
 #include "plugin_rng/interfaces.h"
 #include "rng/one_user.h"
+
+namespace plugin_rng {
+class IPluginRNGClone;
+}
 
 class TV_EXPORT randstream {
  public:
@@ -31,14 +36,24 @@ class TV_EXPORT randstream {
   randstream(char const* generatorType, unsigned int seed, plugin_rng::IPluginRNG* plugin,
              unsigned long numStreams, unsigned long streamIndex);
   ~randstream();
-  randstream(randstream const&) = delete;
-  randstream& operator=(randstream const&) = delete;
 
   // Streams live in host memory, so that host code may release them.
   static void* operator new(std::size_t bytes);
   static void operator delete(void* memory) noexcept;
   static void* operator new(std::size_t, void* place) noexcept { return place; }
   static void operator delete(void*, void*) noexcept {}
+
+  // A stream of its own that goes on as this one will. Everything comes along: generator state,
+  // modes, method for normals, the name as written, seed, indices, the substream, a pending Polar
+  // value. A plug-in from elsewhere is made anew by the factory that knows
+  // the stream's generator. Errors, of such plug-ins alone: create:UnknownRNGType when there is no
+  // such factory, and those of the factory and of the state.
+  std::unique_ptr<randstream> clone() const;
+  // The same at the start of substream k, from which it goes on without a pending Polar value.
+  // Errors: those of clone and of setSubstream.
+  std::unique_ptr<randstream> atSubstream(unsigned long k) const;
+  // Back to where this stream was cloned as `earlier`.
+  void rewind(std::unique_ptr<randstream> earlier) noexcept;
 
   // Control. Plug-in errors become "TALVOR:RandStream:PluginError" or
   // "TALVOR:RandStream:UnexpectedPluginError"; errors of this library pass unchanged.
@@ -124,6 +139,10 @@ class TV_EXPORT randstream {
 
  private:
   class InUse;
+  // For clone and takeOver, which see to the plug-in.
+  randstream(randstream const&) = default;
+  randstream& operator=(randstream const&) = default;
+
   using NormalGenerator = void (randstream::*)(double* buffer, unsigned long n);
 
   // Each writes n normals to the front of `buffer`, which also stores their uniforms and must hold
@@ -135,6 +154,8 @@ class TV_EXPORT randstream {
   // The plug-in, inside the guard of a control operation: a stream without one fails there.
   TV_LOCAL plugin_rng::IPluginRNG& requiredPlugin() const;
 
+  // Becomes `other`, a stream of the same generator, but for the spelling of the name.
+  TV_LOCAL void takeOver(std::unique_ptr<randstream> other) noexcept;
   friend class StreamContents;  // of rng/snapshot.cpp
 
   static constexpr std::size_t kNameSize = 32;
@@ -155,6 +176,7 @@ class TV_EXPORT randstream {
   bool pendingNormalValid_ = false;
   OneUser user_;  // in all builds, so that they lay streams out alike
   double pendingNormal_ = 0;
+  plugin_rng::IPluginRNGClone const* cloneView_;
 };
 
 template <>

@@ -8,9 +8,9 @@
 #include <cstdint>
 #include <memory>
 #include <optional>
-#include <tuple>
 
 #include "errors/keys.h"
+#include "plugin_rng/clone.h"
 #include "plugin_rng/legacy_plugin.h"
 #include "rng/element_bits.h"
 #include "rng/mr_functions.h"
@@ -152,16 +152,8 @@ class StreamContents {
     s.pendingNormal_ = value;
     s.pendingNormalValid_ = true;
   }
-  // Exchanges everything but the spelling of the generator's name.
-  static void exchange(randstream& a, randstream& b) noexcept {
-    auto const contents = [](randstream& s) {
-      return std::tie(s.seed_, s.antithetic_, s.fullPrecision_, s.numStreams_, s.streamIndex_,
-                      s.plugin_, s.normalView_, s.substreamView_, s.jumpView_, s.nativeNormals_,
-                      s.normalGenerator_, s.randnAlg_, s.pendingNormalValid_, s.pendingNormal_);
-    };
-    auto ofA = contents(a);
-    auto ofB = contents(b);
-    ofA.swap(ofB);
+  static void takeOver(randstream& s, std::unique_ptr<randstream> other) noexcept {
+    s.takeOver(std::move(other));
   }
 };
 
@@ -209,7 +201,8 @@ void readComponent(Lines& lines, StateClass const& elementClass, std::size_t len
 std::unique_ptr<randstream> newStream(std::string const& generator, std::uint32_t seed,
                                       std::uint64_t numStreams, std::uint64_t streamIndex) {
   if (generator == kLegacy)
-    return makeStream(kLegacy, seed, PluginOwner(new plugin_rng::legacy_plugin), numStreams,
+    return makeStream(kLegacy, seed,
+                      PluginOwner(new plugin_rng::Cloning<plugin_rng::legacy_plugin>), numStreams,
                       streamIndex);
   return std::unique_ptr<randstream>(
       mrCreateRNGStream(generator.c_str(), numStreams, streamIndex, seed, nullptr, 0));
@@ -286,8 +279,7 @@ void restoreSnapshot(randstream& stream, std::string_view text) {
   std::string const generator(lines.field("generator"));
   if (std::string const own = snapshotName(stream); generator != own)
     errors::raise(keys::OtherGenerator(generator, own));
-  std::unique_ptr<randstream> const restored = readStream(lines, generator);
-  StreamContents::exchange(stream, *restored);
+  StreamContents::takeOver(stream, readStream(lines, generator));
 }
 
 randstream* createFromSnapshot(std::string_view text) {

@@ -21,5 +21,10 @@ inline std::unique_ptr<randstream> makeStream(char const* type, unsigned int see
   return stream;
 }
 
+// A stream of the same generator, made by its factory at `substream`, with the state and the
+// settings of `original`: no pending Polar value comes along. Errors: those of the factory and of
+// the state.
+std::unique_ptr<randstream> remade(randstream const& original, unsigned long substream = 0);
+
 // The canonical name of the generator that mrCreateRNGStream makes for `type`; null for none.
 char const* canonicalGeneratorType(char const* type) noexcept;

@@ -4,7 +4,8 @@
 
 #include <algorithm>
 #include <cmath>
-#include <vector>
+#include <memory>
+#include <utility>
 
 #include "embedded_host/object_system.h"
 #include "language/fault.h"
@@ -36,8 +37,7 @@ bool advancedSlowly(int nrhs, txArray const** prhs) {
   }
   randstream& stream = *mrGetCPPRandStreamFromTxArray(prhs[0]);
   if (stream.canJump()) return false;
-  std::vector<unsigned char> before(stream.getStateBufLen());
-  stream.getStateBuf(before.data(), before.size());
+  std::unique_ptr<randstream> before = stream.clone();
   auto const n = static_cast<std::uint64_t>(wanted);
   Progress progress;
   for (std::uint64_t done = 0; done < n;) {
@@ -45,7 +45,7 @@ bool advancedSlowly(int nrhs, txArray const** prhs) {
     stream.advance(length);
     done += length;
     if (language::takeInterrupt()) {
-      stream.setStateBuf(before.data(), before.size());
+      stream.rewind(std::move(before));
       language::raiseFault("interrupted",
                            fmt::format("Interrupted after {:.0f} % of the draws; the stream is "
                                        "back where it was.",

@@ -9,6 +9,7 @@
 #include "errors/keys.h"
 #include "host/strings.h"
 #include "rng/mr_functions.h"
+#include "rng/stream_factory.h"
 #include "rng/stream_handle.h"
 #include "vmstate/random_settings.h"
 #include "vmstate/vm_record.h"
@@ -24,32 +25,10 @@ struct DefaultRandStreamState {
 using GlobalRecord = VmRecord<GlobalRandStreamState>;
 using DefaultRecord = VmRecord<DefaultRandStreamState>;
 
-// A shared_ptr of a raw stream deletes it when its own allocation fails.
-std::shared_ptr<randstream> makeStream(char const* type, unsigned long numStreams,
-                                       unsigned long streamIndex, unsigned int seed) {
-  return std::shared_ptr<randstream>(
-      mrCreateRNGStream(type, numStreams, streamIndex, seed, nullptr, 0));
-}
-
-std::shared_ptr<randstream> makeFromSettings() {
+std::unique_ptr<randstream> makeFromSettings() {
   DefaultStreamSettings const chosen = readDefaultStreamSettings();
-  return makeStream(utToAscii(chosen.algorithm).c_str(), 1, 0, chosen.seed);
-}
-
-// A stream of its own that goes on from where `original` stands now.
-std::shared_ptr<randstream> clone(randstream const& original) {
-  std::shared_ptr<randstream> copy = makeStream(original.generatorType(), original.numStreams(),
-                                                original.streamIndex(), original.seed());
-  // One word a byte: room to spare, aligned for every state, and a length that no array can have
-  // is refused by the allocation itself.
-  unsigned long const length = original.getStateBufLen();
-  auto const state = std::make_unique_for_overwrite<std::uint64_t[]>(length);
-  original.getStateBuf(state.get(), length);
-  copy->setStateBuf(state.get(), length);
-  copy->setAntithetic(original.antithetic());
-  copy->setFullPrecision(original.fullPrecision());
-  copy->setRandnAlg(original.getRandnAlg());
-  return copy;
+  return std::unique_ptr<randstream>(
+      mrCreateRNGStream(utToAscii(chosen.algorithm).c_str(), 1, 0, chosen.seed, nullptr, 0));
 }
 
 template <class T>
@@ -76,7 +55,7 @@ std::shared_ptr<randstream> acquireGlobalRandStream() {
   GlobalRandStreamState& global = GlobalRecord::findOrInsert();
   if (!global.stream) {
     DefaultRandStreamState const* const fallback = DefaultRecord::find();
-    global.stream = fallback && fallback->stream ? clone(*fallback->stream) : makeFromSettings();
+    global.stream = fallback && fallback->stream ? remade(*fallback->stream) : makeFromSettings();
   }
   return global.stream;
 }

@@ -167,9 +167,7 @@ class Stream {
   /// A stream of its own with this one's generator and settings, at the start of substream k:
   /// what work item k draws from, whoever works on it. Errors: set:SubstreamsNotSupported.
   Stream at_substream(Substream k) const {
-    Stream item = twin();
-    item.set_substream(k);
-    return item;
+    return Stream(detail::withErrors([&] { return stream_->atSubstream(k.value()); }));
   }
 
   /// Moves to the start of substream k. Errors: set:SubstreamsNotSupported.
@@ -197,7 +195,8 @@ class Stream {
   }
   /// Errors: snapshot:NotASnapshot, OtherVersion, Truncated, Damaged, InvalidLine.
   static Stream from_snapshot(std::string_view text) {
-    return Stream(detail::withErrors([&] { return createFromSnapshot(text); }));
+    return Stream(
+        std::unique_ptr<randstream>(detail::withErrors([&] { return createFromSnapshot(text); })));
   }
   /// Goes back to where the snapshot was taken. Errors: the same, and snapshot:OtherGenerator; the
   /// stream then stays as it is.
@@ -205,7 +204,9 @@ class Stream {
     detail::withErrors([&] { restoreSnapshot(*stream_, text); });
   }
   /// A stream that goes on as this one will.
-  Stream copy() const { return from_snapshot(snapshot()); }
+  Stream copy() const {
+    return Stream(detail::withErrors([&] { return stream_->clone(); }));
+  }
   ///@}
 
   std::string_view generator() const noexcept { return stream_->generatorType(); }
@@ -232,21 +233,7 @@ class Stream {
   randstream const& native() const noexcept { return *stream_; }
 
  private:
-  explicit Stream(randstream* stream) noexcept : stream_(stream) {}
-
-  // Another stream with this one's settings and generator state.
-  Stream twin() const {
-    Stream copy(stream_->generatorType(), seed(), index(), count());
-    detail::withErrors([&] {
-      std::vector<std::byte> state(stream_->getStateBufLen());
-      stream_->getStateBuf(state.data(), state.size());
-      copy.stream_->setFullPrecision(full_precision());
-      copy.stream_->setRandnAlg(stream_->getRandnAlg());
-      copy.stream_->setAntithetic(antithetic());
-      copy.stream_->setStateBuf(state.data(), state.size());
-    });
-    return copy;
-  }
+  explicit Stream(std::unique_ptr<randstream> stream) noexcept : stream_(std::move(stream)) {}
 
   template <class T>
   void fillUniform(std::span<T> out) {

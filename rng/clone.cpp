@@ -1,0 +1,64 @@
+// Copies of a stream, and the way back to one.
+
+#include <algorithm>
+#include <cstddef>
+#include <cstdint>
+
+#include "plugin_rng/clone.h"
+#include "rng/in_use.h"
+#include "rng/mr_functions.h"
+#include "rng/stream_factory.h"
+
+std::unique_ptr<randstream> remade(randstream const& original, unsigned long substream) {
+  std::unique_ptr<randstream> copy(mrCreateRNGStream(original.generatorType(),
+                                                     original.numStreams(), original.streamIndex(),
+                                                     original.seed(), nullptr, 0));
+  if (substream != 0) copy->setSubstream(substream);
+  // One word a byte: room to spare, aligned for every state, and a length that no array can have
+  // is refused by the allocation itself.
+  unsigned long const length = original.getStateBufLen();
+  auto const state = std::make_unique_for_overwrite<std::uint64_t[]>(length);
+  original.getStateBuf(state.get(), length);
+  copy->setStateBuf(state.get(), length);
+  copy->setAntithetic(original.antithetic());
+  copy->setFullPrecision(original.fullPrecision());
+  copy->setRandnAlg(original.getRandnAlg());
+  return copy;
+}
+
+std::unique_ptr<randstream> randstream::clone() const {
+  const InUse inUse(*this);
+  if (!cloneView_) {
+    auto copy = remade(*this, getSubstream());
+    copy->pendingNormalValid_ = pendingNormalValid_;
+    copy->pendingNormal_ = pendingNormal_;
+    return copy;
+  }
+  plugin_rng::IPluginRNGClone::Views const views = cloneView_->clone();
+  PluginOwner plugin(views.plugin);
+  std::unique_ptr<randstream> copy(new randstream(*this));
+  copy->plugin_ = plugin.release();
+  copy->normalView_ = views.normals;
+  copy->substreamView_ = copy->jumpView_ = views.substreams;
+  copy->cloneView_ = views.clone;
+  return copy;
+}
+
+std::unique_ptr<randstream> randstream::atSubstream(unsigned long k) const {
+  std::unique_ptr<randstream> item = clone();
+  item->setSubstream(k);
+  item->pendingNormalValid_ = false;
+  return item;
+}
+
+void randstream::takeOver(std::unique_ptr<randstream> other) noexcept {
+  const InUse inUse(*this);
+  std::ranges::copy(generatorType_, other->generatorType_);
+  plugin_rng::IPluginRNG* const own = plugin_;
+  *this = *other;
+  other->plugin_ = own;  // ends with it
+}
+
+void randstream::rewind(std::unique_ptr<randstream> earlier) noexcept {
+  takeOver(std::move(earlier));
+}
