@@ -8,6 +8,7 @@
 #include "rng/in_use.h"
 #include "rng/mr_functions.h"
 #include "rng/stream_factory.h"
+#include "rng/uniform_source.h"
 
 std::unique_ptr<randstream> remade(randstream const& original, unsigned long substream) {
   std::unique_ptr<randstream> copy(mrCreateRNGStream(original.generatorType(),
@@ -32,6 +33,7 @@ std::unique_ptr<randstream> randstream::clone() const {
     auto copy = remade(*this, getSubstream());
     copy->pendingNormalValid_ = pendingNormalValid_;
     copy->pendingNormal_ = pendingNormal_;
+    copy->counts_ = counts_;
     return copy;
   }
   plugin_rng::IPluginRNGClone::Views const views = cloneView_->clone();
@@ -54,11 +56,16 @@ std::unique_ptr<randstream> randstream::atSubstream(unsigned long k) const {
 void randstream::takeOver(std::unique_ptr<randstream> other) noexcept {
   const InUse inUse(*this);
   std::ranges::copy(generatorType_, other->generatorType_);
+  other->counts_ = counts_;
   plugin_rng::IPluginRNG* const own = plugin_;
   *this = *other;
   other->plugin_ = own;  // ends with it
+  ++counts_.moves;
 }
 
 void randstream::rewind(std::unique_ptr<randstream> earlier) noexcept {
+  DrawCounts const then = earlier->counts_;
+  drawsInThread -= counts_.drawn() - then.drawn();
   takeOver(std::move(earlier));
+  counts_ = then;
 }

@@ -11,6 +11,7 @@
 #include "rng/in_use.h"
 #include "rng/kernels/accepted_run.h"
 #include "rng/randstream.h"
+#include "rng/uniform_source.h"
 #include "rng/ziggurat_tables.h"
 #include "tfl_rng/rejection.h"
 
@@ -33,8 +34,8 @@ class Rejections {
 // The uniforms of randnZiggurat, kept in the output buffer behind the values written so far.
 class UniformStore {
  public:
-  UniformStore(plugin_rng::IPluginRNG& plugin, double* buffer, std::size_t n)
-      : plugin_(plugin), buffer_(buffer), n_(n) {}
+  UniformStore(UniformSource source, double* buffer, std::size_t n)
+      : source_(source), buffer_(buffer), n_(n) {}
 
   // Two uniforms are unread afterwards. A refill at output slot `slot` keeps a single leftover in
   // front and draws as many as two for each normal still to produce need.
@@ -43,7 +44,7 @@ class UniformStore {
     if (unread >= 2) return;
     if (unread == 1) buffer_[slot] = buffer_[next_];
     const std::size_t size = 2 * (n_ - slot);
-    plugin_.randu(buffer_ + slot + unread, size - unread);
+    source_.randu(buffer_ + slot + unread, size - unread);
     next_ = slot;
     end_ = slot + size;
   }
@@ -51,7 +52,7 @@ class UniformStore {
   void needOne(std::size_t slot) {
     if (next_ < end_) return;
     const std::size_t size = 2 * (n_ - slot) - 1;
-    plugin_.randu(buffer_ + slot, size);
+    source_.randu(buffer_ + slot, size);
     next_ = slot;
     end_ = slot + size;
   }
@@ -63,7 +64,7 @@ class UniformStore {
   void skipPairs(std::size_t count) { next_ += 2 * count; }
 
  private:
-  plugin_rng::IPluginRNG& plugin_;
+  UniformSource source_;
   double* buffer_;
   std::size_t n_;
   std::size_t next_ = 0;  // buffer_[next_, end_) is unread
@@ -90,7 +91,7 @@ double zigguratTail(UniformStore& store, std::size_t slot, double x) {
 // in one go; the candidate that ends a run is decided here.
 void randstream::randnZiggurat(double* buffer, unsigned long n) {
   using ziggurat::kF;
-  UniformStore store(*plugin_, buffer, n);
+  UniformStore store(uniforms(), buffer, n);
   Rejections rejections;
   for (std::size_t slot = 0; slot < n;) {
     store.needTwo(slot);
@@ -135,7 +136,7 @@ void randstream::randnPolar(double* buffer, unsigned long n) {
       const std::size_t left = n - slot;
       next = slot;
       end = slot + left + left % 2;
-      plugin_->randu(buffer + slot, end - next);
+      uniforms().randu(buffer + slot, end - next);
     }
     const double a = 2 * buffer[next++] - 1;
     const double b = 2 * buffer[next++] - 1;
@@ -157,8 +158,14 @@ void randstream::randnPolar(double* buffer, unsigned long n) {
 }
 
 void randstream::randnInversion(double* buffer, unsigned long n) {
-  plugin_->randu(buffer, n);
+  uniforms().randu(buffer, n);
   tfl_rng::normalQuantileInPlace(buffer, n);
+}
+
+void randstream::drawNativeNormals(double* out, std::size_t n) {
+  counts_.normals += n;
+  drawsInThread += n;
+  normalView_->randn(out, n);
 }
 
 namespace {
@@ -187,7 +194,7 @@ template <>
 void randstream::randnFcn(double* out, unsigned long n, bool halfVariance) {
   const InUse inUse(*this);
   if (nativeNormals_) {
-    normalView_->randn(out, n);
+    drawNativeNormals(out, n);
     return deliver(out, out, n, antithetic_, halfVariance);
   }
   double scratch[2 * kChunk];
@@ -203,7 +210,7 @@ void randstream::randnFcn(float* out, unsigned long n, bool halfVariance) {
   double scratch[2 * kChunk];
   forEachChunk(n, [&](std::size_t at, std::size_t len) {
     if (nativeNormals_)
-      normalView_->randn(scratch, len);
+      drawNativeNormals(scratch, len);
     else
       (this->*normalGenerator_)(scratch, len);
     deliver(scratch, out + at, len, antithetic_, halfVariance);

@@ -9,6 +9,7 @@
 #include "rng/in_use.h"
 #include "rng/kernels/delivery.h"
 #include "rng/randstream.h"
+#include "rng/uniform_source.h"
 
 namespace {
 
@@ -35,10 +36,10 @@ void randstream::randiFcn(double lo, double hi, T* out, unsigned long n) {
   const InUse inUse(*this);
   // An antithetic stream mirrors the integer within the range, not the uniform.
   const delivery::Range range{lo, checkRandiLimits(lo, hi), antithetic_};
-  double uniforms[kChunk];
+  double drawn[kChunk];
   forEachChunk(n, [&](std::size_t at, std::size_t len) {
-    plugin_->randu(uniforms, len);
-    delivery::toElements(uniforms, range, out + at, len);
+    uniforms().randu(drawn, len);
+    delivery::toElements(drawn, range, out + at, len);
   });
 }
 

@@ -13,6 +13,7 @@
 #include "rng/in_use.h"
 #include "rng/randstream.h"
 #include "rng/sparse_shuffle.h"
+#include "rng/uniform_source.h"
 
 namespace {
 
@@ -31,13 +32,13 @@ std::size_t truncated(double product) {
 
 // The inside-out shuffle (Durstenfeld 1964, in the form that builds the result). Draws n-1
 // uniforms. A chunk is placed while the targets of the next one are on their way to the cache.
-void shuffleInsideOut(plugin_rng::IPluginRNG& plugin, double* out, std::size_t n) {
+void shuffleInsideOut(UniformSource source, double* out, std::size_t n) {
   double uniforms[kChunk];
   std::int64_t targets[2][kChunk];
   // The targets of the values from `placed` on; how many they are.
   const auto draw = [&](std::size_t placed, std::int64_t* to) {
     const std::size_t len = std::min(n - placed, kChunk);
-    if (len > 0) plugin.randu(uniforms, len);
+    if (len > 0) source.randu(uniforms, len);
     // No array is long enough for a product that truncation would leave as it is.
     for (std::size_t i = 0; i < len; ++i)
       to[i] = static_cast<std::int64_t>(uniforms[i] * static_cast<double>(placed + i + 1));
@@ -61,9 +62,9 @@ void shuffleInsideOut(plugin_rng::IPluginRNG& plugin, double* out, std::size_t n
 
 // The order of n uniforms, n at most kFewValues: each position goes where as many values end as are
 // smaller, or equal and earlier.
-void orderFew(plugin_rng::IPluginRNG& plugin, double* out, std::size_t n) {
+void orderFew(UniformSource source, double* out, std::size_t n) {
   double uniforms[kFewValues];
-  plugin.randu(uniforms, n);
+  source.randu(uniforms, n);
   std::int64_t place[kFewValues] = {};
   for (std::size_t i = 1; i < n; ++i) {
     for (std::size_t j = 0; j < i; ++j) {
@@ -77,40 +78,39 @@ void orderFew(plugin_rng::IPluginRNG& plugin, double* out, std::size_t n) {
 
 // The first k steps of a shuffle from the top of an array of n. Draws k uniforms.
 template <class Shuffle>
-void shuffleFromTop(plugin_rng::IPluginRNG& plugin, double* out, std::size_t k, double n,
-                    Shuffle shuffle) {
+void shuffleFromTop(UniformSource source, double* out, std::size_t k, double n, Shuffle shuffle) {
   double uniforms[kChunk];
   double left = n;
   forEachChunk(k, [&](std::size_t at, std::size_t len) {
-    plugin.randu(uniforms, len);
+    source.randu(uniforms, len);
     for (std::size_t i = 0; i < len; ++i, --left)
       out[at + i] = static_cast<double>(
           shuffle.takeAndReplace(truncated(left * uniforms[i]), truncated(left - 1)) + 1);
   });
 }
 
-void shuffleSparse(plugin_rng::IPluginRNG& plugin, double* out, std::size_t k, double n) {
+void shuffleSparse(UniformSource source, double* out, std::size_t k, double n) {
   // Up to here the whole array takes no more than twice the memory of its sparse form.
   constexpr std::size_t kDense = 16;
   constexpr double kPositions = 0x1p32;
   if (n <= static_cast<double>(kDense * k) && n <= kPositions) {
     // The entry that a fraction of n adds can be drawn too.
-    shuffleFromTop(plugin, out, k, n, DenseShuffle(truncated(std::ceil(n))));
+    shuffleFromTop(source, out, k, n, DenseShuffle(truncated(std::ceil(n))));
   } else {
-    shuffleFromTop(plugin, out, k, n, SparseShuffle(k));
+    shuffleFromTop(source, out, k, n, SparseShuffle(k));
   }
 }
 
 // Sequential selection (J. S. Vitter, Faster Methods for Random Sampling, CACM 27 (1984), method
 // A), each selected value shuffled in at once. Draws 2k uniforms.
-void selectSequentially(plugin_rng::IPluginRNG& plugin, double* out, std::size_t k, double n) {
+void selectSequentially(UniformSource source, double* out, std::size_t k, double n) {
   constexpr std::size_t kPairs = kChunk / 2;
   double uniforms[2 * kPairs];
   double candidate = 1;
   double candidatesLeft = n;
   for (std::size_t selected = 0; selected < k;) {
     const std::size_t pairs = std::min(k - selected, kPairs);
-    plugin.randu(uniforms, 2 * pairs);
+    source.randu(uniforms, 2 * pairs);
     for (std::size_t i = 0; i < pairs; ++i) {
       const double toSelect = static_cast<double>(k - selected);
       const double u = uniforms[2 * i];
@@ -134,12 +134,12 @@ void selectSequentially(plugin_rng::IPluginRNG& plugin, double* out, std::size_t
 template <>
 void randstream::randpermFcn(double* out, unsigned long n) {
   const InUse inUse(*this);
-  if (n <= kFewValues) return orderFew(*plugin_, out, n);
+  if (n <= kFewValues) return orderFew(uniforms(), out, n);
   const std::uint64_t dims[] = {n, 1};
-  const txArrayPtr uniforms = txCreateUninitialized(dims, txClassDouble);
-  plugin_->randu(uniforms->dataAs<double>(), n);
+  const txArrayPtr values = txCreateUninitialized(dims, txClassDouble);
+  uniforms().randu(values->dataAs<double>(), n);
   txArrayPtr sorted[2];  // values and positions
-  txArray const* const inputs[] = {uniforms.get()};
+  txArray const* const inputs[] = {values.get()};
   mathcoreSortFcn(2, sorted, 1, const_cast<txArray const**>(inputs));
   std::copy_n(std::as_const(*sorted[1]).dataAs<double>(), n, out);
 }
@@ -152,7 +152,7 @@ void randstream::randkpermFcn(double* out, unsigned long k, double n) {
   const auto count = static_cast<double>(k);
   if (n >= kLargestCount) errors::raise(keys::inputNTooLarge());
   if (count > n) errors::raise(keys::inputKTooLarge());
-  if (count == n) return shuffleInsideOut(*plugin_, out, k);
-  if (0.25 * n > count) return shuffleSparse(*plugin_, out, k, n);
-  selectSequentially(*plugin_, out, k, n);
+  if (count == n) return shuffleInsideOut(uniforms(), out, k);
+  if (0.25 * n > count) return shuffleSparse(uniforms(), out, k, n);
+  selectSequentially(uniforms(), out, k, n);
 }

@@ -4,7 +4,6 @@
 #include <cstdlib>
 #include <stdexcept>
 #include <tuple>
-#include <utility>
 
 #include "errors/keys.h"
 #include "host/allocator.h"
@@ -14,6 +13,7 @@
 #include "rng/chunks.h"
 #include "rng/guard.h"
 #include "rng/in_use.h"
+#include "rng/uniform_source.h"
 
 namespace set = TALVOR::RandStream::set;
 
@@ -42,12 +42,9 @@ randstream::~randstream() {
   if (plugin_) plugin_->destroy();
 }
 
-plugin_rng::IPluginRNG* randstream::exchangePlugin(plugin_rng::IPluginRNG* plugin) noexcept {
-  normalView_ = dynamic_cast<plugin_rng::IPluginRNGRandn*>(plugin);
-  substreamView_ = jumpView_ = dynamic_cast<plugin_rng::IPluginRNGSubstreams*>(plugin);
-  cloneView_ = dynamic_cast<plugin_rng::IPluginRNGClone*>(plugin);
-  return std::exchange(plugin_, plugin);
-}
+constinit thread_local std::uint64_t drawsInThread = 0;
+
+std::uint64_t randstream::drawnInThread() noexcept { return drawsInThread; }
 
 #ifndef NDEBUG
 void randstream::InUse::endProgram(randstream const& stream) noexcept {
@@ -74,14 +71,17 @@ void randstream::reset(unsigned int seed) {
   seed_ = seed;
   guarded([&] { requiredPlugin().reset(seed); });
   pendingNormalValid_ = false;
+  ++counts_.moves;
 }
 
 void randstream::setSubstream(unsigned long k) {
   const InUse inUse(*this);
-  if (substreamView_)
+  if (substreamView_) {
     guarded([&] { substreamView_->setSubstream(k); });
-  else if (k != 0)
+    ++counts_.moves;
+  } else if (k != 0) {
     errors::raise(set::SubstreamsNotSupported(generatorType_));
+  }
 }
 
 unsigned long randstream::getSubstream() const {
@@ -92,10 +92,15 @@ unsigned long randstream::getSubstream() const {
 void randstream::advance(unsigned long n) {
   const InUse inUse(*this);
   guarded([&] {
-    if (jumpView_) return jumpView_->advance(n);
-    plugin_rng::IPluginRNG& plugin = requiredPlugin();
+    if (jumpView_) {
+      jumpView_->advance(n);
+      counts_.passedOver += n;
+      drawsInThread += n;
+      return;
+    }
+    requiredPlugin();
     double discarded[kChunk];
-    forEachChunk(n, [&](std::size_t, std::size_t len) { plugin.randu(discarded, len); });
+    forEachChunk(n, [&](std::size_t, std::size_t len) { uniforms().randu(discarded, len); });
   });
 }
 

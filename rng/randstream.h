@@ -19,6 +19,7 @@
 namespace plugin_rng {
 class IPluginRNGClone;
 }
+class UniformSource;
 
 class TV_EXPORT randstream {
  public:
@@ -28,6 +29,17 @@ class TV_EXPORT randstream {
     std::uint64_t numSubstreams;
     std::uint64_t log2StreamLen;
     std::uint64_t log2SubstreamLen;
+  };
+
+  // What a stream has asked of its generator. Requests count as they are made, one in which the
+  // generator fails among them.
+  struct DrawCounts {
+    std::uint64_t uniforms = 0;
+    std::uint64_t normals = 0;     // that the generator made itself
+    std::uint64_t passedOver = 0;  // draws, by jumps of advance
+    std::uint64_t moves = 0;       // resets, restored states and changes of the substream
+
+    std::uint64_t drawn() const noexcept { return uniforms + normals + passedOver; }
   };
 
   // Takes ownership of `plugin` (null makes a stream that can only be asked for its settings),
@@ -45,15 +57,19 @@ class TV_EXPORT randstream {
 
   // A stream of its own that goes on as this one will. Everything comes along: generator state,
   // modes, method for normals, the name as written, seed, indices, the substream, a pending Polar
-  // value. A plug-in from elsewhere is made anew by the factory that knows
+  // value and the counts of draws. A plug-in from elsewhere is made anew by the factory that knows
   // the stream's generator. Errors, of such plug-ins alone: create:UnknownRNGType when there is no
   // such factory, and those of the factory and of the state.
   std::unique_ptr<randstream> clone() const;
   // The same at the start of substream k, from which it goes on without a pending Polar value.
   // Errors: those of clone and of setSubstream.
   std::unique_ptr<randstream> atSubstream(unsigned long k) const;
-  // Back to where this stream was cloned as `earlier`.
+  // Back to where this stream was cloned as `earlier`. What it drew since counts as not drawn.
   void rewind(std::unique_ptr<randstream> earlier) noexcept;
+
+  DrawCounts const& drawCounts() const noexcept { return counts_; }
+  // What all streams, those that are gone too, have drawn and passed over in the calling thread.
+  static std::uint64_t drawnInThread() noexcept;
 
   // Control. Plug-in errors become "TALVOR:RandStream:PluginError" or
   // "TALVOR:RandStream:UnexpectedPluginError"; errors of this library pass unchanged.
@@ -106,11 +122,6 @@ class TV_EXPORT randstream {
   // Errors: set:InvalidStateBufLen and the generator's InvalidState.
   void setStateBuf(void const* buf, unsigned long len);
 
-  // Puts `plugin` in the place of the stream's own, which is returned with its ownership: a view
-  // around it, for example, that counts what the stream draws. Modes and normal method stay, so
-  // that it has the same extensions and answers them alike.
-  plugin_rng::IPluginRNG* exchangePlugin(plugin_rng::IPluginRNG* plugin) noexcept;
-
   // Sampling. No guard: a plug-in's error propagates, values already written stay written.
 
   // n uniforms in (0,1), T double or float; an antithetic stream delivers 1-u. Draws n uniforms.
@@ -154,7 +165,12 @@ class TV_EXPORT randstream {
   // The plug-in, inside the guard of a control operation: a stream without one fails there.
   TV_LOCAL plugin_rng::IPluginRNG& requiredPlugin() const;
 
-  // Becomes `other`, a stream of the same generator, but for the spelling of the name.
+  // Sampling reaches the generator through these two, which count.
+  TV_LOCAL UniformSource uniforms() noexcept;
+  TV_LOCAL void drawNativeNormals(double* out, std::size_t n);
+
+  // Becomes `other`, a stream of the same generator, but for the spelling of the name and the
+  // counts.
   TV_LOCAL void takeOver(std::unique_ptr<randstream> other) noexcept;
   friend class StreamContents;  // of rng/snapshot.cpp
 
@@ -177,6 +193,7 @@ class TV_EXPORT randstream {
   OneUser user_;  // in all builds, so that they lay streams out alike
   double pendingNormal_ = 0;
   plugin_rng::IPluginRNGClone const* cloneView_;
+  DrawCounts counts_;
 };
 
 template <>

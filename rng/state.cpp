@@ -46,6 +46,7 @@ void randstream::setStateComponents(unsigned long count, void const* const* src)
   if (count != getNumStateComponents())
     errors::raise(set::InvalidNumStateComponents(generatorType()));
   guarded([&] { plugin_->setStateComponents(src); });
+  ++counts_.moves;
 }
 
 unsigned long randstream::getStateBufLen() const {

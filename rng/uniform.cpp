@@ -4,13 +4,14 @@
 #include "rng/in_use.h"
 #include "rng/kernels/delivery.h"
 #include "rng/randstream.h"
+#include "rng/uniform_source.h"
 
 template <>
 void randstream::randuFcn(double* out, unsigned long n) {
   const InUse inUse(*this);
-  if (!antithetic_) return plugin_->randu(out, n);
+  if (!antithetic_) return uniforms().randu(out, n);
   forEachChunk(n, [&](std::size_t at, std::size_t len) {
-    plugin_->randu(out + at, len);
+    uniforms().randu(out + at, len);
     for (std::size_t i = at; i < at + len; ++i) out[i] = delivery::mirror(out[i]);
   });
 }
@@ -18,9 +19,9 @@ void randstream::randuFcn(double* out, unsigned long n) {
 template <>
 void randstream::randuFcn(float* out, unsigned long n) {
   const InUse inUse(*this);
-  double uniforms[kChunk];
+  double drawn[kChunk];
   forEachChunk(n, [&](std::size_t at, std::size_t len) {
-    plugin_->randu(uniforms, len);
-    delivery::toFloats(uniforms, antithetic_, out + at, len);
+    uniforms().randu(drawn, len);
+    delivery::toFloats(drawn, antithetic_, out + at, len);
   });
 }

@@ -121,14 +121,11 @@ void writeNative(char const* name, txArray const& object, txArray const& value) 
   RandStream::getset(0, nullptr, 3, args);
 }
 
-Property nativeProperty(SharedLoaded const& loaded, char const* name) {
-  return {.name = name,
-          .get = [name](txArray const& object) { return readNative(name, object); },
-          .set =
-              [loaded, name](txArray& object, txArray const& value) {
-                writeNative(name, object, value);
-                ++loaded->streamActivity;
-              }};
+Property nativeProperty(char const* name) {
+  return {
+      .name = name,
+      .get = [name](txArray const& object) { return readNative(name, object); },
+      .set = [name](txArray& object, txArray const& value) { writeNative(name, object, value); }};
 }
 
 Property nativeReadOnly(char const* name) {
@@ -245,7 +242,6 @@ void global(Loaded& loaded, int nlhs, txArrayPtr* plhs, int nrhs, txArray const*
   txArrayPtr previous = nlhs == 1 ? globalObject(loaded) : nullptr;
   txArrayPtr next = txShare(*prhs[0]);
   getsetGlobalRandStream(0, nullptr, 1, &handle);
-  ++loaded.streamActivity;
   loaded.globalObject = std::move(next);
   if (previous) plhs[0] = std::move(previous);
 }
@@ -287,23 +283,23 @@ void addRandStreamClass(SharedLoaded const& loaded) {
       {.name = "Seed", .readOnly = true},
       {.name = "NumStreams", .readOnly = true},
       {.name = "StreamIndex", .readOnly = true},
-      nativeProperty(loaded, "Substream"),
-      nativeProperty(loaded, "RandnAlg"),
-      nativeProperty(loaded, "Antithetic"),
-      nativeProperty(loaded, "FullPrecision"),
-      nativeProperty(loaded, "State"),
+      nativeProperty("Substream"),
+      nativeProperty("RandnAlg"),
+      nativeProperty("Antithetic"),
+      nativeProperty("FullPrecision"),
+      nativeProperty("State"),
       nativeReadOnly("Parameters"),
       {.name = kHandle, .readOnly = true, .hidden = true},
   };
   definition.methods = {
-      {"rand", counted(loaded, RandStream::randstreamRand)},
-      {"randn", counted(loaded, RandStream::randn)},
-      {"randi", counted(loaded, RandStream::randi)},
-      {"randperm", counted(loaded, RandStream::randperm)},
-      {"reset", counted(loaded, reset)},
-      {"advance", counted(loaded, RandStream::advance)},
+      {"rand", RandStream::randstreamRand},
+      {"randn", RandStream::randn},
+      {"randi", RandStream::randi},
+      {"randperm", RandStream::randperm},
+      {"reset", reset},
+      {"advance", RandStream::advance},
       {"snapshot", RandStream::snapshotFcn},
-      {"restore", counted(loaded, restore)},
+      {"restore", restore},
       {"delete", [loaded](int nlhs, txArrayPtr*, int nrhs,
                           txArray const** prhs) { deleteObject(*loaded, nlhs, nrhs, prhs); }},
   };

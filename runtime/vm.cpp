@@ -92,6 +92,4 @@ txArrayPtr Vm::evaluate(std::string_view source, language::Output* output) {
   });
 }
 
-std::uint64_t Vm::streamActivity() const noexcept { return loaded_->streamActivity; }
-
 }  // namespace runtime

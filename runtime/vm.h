@@ -3,7 +3,6 @@
 // One virtual machine of the embedded host with the random-number library loaded: what a C++
 // program includes to have all of it.
 
-#include <cstdint>
 #include <initializer_list>
 #include <memory>
 #include <span>
@@ -46,11 +45,6 @@ class TV_EXPORT Vm {
   // of its last statement that has one, null when none has. What it shows and prints goes to
   // `output`, nowhere when that is null. Errors: language::SourceError.
   txArrayPtr evaluate(std::string_view source, language::Output* output = nullptr);
-
-  // Counts the calls that may have moved a stream, by drawing from it or otherwise, or that have
-  // replaced the global stream. Unchanged means that nothing was drawn; a call refused for its
-  // arguments leaves it unchanged.
-  std::uint64_t streamActivity() const noexcept;
 
  private:
   std::unique_ptr<embedded_host::VmContext> context_;

@@ -9,32 +9,45 @@
 
 namespace shell {
 
+randstream* streamBehind(txArray const* object) noexcept {
+  try {
+    return mrGetCPPRandStreamFromTxArray(object);
+  } catch (...) {
+    return nullptr;
+  }
+}
+
 namespace {
 
 using embedded_host::Function;
 
 constexpr char const* kWatched[] = {"rand", "randn", "randi", "randperm", "advance", "reset"};
 
-// The stream of a call: that of its first argument when it is an object of the class, else the
-// global one.
-randstream& streamOf(int nrhs, txArray const** prhs, bool isMethod) {
-  if (isMethod) {
-    for (int i = 0; i < nrhs; ++i) {
-      embedded_host::ClassPtr const found = embedded_host::classOf(*prhs[i]);
-      if (found && found->name == "RandStream") return *mrGetCPPRandStreamFromTxArray(prhs[i]);
-    }
+// The stream of a call: that of its first argument that is an object of the class, else the global
+// one; null for a call that none can be found for.
+randstream* streamOf(int nrhs, txArray const** prhs, bool isMethod) noexcept {
+  txArray const* object = nullptr;
+  for (int i = nrhs; isMethod && i > 0;) {
+    embedded_host::ClassPtr const found = embedded_host::classOf(*prhs[--i]);
+    if (found && found->name == "RandStream") object = prhs[i];
   }
-  return *mrGetGlobalStream();
+  return streamBehind(object);
 }
 
 Function watched(std::string name, Function function, CallWatch* const* watch, bool isMethod) {
   return [=, name = std::move(name), function = std::move(function)](
              int nlhs, txArrayPtr* plhs, int nrhs, txArray const** prhs) {
+    randstream const* const source = *watch ? streamOf(nrhs, prhs, isMethod) : nullptr;
+    auto const before = source ? source->drawCounts() : randstream::DrawCounts();
+    bool const pending = source && source->pendingNormal();
     if (!(name == "advance" && nlhs == 0 && advancedSlowly(nrhs, prhs))) {
       function(nlhs, plhs, nrhs, prhs);
     }
-    if (*watch)
-      (*watch)->called(name, streamOf(nrhs, prhs, isMethod), plhs ? plhs[0].get() : nullptr);
+    if (!*watch) return;
+    // Another stream than before: the call has put it in the place of the global one.
+    if (randstream const* const stream = streamOf(nrhs, prhs, isMethod))
+      (*watch)->called({name, *stream, stream == source ? before : stream->drawCounts(), pending,
+                        plhs ? plhs[0].get() : nullptr});
   };
 }
 

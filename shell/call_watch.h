@@ -3,8 +3,6 @@
 // Calls that move streams, as the shell sees them: the functions on the global stream and the
 // methods of RandStream.
 
-#include <cstdint>
-#include <span>
 #include <string_view>
 
 #include "embedded_host/vm_context.h"
@@ -15,10 +13,22 @@ namespace shell {
 
 class CallWatch {
  public:
+  struct Call {
+    std::string_view name;
+    randstream const& stream;
+    randstream::DrawCounts before;  // of the stream
+    bool hadPendingNormal;
+    txArray const* result;  // null when there is none
+  };
+
   virtual ~CallWatch() = default;
-  // Told after each call that succeeded. `result` is null when there is none.
-  virtual void called(std::string_view name, randstream& stream, txArray const* result) = 0;
+  // Told after each call that succeeded.
+  virtual void called(Call const& call) = 0;
 };
+
+// The stream behind an object of RandStream, null for one that was deleted; the global stream when
+// `object` is null.
+randstream* streamBehind(txArray const* object) noexcept;
 
 // Passes the calls of a VM by `*watch` from now on, when that is not null, and makes long advances
 // of generators that cannot jump with a line of progress and so that an interrupt leaves the stream

@@ -8,7 +8,6 @@
 #include "host/ascii_case.h"
 #include "report/position.h"
 #include "rng/mr_functions.h"
-#include "shell/counting_view.h"
 
 namespace shell {
 
@@ -32,13 +31,13 @@ std::string counted(std::uint64_t n, char const* what) {
 }
 
 // Where a stream stands in its substream, as far as that can be found.
-std::optional<report::Position> positionOf(randstream& stream) {
+std::optional<report::Position> positionOf(randstream const& stream) {
   try {
     std::shared_ptr<randstream> const start(
         mrCreateRNGStream(stream.generatorType(), stream.numStreams(), stream.streamIndex(),
                           stream.seed(), nullptr, 0));
     if (stream.getSubstream() != 0) start->setSubstream(stream.getSubstream());
-    return report::positionBehind(stream, start, kSearched);
+    return report::positionBehind(*stream.clone(), start, kSearched);
   } catch (std::exception const&) {
     return std::nullopt;  // not one that can be made anew: the legacy stream
   }
@@ -80,55 +79,55 @@ struct Explanation::Watched {
   explicit Watched(Named named)
       : name(std::move(named.name)),
         object(std::move(named.object)),
-        before(positionOf(*mrGetCPPRandStreamFromTxArray(object.get()))),
-        counted(*mrGetCPPRandStreamFromTxArray(object.get())),
-        pending(counted.stream().pendingNormal()) {}
+        stream(streamBehind(object.get())),
+        before(positionOf(*stream)),
+        start(stream->drawCounts()) {}
+
+  bool isAlive() const { return streamBehind(object.get()) != nullptr; }
 
   std::string name;
   txArrayPtr object;  // keeps the stream, unless it is deleted
+  randstream const* stream;
   std::optional<report::Position> before;
-  CountedStream counted;
-  bool pending;
-  DrawCounts told;  // by lines so far
+  randstream::DrawCounts start;
+  bool wasCalled = false;
 };
 
 Explanation::Explanation(std::vector<Named> streams) {
   for (Named& named : streams) {
-    randstream const* const stream = mrGetCPPRandStreamFromTxArray(named.object.get());
-    bool const known = std::ranges::any_of(
-        streams_, [&](auto const& watched) { return &watched->counted.stream() == stream; });
-    if (!known) streams_.push_back(std::make_unique<Watched>(std::move(named)));
+    if (std::ranges::find(streams_, streamBehind(named.object.get()), &Watched::stream) ==
+        streams_.end())
+      streams_.emplace_back(std::move(named));
   }
 }
 
 Explanation::~Explanation() = default;
 
-void Explanation::called(std::string_view name, randstream& stream, txArray const* result) {
-  auto const found = std::ranges::find_if(streams_, [&](auto const& watched) {
-    return watched->counted.isAlive() && &watched->counted.stream() == &stream;
+void Explanation::called(Call const& call) {
+  randstream const& stream = call.stream;
+  auto const found = std::ranges::find_if(streams_, [&](Watched const& watched) {
+    return watched.isAlive() && watched.stream == &stream;
   });
-  if (found == streams_.end()) {
-    lines_.push_back(
-        fmt::format("  {:<9} from a stream that is new here and was not counted", name));
-    return;
-  }
-  Watched& watched = **found;
-  DrawCounts const now = watched.counted.counts();
-  std::uint64_t const drawn = now.uniforms - watched.told.uniforms;
-  std::uint64_t const normals = now.normals - watched.told.normals;
-  std::uint64_t const passed = now.passedOver - watched.told.passedOver;
+  if (found != streams_.end()) found->wasCalled = true;
+  randstream::DrawCounts const& now = stream.drawCounts();
+  std::uint64_t const drawn = now.uniforms - call.before.uniforms;
+  std::uint64_t const normals = now.normals - call.before.normals;
+  std::uint64_t const passed = now.passedOver - call.before.passedOver;
   std::string what;
-  if (name == "advance") {
+  if (call.name == "advance") {
     what = passed || drawn == 0 ? fmt::format("jumped over {}", counted(passed, "draw"))
                                 : fmt::format("drew and discarded {}", counted(drawn, "uniform"));
-  } else if (name == "reset") {
+  } else if (call.name == "reset") {
     what = "went back to the start of its seed";
+  } else if (drawn == 0 && normals == 0 && !call.hadPendingNormal) {
+    what = "drew nothing";
   } else {
+    txArray const* const result = call.result;
     std::uint64_t const values = result ? result->numel() * (result->isComplex() ? 2 : 1) : 0;
     std::uint64_t const used =
-        std::min(drawn, usedUniforms(name, stream, values, watched.pending, drawn));
+        std::min(drawn, usedUniforms(call.name, stream, values, call.hadPendingNormal, drawn));
     what = counted(values, "value");
-    if (name == "randn") what += fmt::format(" by {}", stream.getRandnAlg());
+    if (call.name == "randn") what += fmt::format(" by {}", stream.getRandnAlg());
     if (normals > 0) {
       what += fmt::format(": {} drawn, of the generator's own", counted(normals, "normal"));
     } else {
@@ -137,33 +136,34 @@ void Explanation::called(std::string_view name, randstream& stream, txArray cons
     }
     if (stream.pendingNormal()) what += "; one normal waits for the next call";
   }
-  watched.told = now;
-  watched.pending = stream.pendingNormal();
-  lines_.push_back(fmt::format("  {:<9} {}  [{}]", name, what, watched.name));
+  lines_.push_back(fmt::format("  {:<9} {}  [{}]", call.name, what,
+                               found != streams_.end()
+                                   ? found->name
+                                   : fmt::format("another stream: {}", stream.generatorType())));
 }
 
-std::string Explanation::text() {
+std::string Explanation::text() const {
   std::string out;
   for (std::string const& line : lines_) out += line + '\n';
   if (lines_.empty()) out += "  nothing was drawn\n";
-  for (auto const& watched : streams_) {
-    DrawCounts const counts = watched->counted.counts();  // looking for the place counts too
-    if (counts.uniforms == 0 && counts.normals == 0 && counts.passedOver == 0 && !counts.moved) {
+  for (Watched const& watched : streams_) {
+    if (!watched.isAlive()) {
+      if (watched.wasCalled) out += fmt::format("  {} is gone\n", watched.name);
       continue;
     }
-    if (!watched->counted.isAlive()) {
-      out += fmt::format("  {} is gone\n", watched->name);
-      continue;
-    }
-    randstream& stream = watched->counted.stream();
+    randstream const& stream = *watched.stream;
+    randstream::DrawCounts const& now = stream.drawCounts();
+    bool const moved = now.moves != watched.start.moves;
+    std::uint64_t const drawn = now.drawn() - watched.start.drawn();
+    if (drawn == 0 && !moved) continue;
     auto position = positionOf(stream);
     // Where drawing alone has brought it is known from where it came.
-    if (!position && watched->before && !counts.moved && counts.normals == 0 &&
+    if (!position && watched.before && !moved && now.normals == watched.start.normals &&
         stream.fullPrecision()) {
-      position = watched->before;
-      position->draws += counts.uniforms + counts.passedOver;
+      position = watched.before;
+      position->draws += drawn;
     }
-    out += fmt::format("  {} ({}, seed {}", watched->name, stream.generatorType(), stream.seed());
+    out += fmt::format("  {} ({}, seed {}", watched.name, stream.generatorType(), stream.seed());
     if (stream.numStreams() > 1) {
       out += fmt::format(", stream {} of {}", stream.streamIndex() + 1, stream.numStreams());
     }
@@ -178,9 +178,8 @@ std::string Explanation::text() {
     out += fmt::format(") stands {} {} from {} start", place(*position),
                        position->draws == 1 && !position->andAHalf ? "draw" : "draws",
                        stream.getSubstream() == 0 ? "its" : "the substream's");
-    out += watched->before ? fmt::format(", before {}\n", place(*watched->before)) : "\n";
+    out += watched.before ? fmt::format(", before {}\n", place(*watched.before)) : "\n";
   }
-  streams_.clear();
   return out;
 }
 

@@ -3,7 +3,6 @@
 // explain EXPRESSION: evaluates it, then tells what each of its calls drew and where the streams
 // stand now.
 
-#include <memory>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -29,14 +28,14 @@ class Explanation final : public CallWatch {
   explicit Explanation(std::vector<Named> streams);
   ~Explanation() override;
 
-  void called(std::string_view name, randstream& stream, txArray const* result) override;
-  // What was seen, in lines. Ends the counting.
-  std::string text();
+  void called(Call const& call) override;
+  // What was seen, in lines.
+  std::string text() const;
 
  private:
   struct Watched;
 
-  std::vector<std::unique_ptr<Watched>> streams_;
+  std::vector<Watched> streams_;
   std::vector<std::string> lines_;
 };
 

@@ -17,7 +17,7 @@ Interpreter::Interpreter(Echo echo)
   style_.width = terminalWidth(STDOUT_FILENO);
   registerShellFunctions(*this);
   watchCalls(vm_.context(), &watch_);
-  session_.atStatement([this] { activityBefore_ = vm_.streamActivity(); });
+  session_.atStatement([this] { beginStatement(); });
   vm_.context().setWarningSink([this](auto const& id, std::string const& text) { warn(id, text); });
 }
 
@@ -30,7 +30,7 @@ Interpreter::Outcome Interpreter::run(std::string_view source, std::string const
   source_ = source;
   fileName_ = fileName;
   warned_.clear();
-  activityBefore_ = vm_.streamActivity();
+  beginStatement();
   try {
     session_.run(source);
     return Outcome::done;
@@ -53,9 +53,8 @@ Interpreter::Outcome Interpreter::explain(std::string_view source, std::size_t f
     if (kind && kind->name == "RandStream") streams.push_back({name, txShare(*value)});
   }
   streams.push_back({"the global stream", vm_.call("RandStream.global")});
-  std::erase_if(streams, [](Explanation::Named const& named) {
-    return *embedded_host::storedProperty(*named.object, "StreamID")->dataAs<std::uint64_t>() == 0;
-  });
+  std::erase_if(streams,
+                [](Explanation::Named const& named) { return !streamBehind(named.object.get()); });
   Explanation explanation(std::move(streams));
   struct Watching {
     explicit Watching(CallWatch*& slot) : slot_(slot) {}
@@ -70,10 +69,14 @@ Interpreter::Outcome Interpreter::explain(std::string_view source, std::size_t f
   return outcome;
 }
 
+void Interpreter::beginStatement() {
+  drawnAtStart_ = randstream::drawnInThread();
+}
+
 // That nothing was drawn is worth a word where a call of the library was refused; that something
 // was, always.
 std::optional<bool> Interpreter::drawnBefore(language::SourceError const& error) const {
-  bool const drawn = vm_.streamActivity() != activityBefore_;
+  bool const drawn = randstream::drawnInThread() != drawnAtStart_;
   bool const ofLanguage = error.identifier().starts_with("TALVOR:language:");
   if (!drawn && ofLanguage) return std::nullopt;
   return drawn;

@@ -56,6 +56,7 @@ class Interpreter final : private language::Output {
   Outcome explain(std::string_view source, std::size_t from, std::string const& fileName,
                   bool mayContinue);
   void warn(foundation::core::except::MessageId const& id, std::string const& text);
+  void beginStatement();
   std::optional<bool> drawnBefore(language::SourceError const& error) const;
 
   Echo echo_;
@@ -66,9 +67,9 @@ class Interpreter final : private language::Output {
   language::Session session_;
   std::string_view source_;  // of the program that runs
   std::string fileName_;
-  std::set<std::string> warned_;
-  std::uint64_t activityBefore_ = 0;
-  CallWatch* watch_ = nullptr;  // while something is explained
+  std::set<std::string> warned_;    // in the statement
+  std::uint64_t drawnAtStart_ = 0;  // of the statement
+  CallWatch* watch_ = nullptr;      // while something is explained
 };
 
 }  // namespace shell

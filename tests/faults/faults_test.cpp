@@ -108,9 +108,6 @@ TEST_P(EveryGenerator, StateSavedBetweenAnyTwoDrawsRestoresWhatFollows) {
   }
 }
 
-INSTANTIATE_TEST_SUITE_P(Generators, EveryGenerator, testing::ValuesIn(kGenerators),
-                         [](auto const& row) { return row.param; });
-
 // Fails each request of `attempt` in turn until it asks for no more, with `check` after each
 // failure. Returns how many have failed. An attempt without failures comes before. Memory is
 // counted after attempts that went well: what one leaves to the next, such as the place of an
@@ -136,6 +133,14 @@ long failInTurn(std::function<void()> const& attempt, std::function<void()> cons
   }
 }
 
+TEST_P(EveryGenerator, FailedCloneLeavesNothing) {
+  auto const stream = make();
+  EXPECT_GT(failInTurn([&] { stream->clone(); }, [] {}), 0);
+}
+
+INSTANTIATE_TEST_SUITE_P(Generators, EveryGenerator, testing::ValuesIn(kGenerators),
+                         [](auto const& row) { return row.param; });
+
 struct Call {
   char const* function;
   char const* arguments;  // a cell of them
@@ -151,7 +156,8 @@ TEST_P(OutOfMemory, FailedCallMovesNoStreamAndTheNextOneWorks) {
   for (std::uint64_t i = 0; i < cell->numel(); ++i) given.push_back(cell->cell(i));
   txArrayPtr const object = vm.evaluate("s");
   auto const stands = [&] {
-    return std::pair(stateOf(*mrGetCPPRandStreamFromTxArray(object.get())), globalState());
+    return std::tuple(stateOf(*mrGetCPPRandStreamFromTxArray(object.get())), globalState(),
+                      randstream::drawnInThread());
   };
   auto const attempt = [&] { vm.call(GetParam().function, given, 0); };
   attempt();

@@ -1,6 +1,9 @@
-// Copies of a stream, and the way back to one.
+// Copies of a stream, the way back to one, and the count of what a stream drew.
 
 #include <gmock/gmock.h>
+
+#include <functional>
+#include <numeric>
 
 #include "rng/mr_functions.h"
 #include "rng/snapshot.h"
@@ -36,6 +39,7 @@ TEST_P(Clone, IsTheStreamOverAgainAndAStreamOfItsOwn) {
   EXPECT_EQ(takeSnapshot(*copy), before);
   EXPECT_STREQ(copy->generatorType(), GetParam());
   EXPECT_STREQ(copy->getRandnAlg(), "POLAR");
+  EXPECT_EQ(copy->drawCounts().drawn(), stream->drawCounts().drawn());
   normals(*copy, 20);
   copy->reset(3);
   EXPECT_EQ(takeSnapshot(*stream), before);
@@ -92,15 +96,86 @@ TEST(CloneOfAForeignPlugin, IsRefusedWhereNoFactoryKnowsIt) {
   EXPECT_EQ(argumentsOf([&] { stream.clone(); }), "scripted");
 }
 
-TEST(Rewind, TakesBackTheDraws) {
+TEST(Rewind, TakesBackTheDrawsAndTheirCount) {
   Stream const stream = make("mt19937ar");
   normals(*stream, 5);
   Stream earlier = stream->clone();
   std::string const before = takeSnapshot(*stream);
+  auto const drawn = std::pair(stream->drawCounts().drawn(), randstream::drawnInThread());
   stream->setRandnAlg("Polar");
   normals(*stream, 5);
   stream->rewind(std::move(earlier));
   EXPECT_EQ(takeSnapshot(*stream), before);
+  EXPECT_EQ(std::pair(stream->drawCounts().drawn(), randstream::drawnInThread()), drawn);
+}
+
+TEST(DrawCounts, AreWhatTheGeneratorWasAskedFor) {
+  std::vector<double> out(2000);
+  double* const to = out.data();
+  auto* const floats = reinterpret_cast<float*>(to);
+  auto* const bytes = reinterpret_cast<std::uint8_t*>(to);
+  std::vector<std::function<void(randstream&)>> const operations = {
+      [&](randstream& s) { s.randuFcn(to, 1000); },
+      [&](randstream& s) { s.randuFcn(floats, 250); },
+      [&](randstream& s) { s.setAntithetic(true), s.randuFcn(to, 250); },
+      [&](randstream& s) { s.randiFcn(1, 6, bytes, 250); },
+      [&](randstream& s) { s.randnFcn(to, 7, true); },
+      [&](randstream& s) { s.randnFcn(floats, 130, true); },
+      [&](randstream& s) { s.setRandnAlg("Ziggurat"), s.randnFcn(to, 130, false); },
+      [&](randstream& s) { s.setRandnAlg("Polar"), s.randnFcn(to, 7, false); },
+      [&](randstream& s) { s.setRandnAlg("Inversion"), s.randnFcn(floats, 7, false); },
+      [&](randstream& s) { s.randpermFcn(to, 20); },
+      [&](randstream& s) { s.randkpermFcn(to, 300, 300); },
+      [&](randstream& s) { s.randkpermFcn(to, 10, 1e6); },
+      [&](randstream& s) { s.randkpermFcn(to, 200, 300); },
+      [&](randstream& s) { s.advance(250); },
+      [&](randstream& s) { s.reset(1), s.setFullPrecision(false), s.randuFcn(to, 0); },
+  };
+  for (auto const& operation : operations) {
+    for (std::size_t const failsAfter : {5000, 0, 3, 110}) {
+      Script script;
+      script.uniforms.assign(failsAfter, 0.3);
+      script.normals.assign(500, 0.5);
+      randstream stream("scripted", 0, new ScriptedNormalPlugin(script), 1, 0);
+      auto const before = randstream::drawnInThread();
+      try {
+        operation(stream);
+      } catch (std::exception const&) {
+      }
+      auto const total = [](auto const& requests) {
+        return std::accumulate(requests.begin(), requests.end(), std::size_t{0});
+      };
+      EXPECT_EQ(stream.drawCounts().uniforms, total(script.requests))
+          << &operation - &operations[0];
+      EXPECT_EQ(stream.drawCounts().normals, total(script.normalRequests));
+      EXPECT_EQ(randstream::drawnInThread() - before, stream.drawCounts().drawn());
+    }
+  }
+}
+
+TEST(DrawCounts, TellJumpsAndMovesApartAndRefusedOnesNotAtAll) {
+  Stream const stream = make("mrg32k3a");
+  auto const& counts = stream->drawCounts();
+  stream->advance(1'000'000);
+  EXPECT_EQ(counts.passedOver, 1'000'000U);
+  EXPECT_EQ(counts.moves, 0U);
+  std::string const snapshot = takeSnapshot(*stream);
+  unsigned char state[48] = {};
+  stream->getStateBuf(state, sizeof state);
+  std::uint64_t moves = 0;
+  for (auto const& move : std::vector<std::function<void()>>{
+           [&] { stream->reset(5); }, [&] { stream->setSubstream(2); },
+           [&] { stream->setStateBuf(state, sizeof state); },
+           [&] { restoreSnapshot(*stream, snapshot); }}) {
+    move();
+    EXPECT_EQ(counts.moves, ++moves);
+  }
+  std::fill(std::begin(state), std::end(state), 255);
+  EXPECT_NE(identifierOf([&] { stream->setStateBuf(state, sizeof state); }), "no error");
+  EXPECT_NE(identifierOf([&] { stream->setSubstream(~0UL); }), "no error");
+  EXPECT_NE(identifierOf([&] { restoreSnapshot(*stream, snapshot.substr(1)); }), "no error");
+  EXPECT_EQ(counts.moves, moves);
+  EXPECT_EQ(counts.drawn(), 1'000'000U);
 }
 
 }  // namespace

@@ -153,7 +153,7 @@ class CallTable : public VmTest, public testing::WithParamInterface<Block> {
 
   void expectRefusal(std::string const& statement, std::string const& expected) {
     std::string const before = snapshot();
-    std::uint64_t const activity = vm.streamActivity();
+    std::uint64_t const drawn = randstream::drawnInThread();
     try {
       vm.evaluate(statement);
       ADD_FAILURE() << "accepted";
@@ -165,7 +165,7 @@ class CallTable : public VmTest, public testing::WithParamInterface<Block> {
       if (expected.find('(') != std::string::npos) told += " (" + argumentsOf(id) + ")";
       EXPECT_EQ(told, expected);
     }
-    EXPECT_EQ(vm.streamActivity(), activity);
+    EXPECT_EQ(randstream::drawnInThread(), drawn);
     EXPECT_EQ(snapshot(), before);
   }
 
@@ -177,6 +177,7 @@ class CallTable : public VmTest, public testing::WithParamInterface<Block> {
       vm.evaluate("clearGlobalRandStream; RandStream.global();");
       std::string const before = snapshot();
       auto const blocks = embedded_host::allocationCounts().liveBlocks;
+      std::uint64_t const drawn = randstream::drawnInThread();
       embedded_host::FailingAllocation const failing(k);
       std::string const error = identifierOf([&] { vm.call(function, arguments, 0); });
       EXPECT_EQ(error, failing.happened() ? "TALVOR:nomem" : "no error") << "request " << k;
@@ -185,6 +186,7 @@ class CallTable : public VmTest, public testing::WithParamInterface<Block> {
         return;
       }
       ASSERT_EQ(embedded_host::allocationCounts().liveBlocks, blocks) << "request " << k;
+      ASSERT_EQ(randstream::drawnInThread(), drawn) << "request " << k;
       ASSERT_EQ(snapshot(), before) << "request " << k;
     }
     ADD_FAILURE() << "asks for memory without end";

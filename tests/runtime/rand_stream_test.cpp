@@ -6,7 +6,9 @@
 #include <thread>
 
 #include "embedded_host/allocator.h"
+#include "embedded_host/messages.h"
 #include "embedded_host/object_system.h"
+#include "rng/snapshot.h"
 #include "tests/support/calls.h"
 #include "tests/support/identifiers.h"
 #include "vmstate/legacy_mode.h"
@@ -31,17 +33,53 @@ class RandStreamClass : public VmTest {
   void draw(txArrayPtr const& object) { run("rand", args(txShare(*object))); }
 };
 
-TEST_F(RandStreamClass, ActivityTellsWhetherAStreamMoved) {
-  txArrayPtr const object = make("mrg32k3a");
-  auto const activityOf = [&](auto&& action) {
-    std::uint64_t const before = vm.streamActivity();
-    action();
-    return vm.streamActivity() - before;
+// Whatever stream a statement draws from and whatever becomes of it, and of classes that take part.
+TEST_F(RandStreamClass, DrawsOfAStatementAreCounted) {
+  struct Row {
+    char const* statement;
+    std::uint64_t drawn;
   };
-  EXPECT_EQ(activityOf([&] { draw(object); }), 1U);
-  EXPECT_EQ(activityOf([&] { run("rand"); }), 1U);
-  EXPECT_EQ(activityOf([&] { setProperty(*object, "Substream", *toArgument(2.0)); }), 1U);
-  EXPECT_EQ(activityOf([&] { txGetProperty(*object, "State"); }), 0U);
+  embedded_host::ClassDefinition definition{.name = "Drawing"};
+  definition.constructor = [&](int, txArrayPtr* plhs, int, txArray const**) {
+    plhs[0] = embedded_host::makeObject(vm.context().classes().find("Drawing"));
+  };
+  definition.methods["double"] = [&](int, txArrayPtr*, int, txArray const**) {
+    run("rand", args(1, 7));
+    embedded_host::raiseHostError("TALVOR:nomem", 1);
+  };
+  vm.context().classes().add(std::move(definition));
+  vm.evaluate("s = RandStream('mrg32k3a'); t = RandStream('mrg32k3a'); x = snapshot(t);");
+  for (Row const& row : {
+           Row{"rand(2)", 4},
+           Row{"rand(RandStream('philox4x32_10'),3) + noSuchName", 9},
+           Row{"[rand(s,1,2) randi(t,6,1,3) rand(1,4) rand(s,'x')]", 9},
+           Row{"if rand(s) < 2, delete(s), error('my:id','text'), end", 1},
+           Row{"if rand < 2, RandStream.global(t); rand(1,2); clearGlobalRandStream; rand, end", 4},
+           Row{"if advance(t,1000), end", 0},  // has no output
+           Row{"t.advance(1000)", 1000},
+           Row{"rand(Drawing(),2)", 7},
+           Row{"RandStream.global(RandStream('shr3cong'))", 0},
+           Row{"t.Substream = 3; t.Antithetic = true; reset(t), restore(t,x), y = t.State;", 0},
+           Row{"rand('seed',1)", 0},
+           Row{"randi([5 1])", 0},
+       }) {
+    std::uint64_t const before = randstream::drawnInThread();
+    try {
+      vm.evaluate(row.statement);
+    } catch (language::SourceError const&) {
+    }
+    EXPECT_EQ(randstream::drawnInThread() - before, row.drawn) << row.statement;
+  }
+}
+
+TEST_F(RandStreamClass, LegacyStreamCanBeCloned) {
+  vm.evaluate("randn('seed',3); rand('state',5); rand(1,3); randn(1,3);");
+  randstream& stream = *mrGetGlobalStream();
+  auto const copy = stream.clone();
+  EXPECT_EQ(takeSnapshot(*copy), takeSnapshot(stream));
+  double drawn;
+  copy->randnFcn(&drawn, 1, false);
+  EXPECT_NE(takeSnapshot(*copy), takeSnapshot(stream));
 }
 
 // Owners of a stream: the global record, the default record and two objects, dropped in turn.

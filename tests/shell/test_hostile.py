@@ -57,6 +57,15 @@ class Hostile(unittest.TestCase):
                 for line in done.stderr.splitlines():
                     self.assertLessEqual(len(line), 200)
 
+    @unittest.skipIf(SANITIZED, "needs the limit")
+    def test_a_result_without_memory_draws_nothing(self):
+        for statement, told in ((b"rand(1e9,1)", b"nothing was drawn"),
+                                (b"rand; x = rand(1e9,1)", b"nothing was drawn"),
+                                (b"x = [rand rand(1e9,1)]", b"numbers were drawn before it")):
+            done = subprocess.run([TVRNG, "-e", statement], capture_output=True, timeout=120,
+                                  preexec_fn=limit_memory)
+            self.assertIn(b"[TALVOR:nomem]  " + told, done.stderr)
+
 
 if __name__ == "__main__":
     TVRNG = sys.argv.pop(1)
