@@ -29,7 +29,6 @@ Interpreter::Outcome Interpreter::run(std::string_view source, std::string const
   if (explained != std::string_view::npos) return explain(source, explained, fileName, mayContinue);
   source_ = source;
   fileName_ = fileName;
-  warned_.clear();
   beginStatement();
   try {
     session_.run(source);
@@ -70,6 +69,7 @@ Interpreter::Outcome Interpreter::explain(std::string_view source, std::size_t f
 }
 
 void Interpreter::beginStatement() {
+  warned_.clear();
   drawnAtStart_ = randstream::drawnInThread();
 }
 
@@ -82,7 +82,7 @@ std::optional<bool> Interpreter::drawnBefore(language::SourceError const& error)
   return drawn;
 }
 
-// A warning that a loop repeats is told once.
+// A warning that a loop repeats is told once a statement.
 void Interpreter::warn(foundation::core::except::MessageId const& id, std::string const& text) {
   try {
     if (!warned_.insert(id.identifier() + text).second) return;
