@@ -3,14 +3,13 @@
 #include <unistd.h>
 
 #include <algorithm>
-#include <cstring>
-#include <limits>
 #include <optional>
 #include <string>
 #include <utility>
 #include <vector>
 
 #include "python/errors.h"
+#include "python/values.h"
 
 namespace py = pybind11;
 
@@ -38,9 +37,6 @@ constexpr char const* kArgumentNames[] = {"dtype", "out", "order"};
 struct Keywords {
   py::handle dtype, out, order;  // null where not given, or None
 };
-
-std::string quoted(py::handle value) { return py::repr(value).cast<std::string>(); }
-std::string typeName(py::handle value) { return Py_TYPE(value.ptr())->tp_name; }
 
 Keywords readKeywords(Call const& call) {
   Keywords found;
@@ -87,20 +83,22 @@ Element elementOf(Call const& call, py::handle wanted, std::span<Element const> 
   std::optional<py::dtype> type;
   try {
     type = py::dtype::from_args(py::reinterpret_borrow<py::object>(wanted));
-  } catch (py::error_already_set const&) {
+  } catch (py::error_already_set const& error) {
+    if (!error.matches(PyExc_Exception)) throw;
+  }
+  if (!type)
     refuse(Kind::type, "InvalidDtype",
            quoted(wanted) + " is no dtype; " + call.function + "() makes " + namesOf(allowed));
-  }
   return elementOf(call, *type, allowed);
 }
 
 Py_ssize_t dimensionOf(py::handle value) {
-  if (!PyIndex_Check(value.ptr()))
+  py::object const whole = wholeNumber(value);
+  if (!whole)
     refuse(
         Kind::type, "InvalidShape",
         "a dimension must be a whole number, not " + quoted(value) + " of type " + typeName(value));
-  Py_ssize_t const n = PyNumber_AsSsize_t(value.ptr(), nullptr);  // clips what is too large
-  if (n == -1 && PyErr_Occurred()) throw py::error_already_set();
+  Py_ssize_t const n = PyNumber_AsSsize_t(whole.ptr(), nullptr);  // clips what is too large
   if (n < 0)
     refuse(Kind::value, "InvalidShape", "a dimension cannot be negative: " + quoted(value));
   return n;
@@ -129,7 +127,8 @@ void checkSize(Shape const& shape, int elementSize) {
   static double const memory =
       static_cast<double>(sysconf(_SC_PHYS_PAGES)) * static_cast<double>(sysconf(_SC_PAGESIZE));
   double bytes = elementSize;
-  for (Py_ssize_t const n : shape) bytes *= static_cast<double>(n);
+  // An array without elements has strides too.
+  for (Py_ssize_t const n : shape) bytes *= static_cast<double>(std::max<Py_ssize_t>(n, 1));
   if (bytes > memory)
     refuse(Kind::memory, "TooLarge",
            "an array of shape " + shapeText(shape) +
@@ -146,7 +145,16 @@ py::array makeArray(Shape const& shape, Element element, char order) {
     strides[at] = step;
     step *= std::max<Py_ssize_t>(shape[at], 1);
   }
-  return py::array(py::dtype(std::string(1, row.kind) + std::to_string(row.size)), shape, strides);
+  py::dtype const type(std::string(1, row.kind) + std::to_string(row.size));
+  try {
+    return py::array(type, shape, strides);
+  } catch (py::error_already_set const& error) {
+    bool const isMemory = error.matches(PyExc_MemoryError);
+    if (!isMemory && !error.matches(PyExc_ValueError)) throw;
+    std::string text = py::str(error.value());  // NumPy's limits
+    if (isMemory) throw Refusal(Kind::memory, "TALVOR:nomem", std::move(text));
+    refuse(Kind::value, "InvalidShape", std::move(text));
+  }
 }
 
 [[noreturn]] void refuseOut(Kind kind, std::string const& text) {
@@ -194,17 +202,19 @@ std::optional<Shape> readShape(Call const& call, Py_ssize_t leading) {
                                           static_cast<std::size_t>(call.positional - leading));
   if (values.empty()) return std::nullopt;
   Shape shape;
-  // NumPy's arrays pass for indices, too.
-  if (values.size() > 1 || (PyIndex_Check(values[0]) && !PySequence_Check(values[0]))) {
+  py::handle const first = values[0];
+  if (values.size() > 1 || wholeNumber(first)) {
     for (PyObject* const value : values) shape.push_back(dimensionOf(value));
     return shape;
   }
-  py::handle const only = values[0];
-  if (!py::isinstance<py::sequence>(only) || py::isinstance<py::str>(only))
+  bool const isText =
+      PyUnicode_Check(first.ptr()) || PyBytes_Check(first.ptr()) || PyByteArray_Check(first.ptr());
+  if (!py::isinstance<py::sequence>(first) || isText)
     refuse(Kind::type, "InvalidShape",
-           "a shape is given as whole numbers or as a tuple of them, not as " + quoted(only));
-  for (py::handle const value : py::reinterpret_borrow<py::sequence>(only))
-    shape.push_back(dimensionOf(value));
+           "a shape is given as whole numbers or as a tuple of them, not as " + quoted(first));
+  // Nobody else may hold a dimension: arrays make them as they are asked for.
+  for (py::object const dimension : py::reinterpret_borrow<py::sequence>(first))
+    shape.push_back(dimensionOf(dimension));
   return shape;
 }
 
@@ -221,45 +231,6 @@ Result readResult(Call const& call, std::optional<Shape> const& shape,
 py::object Result::finish() && {
   if (!isScalar) return std::move(object);
   return object[py::tuple()];
-}
-
-std::uint64_t readCount(py::handle value, char const* what) {
-  if (PyIndex_Check(value.ptr())) {
-    py::object const whole = py::reinterpret_steal<py::object>(PyNumber_Index(value.ptr()));
-    if (!whole) throw py::error_already_set();
-    std::uint64_t const count = PyLong_AsUnsignedLongLong(whole.ptr());
-    if (!PyErr_Occurred()) return count;
-    PyErr_Clear();  // negative or beyond 2^64
-    refuse(Kind::value, "InvalidNumber",
-           std::string(what) + " must be from 0 to 2^64 - 1, not " + quoted(value));
-  }
-  refuse(Kind::type, "InvalidNumber",
-         std::string(what) + " must be a whole number, not " + quoted(value));
-}
-
-namespace {
-
-double readLimit(py::handle value) {
-  double const limit = PyFloat_AsDouble(value.ptr());
-  if (limit != -1 || !PyErr_Occurred()) return limit;
-  bool const tooLarge = PyErr_ExceptionMatches(PyExc_OverflowError);
-  PyErr_Clear();
-  if (tooLarge) return std::numeric_limits<double>::infinity();
-  refuse(Kind::type, "InvalidLimits",
-         "the limits must be a whole number n, for 1 to n, or a pair (lowest, highest), not " +
-             quoted(value));
-}
-
-}  // namespace
-
-Limits readLimits(py::handle value) {
-  if (!PyTuple_Check(value.ptr()) && !PyList_Check(value.ptr())) return {1, readLimit(value)};
-  auto const pair = py::reinterpret_borrow<py::sequence>(value);
-  if (pair.size() != 2) {
-    refuse(Kind::value, "InvalidLimits",
-           "a pair of limits is (lowest, highest), not " + quoted(value));
-  }
-  return {readLimit(pair[0]), readLimit(pair[1])};
 }
 
 }  // namespace tvpython

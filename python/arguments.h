@@ -7,7 +7,6 @@
 #include <pybind11/pybind11.h>
 
 #include <cstddef>
-#include <cstdint>
 #include <optional>
 #include <span>
 #include <vector>
@@ -78,16 +77,5 @@ std::optional<Shape> readShape(Call const& call, Py_ssize_t leading);
 // InvalidOrder, InvalidOut, TooLarge.
 Result readResult(Call const& call, std::optional<Shape> const& shape,
                   std::span<Element const> allowed);
-
-// A whole number of [0, 2^64); `what` names it in the error TALVOR:python:InvalidNumber.
-std::uint64_t readCount(pybind11::handle value, char const* what);
-
-// The limits of randi: n for 1 to n, or a pair.
-struct Limits {
-  double lowest;
-  double highest;
-};
-// Errors: TALVOR:python:InvalidLimits; values are left to the library.
-Limits readLimits(pybind11::handle value);
 
 }  // namespace tvpython

@@ -30,8 +30,10 @@ char const* className(Kind kind) noexcept {
   return "TvError";
 }
 
+constexpr char const* kNoMemory = "TALVOR:nomem";
+
 Kind kindOf(std::string const& libraryIdentifier) noexcept {
-  return libraryIdentifier == "TALVOR:nomem" ? Kind::memory : Kind::value;
+  return libraryIdentifier == kNoMemory ? Kind::memory : Kind::value;
 }
 
 void setTvError(Kind kind, std::string const& identifier, char const* text) {
@@ -47,6 +49,8 @@ bool setIfOurs() {
     setTvError(refusal.kind(), refusal.identifier(), refusal.what());
   } catch (AnyException const& error) {
     setTvError(kindOf(error.GetID()), error.GetID(), error.text());
+  } catch (std::bad_alloc const&) {
+    setTvError(Kind::memory, kNoMemory, "There is not enough memory.");
   } catch (...) {
     return false;
   }
@@ -71,8 +75,6 @@ void setPythonError() noexcept {
     throw;
   } catch (py::error_already_set& error) {
     error.restore();
-  } catch (std::bad_alloc const&) {
-    PyErr_NoMemory();
   } catch (std::exception const& error) {
     PyErr_SetString(PyExc_RuntimeError, error.what());
   } catch (...) {

@@ -11,6 +11,7 @@
 #include "python/docs.h"
 #include "python/errors.h"
 #include "python/method.h"
+#include "python/values.h"
 
 namespace py = pybind11;
 

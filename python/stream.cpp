@@ -3,14 +3,13 @@
 #include <pybind11/numpy.h>
 
 #include <algorithm>
-#include <random>
 #include <string_view>
 #include <utility>
 
-#include "python/arguments.h"
 #include "python/docs.h"
 #include "python/errors.h"
 #include "python/method.h"
+#include "python/values.h"
 #include "rng/mr_functions.h"
 #include "rng/snapshot.h"
 #include "vmstate/generator_aliases.h"
@@ -45,36 +44,6 @@ std::string canonicalName(std::string const& given) {
   throw Refusal(Kind::value, "TALVOR:RandStream:create:UnknownRNGType",
                 "There is no generator named \"" + given + "\". tvmathrng.generators() lists " +
                     "them: " + py::str(", ").attr("join")(generatorNames()).cast<std::string>());
-}
-
-std::uint32_t readSeed(py::handle value, char const* path) {
-  if (PyUnicode_Check(value.ptr()) && PyUnicode_CompareWithASCIIString(value.ptr(), "entropy") == 0)
-    return std::random_device()();
-  if (PyIndex_Check(value.ptr())) {
-    auto const seed = py::reinterpret_steal<py::object>(PyNumber_Index(value.ptr()));
-    if (!seed) throw py::error_already_set();
-    std::uint64_t const number = PyLong_AsUnsignedLongLong(seed.ptr());
-    bool const fits = !PyErr_Occurred() && number <= 0xFFFFFFFF;
-    PyErr_Clear();
-    if (fits) return static_cast<std::uint32_t>(number);
-  }
-  refuseAsLibrary(path, "BadSeed");
-}
-
-bool readFlag(py::handle value, char const* what) {
-  py::detail::make_caster<bool> flag;  // takes NumPy's too
-  if (!flag.load(value, false))
-    refuse(
-        Kind::type, "InvalidFlag",
-        std::string(what) + " must be True or False, not " + py::repr(value).cast<std::string>());
-  return py::detail::cast_op<bool>(flag);
-}
-
-std::string readText(py::handle value, char const* what) {
-  if (!PyUnicode_Check(value.ptr()))
-    refuse(Kind::type, "InvalidText",
-           std::string(what) + " must be a string, not " + py::repr(value).cast<std::string>());
-  return value.cast<std::string>();
 }
 
 // The generators that have a name keep their state in one array, of one of three classes.
@@ -165,14 +134,15 @@ void advance(py::handle self, py::object const& n) {
   draw(streamOf(self.ptr()), draws, [&](randstream& stream) { stream.advance(draws); });
 }
 
-std::unique_ptr<Stream> atSubstream(py::handle self, py::object const& index) {
+std::unique_ptr<Stream> atSubstream(py::handle self, py::object const& k) {
+  std::uint64_t const index = readCount(k, "k");
   Stream::Use const use(streamOf(self.ptr()));
   auto item = makeStream(use->generatorType(), use->seed(), use->streamIndex(), use->numStreams());
   randstream& settings = item->get();
   settings.setFullPrecision(use->fullPrecision());
   settings.setAntithetic(use->antithetic());
   settings.setRandnAlg(use->getRandnAlg());
-  settings.setSubstream(readCount(index, "k"));
+  settings.setSubstream(index);
   return item;
 }
 

@@ -24,12 +24,24 @@ def misaligned():
     return np.empty(25, np.uint8)[1:].view(np.float64)
 
 
+class Unshown:
+    def __repr__(self):
+        raise ValueError("not now")
+
+
 BAD_SAMPLING = [
     (lambda s: s.rand(-1), ValueError, OWN + "InvalidShape", "negative"),
     (lambda s: s.rand(2, 1.5), TypeError, OWN + "InvalidShape", "1.5"),
     (lambda s: s.rand("3"), TypeError, OWN + "InvalidShape", "'3'"),
     (lambda s: s.rand((2, "x")), TypeError, OWN + "InvalidShape", "'x'"),
     (lambda s: s.rand([2], 3), TypeError, OWN + "InvalidShape", "[2]"),
+    (lambda s: s.rand(b"34"), TypeError, OWN + "InvalidShape", "b'34'"),
+    (lambda s: s.rand(np.array([3]), 2), TypeError, OWN + "InvalidShape", "array([3])"),
+    (lambda s: s.rand(-10**5000), ValueError, OWN + "InvalidShape", "of type int"),
+    (lambda s: s.rand(*[1] * 100), ValueError, OWN + "InvalidShape", "dimension"),
+    (lambda s: s.rand(Unshown()), TypeError, OWN + "InvalidShape", "Unshown"),
+    (lambda s: s.rand("\ud800"), TypeError, OWN + "InvalidShape", "ud800"),
+    (lambda s: s.rand(2**62, 2**62, 0), MemoryError, OWN + "TooLarge", "memory"),
     (lambda s: s.rand(10**6, 10**6, 10**6), MemoryError, OWN + "TooLarge", "memory"),
     (lambda s: s.rand(2**62, 2**62), MemoryError, OWN + "TooLarge", "memory"),
     (lambda s: s.rand(10**30), MemoryError, OWN + "TooLarge", "memory"),
@@ -72,6 +84,8 @@ BAD_CONTROL = [
     (lambda s: setattr(s, "substream", -1), ValueError, OWN + "InvalidNumber", "-1"),
     (lambda s: setattr(s, "substream", 0.5), TypeError, OWN + "InvalidNumber", "0.5"),
     (lambda s: setattr(s, "randn_alg", "Fast"), ValueError, LIBRARY + "set:UnknownRandnAlg", "Fast"),
+    (lambda s: setattr(s, "randn_alg", "Polar\0"), ValueError, OWN + "InvalidText", "Polar"),
+    (lambda s: setattr(s, "randn_alg", "\ud800"), ValueError, OWN + "InvalidText", "ud800"),
     (lambda s: setattr(s, "randn_alg", 3), TypeError, OWN + "InvalidText", "3"),
     (lambda s: setattr(s, "antithetic", "no"), TypeError, OWN + "InvalidFlag", "'no'"),
     (lambda s: setattr(s, "state", s.state[1:]), ValueError, LIBRARY + "set:InvalidStateLen", "philox"),
@@ -79,6 +93,11 @@ BAD_CONTROL = [
     (lambda s: setattr(s, "state", 0 * s.state), ValueError,
      LIBRARY + "philox4x32_10:InvalidState", "philox"),
     (lambda s: s.advance(-1), ValueError, OWN + "InvalidNumber", "-1"),
+    (lambda s: s.advance(10**5000), ValueError, OWN + "InvalidNumber", "of type int"),
+    (lambda s: s.advance(np.array([3])), TypeError, OWN + "InvalidNumber", "array([3])"),
+    (lambda s: s.reset(np.array([3])), ValueError, LIBRARY + "reset:BadSeed", "4294967295"),
+    (lambda s: s.at_substream(-1), ValueError, OWN + "InvalidNumber", "k"),
+    (lambda s: s.restore("\udfff"), ValueError, OWN + "InvalidText", "udfff"),
     (lambda s: s.advance(2**64), ValueError, OWN + "InvalidNumber", "2^64"),
     (lambda s: s.reset(2**32), ValueError, LIBRARY + "reset:BadSeed", "4294967295"),
     (lambda s: s.restore("nothing"), ValueError, LIBRARY + "snapshot:NotASnapshot", "snapshot"),
@@ -90,6 +109,10 @@ BAD_CONTROL = [
 ]
 BAD_CREATION = [
     (lambda: tv.RandStream("foo"), ValueError, LIBRARY + "create:UnknownRNGType", "philox4x32_10"),
+    (lambda: tv.RandStream("\udc80"), ValueError, OWN + "InvalidText", "udc80"),
+    (lambda: tv.RandStream("mt19937ar\0x"), ValueError, OWN + "InvalidText", "x00x"),
+    (lambda: tv.streams("philox", 0), ValueError, LIBRARY + "create:BadNumStreams", "1"),
+    (lambda: tv.streams("philox", -2), ValueError, OWN + "InvalidNumber", "-2"),
     (lambda: tv.RandStream(7), TypeError, OWN + "InvalidText", "7"),
     (lambda: tv.RandStream(seed=-1), ValueError, LIBRARY + "create:BadSeed", "4294967295"),
     (lambda: tv.RandStream(seed=1.0), ValueError, LIBRARY + "create:BadSeed", "4294967295"),
@@ -132,6 +155,23 @@ def test_a_refused_out_keeps_its_contents(stream):
     assert out.tolist() == [[0, 1, 2], [3, 4, 5]]
 
 
+def test_long_values_are_cut_between_characters():
+    with pytest.raises(tv.TvTypeError) as caught:
+        tv.rand("\u00e9" * 10**6)
+    assert str(caught.value).endswith("\u00e9...") and len(str(caught.value)) < 200
+
+
+def test_errors_of_the_callers_own_pass_through(stream):
+    class Failing:
+        def __index__(self):
+            raise KeyError("mine")
+
+        __float__ = __index__
+
+    for call in (stream.rand, stream.randi, stream.advance, stream.reset, stream.randperm):
+        unmoved(stream, lambda: call(Failing()), KeyError)
+
+
 def test_errors_survive_pickling():
     with pytest.raises(tv.TvError) as caught:
         tv.RandStream("foo")
@@ -159,10 +199,10 @@ def test_nothing_leaks(stream):
         references = sum(map(sys.getrefcount, (stream, out, dtype, np.dtype("f8"))))
         return sys.getallocatedblocks(), references
 
-    for _ in range(10):
+    for _ in range(200):
         all_calls()
     blocks, references = held()
-    rounds = 300
+    rounds = 500
     for _ in range(rounds):
         all_calls()
     blocks_after, references_after = held()

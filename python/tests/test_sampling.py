@@ -87,10 +87,25 @@ def test_shapes_may_be_empty(stream, shape):
     assert np.array_equal(stream.state, before) == (values.size == 0)
 
 
+class Made:
+    """A sequence that keeps none of its elements."""
+
+    def __len__(self):
+        return 2
+
+    def __getitem__(self, i):
+        return range(1000, 1002)[i]
+
+
+def test_any_sequence_is_a_shape(stream):
+    assert stream.rand(Made(), dtype="f4").shape == (1000, 1001)
+
+
 # Any whole number will do where one is wanted.
 def test_numbers_of_numpy_are_numbers(stream):
     assert stream.rand(np.int8(2), np.uint64(3)).shape == (2, 3)
     assert stream.rand(np.array([2, 3])).shape == (2, 3) == stream.rand([2, 3]).shape
+    assert stream.rand(np.array(2)).shape == stream.rand(np.int64(2)).shape == (2,)
     assert stream.randi(np.float64(6), np.int32(5)).max() <= 6
 
 
