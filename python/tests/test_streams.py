@@ -71,6 +71,7 @@ def test_substreams_are_places_in_the_stream(generator):
 def test_streams_of_a_seed_differ_and_can_be_made_alone():
     family = tv.streams("mrg32k3a", 3, seed=11, randn_alg="Polar")
     assert len({s.rand() for s in family}) == 3
+    assert len({s.seed for s in tv.streams("philox", 9, seed="entropy")}) == 1
     alone = tv.RandStream("mrg32k3a", 11, stream_index=2, num_streams=3)
     alone.rand()
     assert alone.rand() == family[2].rand() and family[1].randn_alg == "Polar"

@@ -30,9 +30,10 @@ def streams(generator, num_streams, seed=0, **settings):
     >>> service.stream_index
     1
     """
-    return [
-        RandStream(generator, seed, stream_index=i, num_streams=num_streams, **settings)
-        for i in range(num_streams)
+    first = RandStream(generator, seed, num_streams=num_streams, **settings)
+    return [first] + [
+        RandStream(generator, first.seed, stream_index=i, num_streams=num_streams, **settings)
+        for i in range(1, num_streams)
     ]
 
 
