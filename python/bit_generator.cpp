@@ -63,13 +63,14 @@ struct Capsule {
 // What NumPy locks around its draws: the right to use the stream, so that a draw from the stream
 // itself in another thread is noticed as everywhere else.
 struct Lock {
+  static constexpr char const* kNotOne = "NotALock";
   py::object stream;
   bool held = false;
 };
 
 PyObject* enterLock(PyObject* self, PyObject* /*none*/) noexcept {
   return guarded([&] {
-    auto& lock = py::cast<Lock&>(self);
+    Lock& lock = heldBy<Lock>(self);
     streamOf(lock.stream.ptr()).acquire();
     lock.held = true;
     return py::none();
@@ -79,7 +80,7 @@ PyObject* enterLock(PyObject* self, PyObject* /*none*/) noexcept {
 PyObject* exitLock(PyObject* self, PyObject* const* /*exception*/, Py_ssize_t /*three*/,
                    PyObject* /*none*/) noexcept {
   return guarded([&] {
-    auto& lock = py::cast<Lock&>(self);
+    Lock& lock = heldBy<Lock>(self);
     if (!std::exchange(lock.held, false))
       refuse(Kind::thread, "NotLocked", "this lock is left without having been entered");
     streamOf(lock.stream.ptr()).release();
@@ -88,6 +89,7 @@ PyObject* exitLock(PyObject* self, PyObject* const* /*exception*/, Py_ssize_t /*
 }
 
 struct BitGenerator {
+  static constexpr char const* kNotOne = "NotABitGenerator";
   explicit BitGenerator(py::object source)
       : stream(std::move(source)), capsule(Capsule::make(stream)), lock(py::cast(Lock{stream})) {}
 
@@ -96,8 +98,8 @@ struct BitGenerator {
   py::object lock;
 };
 
-py::object randomRaw(BitGenerator const& self, py::object const& size) {
-  Stream& stream = streamOf(self.stream.ptr());
+py::object randomRaw(py::handle self, py::object const& size) {
+  Stream& stream = streamOf(heldBy<BitGenerator>(self.ptr()).stream.ptr());
   if (size.is_none()) {
     Stream::Use const use(stream);
     return py::int_(nextUint64(&*use));
@@ -118,18 +120,29 @@ void addBitGenerator(py::module_& module, py::class_<Stream>& streams) {
   static PyMethodDef enter = {"__enter__", enterLock, METH_NOARGS, nullptr};
   static PyMethodDef exit = fastMethod("__exit__", exitLock, nullptr);
   py::class_<Lock> lock(module, "StreamLock", docs::kLock);
+  classOf<Lock> = reinterpret_cast<PyTypeObject*>(lock.ptr());
   addMethod(lock, enter);
   addMethod(lock, exit);
 
   py::class_<BitGenerator> type(module, "BitGenerator", docs::kBitGenerator);
-  type.def(py::init<py::object>(), py::arg("stream"))
-      .def_readonly("stream", &BitGenerator::stream, docs::kBitGeneratorStream)
-      .def_readonly("capsule", &BitGenerator::capsule, docs::kCapsule)
-      .def_readonly("lock", &BitGenerator::lock, docs::kBitGeneratorLock)
-      .def_property(
-          "state", [](BitGenerator const& self) { return self.stream.attr("snapshot")(); },
-          [](BitGenerator const& self, py::object const& state) {
-            self.stream.attr("restore")(state);
+  classOf<BitGenerator> = reinterpret_cast<PyTypeObject*>(type.ptr());
+  addMaker(
+      type, "__init__", "BitGenerator",
+      [](py::handle self, py::object const& stream) {
+        put(self.ptr(), std::make_unique<BitGenerator>(stream));
+      },
+      py::arg("stream"));
+  auto const part = [&](char const* name, py::object BitGenerator::*member, char const* doc) {
+    type.def_property_readonly(
+        name, [member](py::handle self) { return heldBy<BitGenerator>(self.ptr()).*member; }, doc);
+  };
+  part("stream", &BitGenerator::stream, docs::kBitGeneratorStream);
+  part("capsule", &BitGenerator::capsule, docs::kCapsule);
+  part("lock", &BitGenerator::lock, docs::kBitGeneratorLock);
+  type.def_property(
+          "state", [](py::handle self) { return self.attr("stream").attr("snapshot")(); },
+          [](py::handle self, py::object const& state) {
+            self.attr("stream").attr("restore")(state);
           },
           docs::kBitGeneratorState)
       .def("random_raw", randomRaw, py::arg("size") = py::none(), docs::kRandomRaw)

@@ -5,6 +5,7 @@
 #include "python/bit_generator.h"
 #include "python/docs.h"
 #include "python/errors.h"
+#include "python/objects.h"
 #include "python/sampling.h"
 #include "python/stream.h"
 
@@ -15,6 +16,7 @@ PYBIND11_MODULE(_tvmathrng, module) {
   // Classes and functions are found where users import them from, which pickling relies on.
   module.attr("__name__") = "tvmathrng";
   registerErrors();
+  guardObjects();
   auto type = addStreamClass(module);
   addSampling(module, type);
   addBitGenerator(module, type);

@@ -107,10 +107,10 @@ void writeRandnAlg(py::handle self, py::handle value) {
 }
 
 // What the constructor sets besides the sequence. Errors leave no stream behind.
-std::unique_ptr<Stream> construct(py::object const& generator, py::object const& seed,
-                                  py::object const& streamIndex, py::object const& numStreams,
-                                  py::object const& substream, py::object const& randnAlg,
-                                  py::object const& antithetic, py::object const& fullPrecision) {
+void initialise(py::handle self, py::object const& generator, py::object const& seed,
+                py::object const& streamIndex, py::object const& numStreams,
+                py::object const& substream, py::object const& randnAlg,
+                py::object const& antithetic, py::object const& fullPrecision) {
   auto stream =
       makeStream(readText(generator, "generator"), readSeed(seed, "TALVOR:RandStream:create"),
                  readCount(streamIndex, "stream_index"), readCount(numStreams, "num_streams"));
@@ -119,7 +119,7 @@ std::unique_ptr<Stream> construct(py::object const& generator, py::object const&
   settings.setAntithetic(readFlag(antithetic, "antithetic"));
   if (!randnAlg.is_none()) settings.setRandnAlg(readText(randnAlg, "randn_alg").c_str());
   settings.setSubstream(readCount(substream, "substream"));
-  return stream;
+  put(self.ptr(), std::move(stream));
 }
 
 void reset(py::handle self, py::object const& seed) {
@@ -158,6 +158,38 @@ std::unique_ptr<Stream> fromSnapshot(py::object const& text) {
       std::unique_ptr<randstream>(createFromSnapshot(readText(text, "a snapshot"))));
 }
 
+// Copying and pickling. A state is a snapshot, and with it, for objects of derived classes, what
+// they have of their own.
+py::object getState(py::handle self) {
+  py::object text = snapshot(self);
+  py::object const own = py::getattr(self, "__dict__", py::dict());
+  if (!PyObject_IsTrue(own.ptr())) return text;
+  return py::make_tuple(std::move(text), own);
+}
+
+void setState(py::handle self, py::object const& state) {
+  py::object text = state;
+  py::object own = py::none();
+  if (PyTuple_CheckExact(state.ptr()) && PyTuple_GET_SIZE(state.ptr()) == 2) {
+    text = py::reinterpret_borrow<py::object>(PyTuple_GET_ITEM(state.ptr(), 0));
+    own = py::reinterpret_borrow<py::object>(PyTuple_GET_ITEM(state.ptr(), 1));
+    if (!PyDict_Check(own.ptr()) || !py::hasattr(self, "__dict__"))
+      refuse(Kind::type, "InvalidState",
+             "the state brings attributes that this object cannot take: " + quoted(own));
+  }
+  if (isMade<Stream>(self.ptr()))
+    restore(self, text);
+  else
+    put(self.ptr(), fromSnapshot(text));
+  if (!own.is_none()) self.attr("__dict__").attr("update")(own);
+}
+
+// For every protocol.
+py::object reduce(py::handle self) {
+  return py::make_tuple(py::module_::import("copyreg").attr("__newobj__"),
+                        py::make_tuple(self.attr("__class__")), self.attr("__getstate__")());
+}
+
 py::str representation(py::handle self) {
   randstream const& stream = streamOf(self.ptr()).get();
   std::string text = std::string("RandStream('") + stream.generatorType() +
@@ -167,9 +199,6 @@ py::str representation(py::handle self) {
             ", num_streams=" + std::to_string(stream.numStreams());
   return text + ")";
 }
-
-// All of RandStream's objects are of this type or derived from it.
-PyTypeObject* streamType = nullptr;
 
 }  // namespace
 
@@ -204,18 +233,6 @@ std::unique_ptr<Stream> makeStream(std::string const& generator, std::uint32_t s
       mrCreateRNGStream(name.c_str(), numStreams, streamIndex, seed, nullptr, 0)));
 }
 
-Stream& streamOf(PyObject* object) {
-  if (!PyObject_TypeCheck(object, streamType))
-    refuse(
-        Kind::type, "NotAStream",
-        std::string("a RandStream is needed, not an object of type ") + Py_TYPE(object)->tp_name);
-  // Where pybind11 keeps the object of a type with one base.
-  void* const stream = reinterpret_cast<py::detail::instance*>(object)->simple_value_holder[0];
-  if (!stream)
-    refuse(Kind::type, "NotInitialised", "this RandStream was made without calling its __init__");
-  return *static_cast<Stream*>(stream);
-}
-
 py::list generatorNames() {
   py::list names;
 #define TFL_GENERATOR(name, ...) names.append(#name);
@@ -226,20 +243,21 @@ py::list generatorNames() {
 
 py::class_<Stream> addStreamClass(py::module_& module) {
   py::class_<Stream> type(module, "RandStream", docs::kRandStream);
-  streamType = reinterpret_cast<PyTypeObject*>(type.ptr());
+  classOf<Stream> = reinterpret_cast<PyTypeObject*>(type.ptr());
 
-  type.def(py::init(&construct), py::arg("generator") = "mt19937ar", py::arg("seed") = 0,
-           py::kw_only(), py::arg("stream_index") = 0, py::arg("num_streams") = 1,
-           py::arg("substream") = 0, py::arg("randn_alg") = py::none(),
-           py::arg("antithetic") = false, py::arg("full_precision") = true)
+  addMaker(type, "__init__", "RandStream", initialise, py::arg("generator") = "mt19937ar",
+           py::arg("seed") = 0, py::kw_only(), py::arg("stream_index") = 0,
+           py::arg("num_streams") = 1, py::arg("substream") = 0, py::arg("randn_alg") = py::none(),
+           py::arg("antithetic") = false, py::arg("full_precision") = true);
+  addMaker(type, "__setstate__", "set_state", setState, py::arg("state"));
+  type.def("__getstate__", getState)
+      .def("__reduce__", reduce)
       .def("reset", reset, py::arg("seed") = py::none(), docs::kReset)
       .def("advance", advance, py::arg("n"), docs::kAdvance)
       .def("at_substream", atSubstream, py::arg("k"), docs::kAtSubstream)
       .def("snapshot", snapshot, docs::kSnapshot)
       .def("restore", restore, py::arg("snapshot"), docs::kRestore)
       .def_static("from_snapshot", fromSnapshot, py::arg("snapshot"), docs::kFromSnapshot)
-      .def(py::pickle([](py::object const& self) { return snapshot(self); },
-                      [](py::str const& text) { return fromSnapshot(text); }))  // copies, too
       .def("__repr__", representation);
 
   // Values that only the constructor and reset set are read without the right to the stream.

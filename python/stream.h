@@ -12,12 +12,15 @@
 #include <string>
 #include <utility>
 
+#include "python/objects.h"
 #include "rng/randstream.h"
 
 namespace tvpython {
 
 class Stream {
  public:
+  static constexpr char const* kNotOne = "NotAStream";
+
   explicit Stream(std::unique_ptr<randstream> stream)
       : stream_(std::move(stream)), lock_(PyThread_allocate_lock()) {
     if (!lock_) throw std::bad_alloc();
@@ -79,8 +82,7 @@ std::unique_ptr<Stream> makeStream(std::string const& generator, std::uint32_t s
                                    std::uint64_t streamIndex, std::uint64_t numStreams);
 
 // The stream in a Python object of class RandStream or of one derived from it.
-// Errors: "TALVOR:python:NotInitialised" when a derived class left out its base's __init__.
-Stream& streamOf(PyObject* object);
+inline Stream& streamOf(PyObject* object) { return heldBy<Stream>(object); }
 
 // The names of all generators.
 pybind11::list generatorNames();
