@@ -38,7 +38,14 @@ Kind kindOf(std::string const& libraryIdentifier) noexcept {
 
 void setTvError(Kind kind, std::string const& identifier, char const* text) {
   py::object const type = py::module_::import("tvmathrng.errors").attr(className(kind));
-  PyErr_SetObject(type.ptr(), type(text, identifier).ptr());
+  // Without its __init__, which is no C: the interpreter may end meanwhile, and C++ cannot unwind
+  // for that while it handles an exception.
+  auto* const made = reinterpret_cast<PyTypeObject*>(type.ptr());
+  auto const error =
+      py::reinterpret_steal<py::object>(made->tp_new(made, py::make_tuple(text).ptr(), nullptr));
+  if (!error) throw py::error_already_set();
+  error.attr("identifier") = identifier;
+  PyErr_SetObject(type.ptr(), error.ptr());
 }
 
 // False for an exception that is none of ours.

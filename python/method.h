@@ -6,6 +6,7 @@
 #include <pybind11/pybind11.h>
 
 #include "python/errors.h"
+#include "python/interpreter.h"
 
 namespace tvpython {
 
@@ -13,7 +14,7 @@ namespace tvpython {
 template <class Body>
 PyObject* guarded(Body const& body) noexcept {
   try {
-    return pybind11::object(body()).release().ptr();
+    return withInterpreter([&] { return pybind11::object(body()).release().ptr(); });
   } catch (...) {
     setPythonError();
     return nullptr;

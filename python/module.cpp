@@ -1,5 +1,6 @@
 // tvmathrng for Python: the extension module behind the package.
 
+#include <pybind11/numpy.h>
 #include <pybind11/pybind11.h>
 
 #include "python/bit_generator.h"
@@ -15,6 +16,9 @@ PYBIND11_MODULE(_tvmathrng, module) {
   options.disable_function_signatures();  // the docstrings have better ones
   // Classes and functions are found where users import them from, which pickling relies on.
   module.attr("__name__") = "tvmathrng";
+  // NumPy is loaded by one thread. In the middle of a first call pybind11 would hold a lock that
+  // other threads wait for without leaving the interpreter to this one.
+  pybind11::dtype::of<double>();
   registerErrors();
   guardObjects();
   auto type = addStreamClass(module);

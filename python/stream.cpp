@@ -214,7 +214,7 @@ void Stream::acquire() {
   constexpr PY_TIMEOUT_T kForever = -1;
   for (PyLockStatus status = PY_LOCK_INTR; status != PY_LOCK_ACQUIRED;) {
     {
-      py::gil_scoped_release const others;
+      OtherThreads const meanwhile;
       status = PyThread_acquire_lock_timed(lock_.get(), kForever, kEndedBySignals);
     }
     if (status == PY_LOCK_INTR && PyErr_CheckSignals() != 0) throw py::error_already_set();

@@ -12,6 +12,7 @@
 #include <string>
 #include <utility>
 
+#include "python/interpreter.h"
 #include "python/objects.h"
 #include "rng/randstream.h"
 
@@ -72,7 +73,7 @@ template <class Work>
 void draw(Stream& stream, std::size_t values, Work const& work) {
   Stream::Use const use(stream);
   if (values < kReleaseFrom) return work(*use);
-  pybind11::gil_scoped_release const others;
+  OtherThreads const meanwhile;
   work(*use);
 }
 

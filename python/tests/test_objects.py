@@ -1,7 +1,10 @@
-"""Objects in every state that Python lets them be in: pickled, half made, made twice, derived."""
+"""Objects in every state that Python lets them be in: pickled, half made, made twice, derived, at work
+when the interpreter starts and ends."""
 
 import copy
 import pickle
+import subprocess
+import sys
 
 import numpy as np
 import pytest
@@ -103,3 +106,38 @@ def test_an_object_whose_making_failed_can_be_made_after_all():
         stream.__init__("nope")
     stream.__init__("philox", 7)
     assert stream.rand() == tv.RandStream("philox", 7).rand()
+
+
+PROGRAM = """
+import threading, time, tvmathrng as tv
+class Slow:
+    def __index__(self):
+        time.sleep(0.0001)
+        return 3
+stream = tv.RandStream("philox")
+def refused():
+    try:
+        stream.advance(-1)
+    except ValueError:
+        pass
+"""
+AT_WORK = [
+    "tv.RandStream().rand(5000)",  # without the interpreter
+    "tv.RandStream().rand(Slow())",  # in a call of the program's
+    "refused()",  # in an error
+]
+
+
+@pytest.mark.parametrize("work", AT_WORK)
+def test_threads_at_work_outlive_the_interpreter(work):
+    """Their first calls come at once, too: what they need is loaded by one without stopping the others."""
+    ends = f"""
+def work():
+    while True:
+        {work}
+for _ in range(3):
+    threading.Thread(target=work, daemon=True).start()
+time.sleep(0.2)
+"""
+    done = subprocess.run([sys.executable, "-c", PROGRAM + ends], capture_output=True, text=True, timeout=60)
+    assert (done.returncode, done.stderr) == (0, "")
