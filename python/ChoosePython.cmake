@@ -1,0 +1,38 @@
+# The Python that the package is built for: the one asked for (Python3_EXECUTABLE), else the first of
+# the path or the system's, whichever has what is needed, rather one with pytest than one without.
+# Sets _python, the facts _numpy, _pybind11 and _pytest of needs.py, and _watched, where what is missing
+# would appear; or _missing, what is missing where.
+
+set(_python "")
+set(_missing "")
+set(_watched /usr/include)
+if(Python3_EXECUTABLE)
+  set(_candidates ${Python3_EXECUTABLE})
+else()
+  set(_candidates python3 /usr/bin/python3)
+endif()
+foreach(_candidate ${_candidates})
+  execute_process(COMMAND ${_candidate} ${CMAKE_CURRENT_LIST_DIR}/needs.py
+    OUTPUT_VARIABLE _answer ERROR_QUIET RESULT_VARIABLE _status)
+  if(NOT _status EQUAL 0)
+    list(APPEND _missing "${_candidate} does not run")
+    continue()
+  endif()
+  foreach(_fact executable missing pytest folders)
+    string(JSON _${_fact}_here GET "${_answer}" ${_fact})
+  endforeach()
+  list(APPEND _watched ${_folders_here})
+  if(_missing_here)
+    list(APPEND _missing "${_executable_here} has ${_missing_here}")
+  elseif(NOT _python OR (_pytest_here AND NOT _pytest))
+    set(_python ${_executable_here})
+    set(_pytest ${_pytest_here})
+    string(JSON _numpy GET "${_answer}" numpy)
+    string(JSON _pybind11 GET "${_answer}" pybind11)
+  endif()
+endforeach()
+if(_python)
+  set(_missing "")
+endif()
+list(REMOVE_DUPLICATES _missing)
+list(JOIN _missing "; " _missing)
