@@ -2,36 +2,11 @@
 
 #include <algorithm>
 
-#include "embedded_host/text.h"
 #include "embedded_host/vm_context.h"
 #include "host/tcos.h"
 #include "host/tdispatcher.h"
 
 namespace embedded_host {
-
-namespace {
-
-// The number of insertions, deletions, replacements and swaps of neighbours between two names.
-std::size_t editDistance(std::string_view a, std::string_view b) {
-  std::vector<std::vector<std::size_t>> cost(a.size() + 1, std::vector<std::size_t>(b.size() + 1));
-  for (std::size_t i = 0; i <= a.size(); ++i) {
-    for (std::size_t j = 0; j <= b.size(); ++j) {
-      if (i == 0 || j == 0) {
-        cost[i][j] = i + j;
-        continue;
-      }
-      bool const same = equalIgnoringAsciiCase(a.substr(i - 1, 1), b.substr(j - 1, 1));
-      cost[i][j] =
-          std::min({cost[i - 1][j] + 1, cost[i][j - 1] + 1, cost[i - 1][j - 1] + (same ? 0 : 1)});
-      if (i > 1 && j > 1 && a[i - 1] == b[j - 2] && a[i - 2] == b[j - 1]) {
-        cost[i][j] = std::min(cost[i][j], cost[i - 2][j - 2] + 1);
-      }
-    }
-  }
-  return cost[a.size()][b.size()];
-}
-
-}  // namespace
 
 void Functions::add(std::string name, Function function) {
   functions_.insert_or_assign(std::move(name), std::move(function));
@@ -78,20 +53,6 @@ bool dispatch(std::string_view name, int nlhs, txArrayPtr* plhs,
     return true;
   }
   return Tdispatcher::call(name, nlhs, plhs, args);
-}
-
-std::string closestName(std::string_view name, std::span<std::string const> known) {
-  constexpr std::size_t kMostEdits = 2;
-  if (name.empty()) return {};
-  std::string_view best;
-  std::size_t fewest = std::min(kMostEdits, (name.size() - 1) / 2) + 1;
-  for (std::string const& candidate : known) {
-    std::size_t const edits = editDistance(name, candidate);
-    if (edits >= fewest) continue;
-    fewest = edits;
-    best = candidate;
-  }
-  return std::string(best);
 }
 
 }  // namespace embedded_host

@@ -9,6 +9,7 @@
 #include <string_view>
 #include <vector>
 
+#include "host/closest_name.h"
 #include "host/export.h"
 #include "host/tx_array.h"
 
@@ -42,8 +43,7 @@ TV_EXPORT void callFunction(Function const& function, int nlhs, txArrayPtr* plhs
 TV_EXPORT bool dispatch(std::string_view name, int nlhs, txArrayPtr* plhs,
                         std::span<txArray const* const> args);
 
-// The known name closest to `name` (at most two edits, and fewer than half of its letters), for
-// "did you mean" texts; empty when none is close.
-TV_EXPORT std::string closestName(std::string_view name, std::span<std::string const> known);
+// For "did you mean" texts.
+using names::closestName;
 
 }  // namespace embedded_host
