@@ -15,9 +15,11 @@
 #include <vector>
 
 #include "battery/tests.h"
+#include "rng/create_stream.h"
 #include "shell/progress.h"
 #include "statistics/p_values.h"
 #include "statistics/uniform_tests.h"
+#include "tfl_rng/generator_catalogue.h"
 
 namespace {
 
@@ -171,42 +173,38 @@ std::vector<Row> rowsOf(std::vector<Source> const& sources, Options const& optio
   return rows;
 }
 
+std::shared_ptr<randstream> newStream(char const* generator, Options const& options) {
+  return rng::createStream(generator, options.seed);
+}
+
 std::vector<Row> normalRows(Options const& options) {
-  // Each generator's own default, then the stream's methods that this leaves out.
-  struct Normals {
-    char const* generator;
-    char const* method;  // null: the default
-  };
-  static constexpr Normals kNormals[] = {
-#define TFL_GENERATOR(name, ...) {#name, nullptr},
-#include "tfl_rng/generators.def"
-#undef TFL_GENERATOR
-      {"mrg32k3a", "Polar"},
-      {"mrg32k3a", "Inversion"},
-      {"philox4x32_10", "Ziggurat"},
-      {"philox4x32_10", "Polar"},
-  };
   constexpr int kMore = 4;  // a normal costs less than a number in a test of uniforms
   std::vector<Row> rows;
-  for (Normals const& normals : kNormals) {
-    std::shared_ptr<randstream> const stream = battery::makeStream(normals.generator, options.seed);
-    if (normals.method) stream->setRandnAlg(normals.method);
-    rows.push_back({std::string("normals: ") + normals.generator + ", " + stream->getRandnAlg(),
+  auto const add = [&](char const* generator, char const* method) {
+    std::shared_ptr<randstream> const stream = newStream(generator, options);
+    if (method) stream->setRandnAlg(method);
+    rows.push_back({std::string("normals: ") + generator + ", " + stream->getRandnAlg(),
                     [stream, options] { return testNormals(*stream, options.log2 + kMore); }});
+  };
+  auto const generators = tfl_rng::generators();
+  for (tfl_rng::Generator const& generator : generators) add(generator.name, nullptr);
+  // The stream's methods, on the first generator that has none of its own and on one that has.
+  for (bool const native : {false, true}) {
+    auto const some = std::ranges::find_if(generators, [&](tfl_rng::Generator const& g) {
+      return g.hasSubstreams() && (*g.nativeNormals != '\0') == native;
+    });
+    std::string const own = newStream(some->name, options)->getRandnAlg();
+    for (char const* const method : {"Ziggurat", "Polar", "Inversion"})
+      if (method != own) add(some->name, method);
   }
   return rows;
 }
 
 std::vector<Row> permutationRows(Options const& options) {
   std::vector<Row> rows;
-  for (char const* const generator : {
-#define TFL_GENERATOR(name, ...) #name,
-#include "tfl_rng/generators.def"
-#undef TFL_GENERATOR
-       }) {
+  for (char const* const generator : tfl_rng::generatorNames()) {
     rows.push_back({std::string("permutations: ") + generator, [generator, options] {
-                      auto const stream = battery::makeStream(generator, options.seed);
-                      return testPermutations(*stream, options.log2);
+                      return testPermutations(*newStream(generator, options), options.log2);
                     }});
   }
   return rows;

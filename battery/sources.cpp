@@ -3,12 +3,13 @@
 #include <algorithm>
 #include <array>
 #include <iterator>
-#include <string_view>
 
 #include "battery/textbook.h"
 #include "embedded_host/vm_context.h"
+#include "rng/create_stream.h"
 #include "rng/mr_functions.h"
 #include "runtime/vm.h"
+#include "tfl_rng/generator_catalogue.h"
 
 namespace battery {
 
@@ -16,45 +17,19 @@ namespace {
 
 using Fill = std::function<void(std::span<double>)>;
 
-enum class Precision { full, reduced };
+using tfl_rng::Generator;
 
-struct Registered {
-  std::string_view name;
-  bool substreams;
-};
-enum Family { Single, Substreams };
-constexpr Registered kRegistered[] = {
-#define TFL_GENERATOR(name, core, otherSpelling, family, ...) {#name, family == Substreams},
-#include "tfl_rng/generators.def"
-#undef TFL_GENERATOR
-};
+// Distances of the draws that the recurrence ties together, from 0; none where it ties neighbours.
+std::vector<std::size_t> offsetsOf(Generator const& generator, bool full) {
+  auto const [kind, near, far] = generator.traits.ties;
+  if (kind == tfl_rng::Ties::Kind::recent) return {};
+  int const steps = full ? generator.traits.stepsADraw : 1;
+  return {0, static_cast<std::size_t>((far - near) / steps), static_cast<std::size_t>(far / steps)};
+}
 
-// What is particular about a generator in one precision.
-struct Facts {
-  std::string_view generator;
-  Precision precision;
-  int bits;
-  std::vector<std::size_t> offsets;
-};
-
-// A generator without a row has 52 bits in full precision, which it may keep to.
-constexpr int kUsualBits = 52;
-// In full precision a draw of mt19937ar is two words, which halves its lags of 397 and 624. The
-// lowest of dsfmt19937's 52 bits is always set. mrg32k3a's one step is 32 bits.
-std::vector<Facts> const kFacts = {
-    {"mt19937ar", Precision::full, 53, {0, 114, 312}},
-    {"mt19937ar", Precision::reduced, 32, {0, 227, 624}},
-    {"dsfmt19937", Precision::full, 51, {0, 148, 382}},
-    {"mlfg6331_64", Precision::full, 52, {0, 32, 63}},
-    {"mrg32k3a", Precision::full, 53, {}},
-    {"mrg32k3a", Precision::reduced, 32, {}},
-    {"mcg16807", Precision::reduced, 31, {}},
-    {"shr3cong", Precision::reduced, 32, {}},
-    {"swb2712", Precision::full, 53, {0, 15, 27}},
-};
-
-// The minimal standard generator is too weak to pass.
-constexpr std::string_view kWeak = "mcg16807";
+int bitsOf(Generator const& generator, bool full) {
+  return full ? generator.traits.bits : generator.traits.reducedBits;
+}
 
 Fill fillFrom(std::shared_ptr<randstream> stream) {
   return [stream = std::move(stream)](std::span<double> out) {
@@ -62,26 +37,13 @@ Fill fillFrom(std::shared_ptr<randstream> stream) {
   };
 }
 
-Source generatorSource(Facts const& facts) {
-  bool const full = facts.precision == Precision::full;
-  std::string const generator(facts.generator);
-  return {generator + (full ? "" : ", reduced precision"), facts.bits, facts.offsets,
-          [generator, full](std::uint32_t seed) {
-            std::shared_ptr<randstream> const stream = makeStream(generator.c_str(), seed);
+Source generatorSource(Generator const& generator, bool full) {
+  return {generator.name + std::string(full ? "" : ", reduced precision"), bitsOf(generator, full),
+          offsetsOf(generator, full), [&generator, full](std::uint32_t seed) {
+            std::shared_ptr<randstream> const stream = rng::createStream(generator.name, seed);
             stream->setFullPrecision(full);
             return fillFrom(stream);
           }};
-}
-
-// A source of full precision, and one of reduced precision where a row tells of it.
-void appendSources(std::vector<Source>& sources, std::string_view generator) {
-  Facts usual{generator, Precision::full, kUsualBits, {}};
-  for (Facts const& row : kFacts)
-    if (row.generator == generator && row.precision == Precision::full) usual = row;
-  sources.push_back(generatorSource(usual));
-  for (Facts const& row : kFacts)
-    if (row.generator == generator && row.precision == Precision::reduced)
-      sources.push_back(generatorSource(row));
 }
 
 // A virtual machine in legacy mode.
@@ -98,12 +60,26 @@ class LegacyVm {
   embedded_host::EnterVm inside_;
 };
 
-Source legacySource(char const* keyword, int bits, std::vector<std::size_t> offsets) {
-  return {std::string("legacy '") + keyword + "'", bits, std::move(offsets),
-          [keyword](std::uint32_t seed) -> Fill {
+Source legacySource(tfl_rng::LegacyKeyword const& row) {
+  return {std::string("legacy '") + row.keyword + "'", bitsOf(*row.generator, row.fullPrecision),
+          offsetsOf(*row.generator, row.fullPrecision),
+          [keyword = row.keyword](std::uint32_t seed) -> Fill {
             auto vm = std::make_shared<LegacyVm>(keyword, seed);
             return [vm = std::move(vm)](std::span<double> out) { vm->fill(out); };
           }};
+}
+
+// The generators of a verdict, in each precision that they have, and those of the legacy set.
+std::vector<Source> sourcesOf(tfl_rng::Verdict verdict) {
+  std::vector<Source> sources;
+  for (Generator const& generator : tfl_rng::generators()) {
+    if (generator.traits.battery != verdict) continue;
+    sources.push_back(generatorSource(generator, true));
+    if (generator.hasTwoPrecisions()) sources.push_back(generatorSource(generator, false));
+  }
+  for (tfl_rng::LegacyKeyword const& row : tfl_rng::kLegacyUniforms)
+    if (row.generator->traits.battery == verdict) sources.push_back(legacySource(row));
+  return sources;
 }
 
 constexpr std::size_t kInterleaved = 4;
@@ -121,50 +97,38 @@ Fill inTurn(std::shared_ptr<Streams> streams) {
 
 }  // namespace
 
-std::unique_ptr<randstream> makeStream(char const* generator, std::uint32_t seed,
-                                       std::size_t streamIndex) {
-  return std::unique_ptr<randstream>(
-      mrCreateRNGStream(generator, streamIndex + 1, streamIndex, seed, nullptr, 0));
-}
-
-std::vector<Source> generatorSources() {
-  std::vector<Source> sources;
-  for (Registered const& registered : kRegistered)
-    if (registered.name != kWeak) appendSources(sources, registered.name);
-  sources.push_back(legacySource("twister", 53, {0, 114, 312}));
-  sources.push_back(legacySource("state", 53, {0, 15, 27}));
-  return sources;
-}
+std::vector<Source> generatorSources() { return sourcesOf(tfl_rng::Verdict::passes); }
 
 std::vector<Source> interleavedSources() {
   std::vector<Source> sources;
-  for (Registered const& registered : kRegistered) {
-    if (!registered.substreams) continue;
-    std::string const generator(registered.name);
-    sources.push_back(
-        {generator + ", 4 streams in turn", kUsualBits, {}, [generator](std::uint32_t seed) {
-           auto streams = std::make_shared<Streams>();
-           for (std::size_t k = 0; k < kInterleaved; ++k)
-             (*streams)[k] = makeStream(generator.c_str(), seed, k);
-           return inTurn(std::move(streams));
-         }});
-    sources.push_back(
-        {generator + ", 4 substreams in turn", kUsualBits, {}, [generator](std::uint32_t seed) {
-           auto streams = std::make_shared<Streams>();
-           for (std::size_t k = 0; k < kInterleaved; ++k) {
-             (*streams)[k] = makeStream(generator.c_str(), seed);
-             (*streams)[k]->setSubstream(k);
-           }
-           return inTurn(std::move(streams));
-         }});
+  for (Generator const& generator : tfl_rng::generators()) {
+    if (!generator.hasSubstreams()) continue;
+    char const* const name = generator.name;
+    auto const add = [&](char const* what, auto makeNeighbour) {
+      sources.push_back({name + std::string(", 4 ") + what + " in turn",
+                         generator.traits.bits,
+                         {},
+                         [makeNeighbour](std::uint32_t seed) {
+                           auto streams = std::make_shared<Streams>();
+                           for (std::size_t k = 0; k < kInterleaved; ++k)
+                             (*streams)[k] = makeNeighbour(seed, k);
+                           return inTurn(std::move(streams));
+                         }});
+    };
+    add("streams", [name](std::uint32_t seed, std::size_t k) {
+      return rng::createStream(name, seed, k, kInterleaved);
+    });
+    add("substreams", [name](std::uint32_t seed, std::size_t k) {
+      std::unique_ptr<randstream> stream = rng::createStream(name, seed);
+      stream->setSubstream(k);
+      return stream;
+    });
   }
   return sources;
 }
 
 std::vector<Source> weakSources() {
-  std::vector<Source> sources;
-  appendSources(sources, kWeak);
-  sources.push_back(legacySource("seed", 31, {}));
+  std::vector<Source> sources = sourcesOf(tfl_rng::Verdict::fails);
   std::ranges::move(textbookSources(), std::back_inserter(sources));
   return sources;
 }

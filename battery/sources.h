@@ -11,8 +11,6 @@
 #include <string>
 #include <vector>
 
-#include "rng/randstream.h"
-
 namespace battery {
 
 // An endless sequence of numbers of (0,1).
@@ -27,16 +25,12 @@ struct Source {
   std::function<std::function<void(std::span<double>)>(std::uint32_t seed)> start;
 };
 
-// The library's generators in their precision modes, and those of the legacy set.
+// The library's generators in their precision modes, and those of the legacy set, that are to pass.
 std::vector<Source> generatorSources();
 // Four neighbouring streams or substreams of a seed, taken in turn.
 std::vector<Source> interleavedSources();
-// What is weak and fails: the minimal standard generator in the library's forms, and textbook forms
-// of it and of others.
+// What is weak and fails: the library's generators of that verdict, and textbook forms of theirs
+// and of others.
 std::vector<Source> weakSources();
-
-// A stream of a registered generator; indices from 0.
-std::unique_ptr<randstream> makeStream(char const* generator, std::uint32_t seed,
-                                       std::size_t streamIndex = 0);
 
 }  // namespace battery

@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "battery/sources.h"
+#include "rng/randstream.h"
 
 namespace battery {
 

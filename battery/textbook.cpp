@@ -96,7 +96,8 @@ std::vector<Source> textbookSources() {
       textbook<Congruential>("congruential alone", 32),
       textbook<ShiftRegister>("shift register alone", 32),
       textbook<SubtractWithBorrow>("subtract-with-borrow, plain", 53, {0, 15, 27}),
-      // Its 32 bits are good (mrg32k3a in reduced precision); the bits below them are not.
+      // Its 32 bits are good (that is the reduced precision of the library); the bits below them
+      // are not.
       textbook<OneStepMrg>("MRG32k3a, one step as 53 bits", 53),
   };
 }

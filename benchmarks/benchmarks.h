@@ -16,6 +16,7 @@
 
 #include "rng/mr_functions.h"
 #include "rng/randstream.h"
+#include "tfl_rng/generator_catalogue.h"
 
 namespace benchmarks {
 

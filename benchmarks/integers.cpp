@@ -36,11 +36,10 @@ void addIntegers() {
   const std::string int32 = "integers 1 to 6 as int32";
   const std::string real = "integers 1 to 6 as double";
 
-#define TFL_GENERATOR(name, ...)       \
-  addOurs<std::int32_t>(int32, #name); \
-  addOurs<double>(real, #name);
-#include "tfl_rng/generators.def"
-#undef TFL_GENERATOR
+  for (char const* const name : tfl_rng::generatorNames()) {
+    addOurs<std::int32_t>(int32, name);
+    addOurs<double>(real, name);
+  }
 
   using StdInteger = std::uniform_int_distribution<int>;
   using BoostInteger = boost::random::uniform_int_distribution<int>;

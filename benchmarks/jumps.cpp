@@ -75,14 +75,13 @@ void addCopy(char const* generator, char const* who) {
 void addJumps() {
   const std::string work = "jump over 10^6 doubles";
 
-#define TFL_GENERATOR(name, ...)                                                       \
-  addJump(work, #name, kOurs,                                                          \
-          [] { return [stream = makeStream(#name)] { stream->advance(kSkipped); }; }); \
-  addJump("a new stream", #name, kOurs, [] { return [] { makeStream(#name); }; });     \
-  addJump("a clone of a stream", #name, kOurs,                                         \
-          [] { return [stream = makeStream(#name)] { stream->clone(); }; });
-#include "tfl_rng/generators.def"
-#undef TFL_GENERATOR
+  for (char const* const name : tfl_rng::generatorNames()) {
+    addJump(work, name, kOurs,
+            [name] { return [stream = makeStream(name)] { stream->advance(kSkipped); }; });
+    addJump("a new stream", name, kOurs, [name] { return [name] { makeStream(name); }; });
+    addJump("a clone of a stream", name, kOurs,
+            [name] { return [stream = makeStream(name)] { stream->clone(); }; });
+  }
 
   // Two words a double.
   addJump(work, "mt19937ar", "std::mt19937",

@@ -40,13 +40,12 @@ void addNormal() {
   const std::string polar = "normal, Polar";
   const std::string inversion = "normal, Inversion";
 
-#define TFL_GENERATOR(name, ...)                  \
-  addOurs<double>(ziggurat, #name, "Ziggurat");   \
-  addOurs<double>(polar, #name, "Polar");         \
-  addOurs<double>(inversion, #name, "Inversion"); \
-  addOurs<float>(ziggurat + " single", #name, "Ziggurat");
-#include "tfl_rng/generators.def"
-#undef TFL_GENERATOR
+  for (char const* const name : tfl_rng::generatorNames()) {
+    addOurs<double>(ziggurat, name, "Ziggurat");
+    addOurs<double>(polar, name, "Polar");
+    addOurs<double>(inversion, name, "Inversion");
+    addOurs<float>(ziggurat + " single", name, "Ziggurat");
+  }
 
   addPeer<peers::Drawn<boost::random::mt19937, boost::random::normal_distribution<double>>>(
       ziggurat, "Boost, mt19937");

@@ -9,23 +9,22 @@ void addOneValue() {
   const std::string uniform = "one uniform a call";
   const std::string normal = "one normal a call";
 
-#define TFL_GENERATOR(name, ...)          \
-  addOneValue(uniform, #name, kOurs, [] { \
-    return [stream = makeStream(#name)] { \
-      double value;                       \
-      stream->randuFcn(&value, 1);        \
-      return value;                       \
-    };                                    \
-  });                                     \
-  addOneValue(normal, #name, kOurs, [] {  \
-    return [stream = makeStream(#name)] { \
-      double value;                       \
-      stream->randnFcn(&value, 1, false); \
-      return value;                       \
-    };                                    \
-  });
-#include "tfl_rng/generators.def"
-#undef TFL_GENERATOR
+  for (char const* const name : tfl_rng::generatorNames()) {
+    addOneValue(uniform, name, kOurs, [name] {
+      return [stream = makeStream(name)] {
+        double value;
+        stream->randuFcn(&value, 1);
+        return value;
+      };
+    });
+    addOneValue(normal, name, kOurs, [name] {
+      return [stream = makeStream(name)] {
+        double value;
+        stream->randnFcn(&value, 1, false);
+        return value;
+      };
+    });
+  }
 
   using StdDouble = std::uniform_real_distribution<double>;
   using StdNormal = std::normal_distribution<double>;

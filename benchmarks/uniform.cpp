@@ -35,12 +35,11 @@ void addUniform() {
   const std::string reduced = "uniform double, reduced precision";
   const std::string single = "uniform single";
 
-#define TFL_GENERATOR(name, ...)          \
-  addOurs<double>(full, #name, true);     \
-  addOurs<double>(reduced, #name, false); \
-  addOurs<float>(single, #name, true);
-#include "tfl_rng/generators.def"
-#undef TFL_GENERATOR
+  for (char const* const name : tfl_rng::generatorNames()) {
+    addOurs<double>(full, name, true);
+    addOurs<double>(reduced, name, false);
+    addOurs<float>(single, name, true);
+  }
 
   using StdDouble = std::uniform_real_distribution<double>;
   using StdSingle = std::uniform_real_distribution<float>;

@@ -39,6 +39,8 @@ list(APPEND headers
   language/session.h
   language/token.h
   plugin_rng/interfaces.h
+  rng/create_stream.h
+  rng/generator_names.h
   rng/global_stream.h
   rng/mr_functions.h
   rng/one_user.h
@@ -48,6 +50,7 @@ list(APPEND headers
   tfl_rng/convert.h
   tfl_rng/core_rng.h
   tfl_rng/elementary.h
+  tfl_rng/generator_catalogue.h
   tfl_rng/generators.def
   tfl_rng/normal_quantile.h
   tfl_rng/to_double.h

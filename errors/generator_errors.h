@@ -32,18 +32,18 @@ struct GeneratorErrors;
   using TooManyStreams = TALVOR::RandStream::name::TooManyStreams; \
   using SubstreamsIndexOutOfRange = TALVOR::RandStream::name::SubstreamsIndexOutOfRange;
 
-#define TFL_GENERATOR(name, core, otherSpelling, family, stateClass, stateLen, normals, period) \
-  namespace tfl_rng {                                                                           \
-  class core;                                                                                   \
-  }                                                                                             \
-  namespace TALVOR::RandStream::name {                                                          \
-  TV_KEYS_##family(name)                                                                        \
-  }                                                                                             \
-  template <>                                                                                   \
-  struct errors::GeneratorErrors<tfl_rng::core> {                                               \
-    using InvalidParameter = TALVOR::RandStream::name::InvalidParameter;                        \
-    using InvalidState = TALVOR::RandStream::name::InvalidState;                                \
-    TV_USING_##family(name)                                                                     \
+#define TFL_GENERATOR(name, core, otherSpelling, family, ...)            \
+  namespace tfl_rng {                                                    \
+  class core;                                                            \
+  }                                                                      \
+  namespace TALVOR::RandStream::name {                                   \
+  TV_KEYS_##family(name)                                                 \
+  }                                                                      \
+  template <>                                                            \
+  struct errors::GeneratorErrors<tfl_rng::core> {                        \
+    using InvalidParameter = TALVOR::RandStream::name::InvalidParameter; \
+    using InvalidState = TALVOR::RandStream::name::InvalidState;         \
+    TV_USING_##family(name)                                              \
   };
 #include "tfl_rng/generators.def"
 #undef TFL_GENERATOR

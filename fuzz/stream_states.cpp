@@ -9,16 +9,13 @@
 #include "fuzz/stream_checks.h"
 #include "rng/mr_functions.h"
 #include "runtime/vm.h"
+#include "tfl_rng/generator_catalogue.h"
 
 namespace {
 
 using fuzz::StateBytes;
 
-constexpr char const* kGenerators[] = {
-#define TFL_GENERATOR(name, ...) #name,
-#include "tfl_rng/generators.def"
-#undef TFL_GENERATOR
-};
+constexpr auto kGenerators = tfl_rng::generatorNames();
 
 // A stream of a registered generator, or the legacy stream of a VM of its own.
 class Stream {

@@ -7,6 +7,7 @@
 
 #include "embedded_host/array.h"
 #include "rng/element_bits.h"
+#include "rng/generator_names.h"
 #include "rng/ziggurat_tables.h"
 #include "runtime/vm.h"
 #include "tfl_rng/core_ziggurat_tables.h"
@@ -20,12 +21,6 @@ namespace {
 
 constexpr char kLegacy[] = "legacy";
 constexpr char kLibrary[] = "library";
-
-constexpr char const* kGenerators[] = {
-#define TFL_GENERATOR(name, ...) #name,
-#include "tfl_rng/generators.def"
-#undef TFL_GENERATOR
-    kLegacy, kLibrary};
 
 // Whom a case is for.
 enum Family : unsigned { kSingle = 1, kSubstreams = 2, kOld = 4 };
@@ -128,12 +123,8 @@ constexpr char kBeginLegacy[] =
     "rand('twister',7); s = RandStream.global(); s.Antithetic = false; q = rand(s,1,3);";
 
 unsigned familyOf(std::string_view generator) {
-  enum { Single = kSingle, Substreams = kSubstreams };
-#define TFL_GENERATOR(name, core, otherSpelling, family, ...) \
-  if (generator == #name) return family;
-#include "tfl_rng/generators.def"
-#undef TFL_GENERATOR
-  return kOld;
+  tfl_rng::Generator const* const row = rng::generatorNamed(generator);
+  return !row ? kOld : row->hasSubstreams() ? kSubstreams : kSingle;
 }
 
 void computeDraws(std::string_view generator, TakeRow const& take) {
@@ -218,7 +209,15 @@ void Hash::add(void const* elements, std::size_t count, std::size_t elementBytes
   value_ = value;
 }
 
-std::span<char const* const> generators() { return kGenerators; }
+std::span<char const* const> generators() {
+  static std::vector<char const*> const names = [] {
+    auto const own = tfl_rng::generatorNames();
+    std::vector<char const*> all(own.begin(), own.end());
+    all.insert(all.end(), {kLegacy, kLibrary});
+    return all;
+  }();
+  return names;
+}
 
 void computeRows(std::string_view generator, TakeRow const& take) {
   generator == kLibrary ? computeLibrary(take) : computeDraws(generator, take);

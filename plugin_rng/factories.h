@@ -6,8 +6,8 @@
 
 namespace plugin_rng {
 
-#define TFL_GENERATOR(name, core, otherSpelling, family, stateClass, stateLen, normals, period) \
-  IPluginRNG* make_##name(std::size_t numStreams, std::size_t streamIndex, std::uint32_t seed,  \
+#define TFL_GENERATOR(name, ...)                                                               \
+  IPluginRNG* make_##name(std::size_t numStreams, std::size_t streamIndex, std::uint32_t seed, \
                           double const* params, std::size_t nParams);
 #include "tfl_rng/generators.def"
 #undef TFL_GENERATOR

@@ -10,40 +10,24 @@
 #include "python/errors.h"
 #include "python/method.h"
 #include "python/values.h"
+#include "rng/generator_names.h"
 #include "rng/mr_functions.h"
 #include "rng/snapshot.h"
-#include "vmstate/generator_aliases.h"
 
 namespace py = pybind11;
 
 namespace tvpython {
 namespace {
 
-struct Spelling {
-  char const* spelling;
-  char const* name;
-};
-constexpr Spelling kSpellings[] = {
-#define TFL_GENERATOR(name, core, otherSpelling, ...) {#name, #name}, {otherSpelling, #name},
-#include "tfl_rng/generators.def"
-#undef TFL_GENERATOR
-};
-
-bool equalIgnoringCase(std::string_view a, std::string_view b) {
-  auto const lower = [](char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c + 32) : c; };
-  return std::ranges::equal(a, b, {}, lower, lower);
-}
-
 // The name that the library knows a generator by.
-std::string canonicalName(std::string const& given) {
-  for (GeneratorAlias const& row : kGeneratorAliases)
-    if (equalIgnoringCase(given, std::string(row.alias.begin(), row.alias.end())))
-      return {row.name.begin(), row.name.end()};
-  for (Spelling const& row : kSpellings)
-    if (*row.spelling && equalIgnoringCase(given, row.spelling)) return row.name;
+char const* canonicalName(std::string const& given) {
+  if (auto const* const generator = rng::findGenerator(given)) return generator->name;
+  std::string text = "There is no generator named \"" + given + "\".";
+  std::string const meant = rng::closestGenerator(given);
+  if (!meant.empty()) text += " Did you mean \"" + meant + "\"?";
   throw Refusal(Kind::value, "TALVOR:RandStream:create:UnknownRNGType",
-                "There is no generator named \"" + given + "\". tvmathrng.generators() lists " +
-                    "them: " + py::str(", ").attr("join")(generatorNames()).cast<std::string>());
+                text + " tvmathrng.generators() lists them: " +
+                    py::str(", ").attr("join")(generatorNames()).cast<std::string>());
 }
 
 // The generators that have a name keep their state in one array, of one of three classes.
@@ -223,21 +207,19 @@ void Stream::acquire() {
 
 std::unique_ptr<Stream> makeStream(std::string const& generator, std::uint32_t seed,
                                    std::uint64_t streamIndex, std::uint64_t numStreams) {
-  std::string const name = canonicalName(generator);
+  char const* const name = canonicalName(generator);
   if (numStreams == 0) refuseAsLibrary("TALVOR:RandStream:create", "BadNumStreams");
   if (streamIndex >= numStreams)
     throw Refusal(Kind::value, "TALVOR:RandStream:create:BadStreamIndex",
                   "stream_index counts from 0 and must be below num_streams, which is " +
                       std::to_string(numStreams) + "; it is " + std::to_string(streamIndex));
   return std::make_unique<Stream>(std::unique_ptr<randstream>(
-      mrCreateRNGStream(name.c_str(), numStreams, streamIndex, seed, nullptr, 0)));
+      mrCreateRNGStream(name, numStreams, streamIndex, seed, nullptr, 0)));
 }
 
 py::list generatorNames() {
   py::list names;
-#define TFL_GENERATOR(name, ...) names.append(#name);
-#include "tfl_rng/generators.def"
-#undef TFL_GENERATOR
+  for (char const* const name : tfl_rng::generatorNames()) names.append(name);
   return names;
 }
 

@@ -66,10 +66,9 @@ Finding measureStreamMap(Subject const& subject) {
   if (subject.hasSubstreams) {
     randstream::streamParamsStruct sizes{};
     subject.stream()->getStreamParameters(&sizes);
-    // A full-precision draw of mrg32k3a takes two of the steps that its lengths count.
-    int const half = subject.name == "mrg32k3a" ? 1 : 0;
-    end = static_cast<int>(sizes.log2StreamLen) - half;
-    substream = static_cast<int>(sizes.log2SubstreamLen) - half;
+    int const ofDraw = std::bit_width(static_cast<unsigned>(subject.traits.stepsADraw)) - 1;
+    end = static_cast<int>(sizes.log2StreamLen) - ofDraw;
+    substream = static_cast<int>(sizes.log2SubstreamLen) - ofDraw;
     finding.note = fmt::format(
         "{} streams of {} draws each, cut into {} substreams. The scale is logarithmic.",
         countText(sizes.numStreams), powerText(2, end), countText(sizes.numSubstreams));

@@ -4,6 +4,8 @@
 
 #include <algorithm>
 
+#include "rng/create_stream.h"
+#include "rng/generator_names.h"
 #include "rng/mr_functions.h"
 #include "runtime/vm.h"
 
@@ -14,79 +16,81 @@ namespace {
 // The shortest integer relation of three successive words of x <- 16807 x modulo 2^31 - 1: the
 // planes that lie farthest apart. Squared length 408197, as in D. E. Knuth, The Art of Computer
 // Programming 2, section 3.3.4, table 1.
-constexpr Planes kMinimalStandard{{90, -44, 631}, {0, 1, 2}, "the planes of 16807 mod 2³¹ − 1"};
-// z(n) - z(n-12) + z(n-27) is 0 or the borrow, modulo 1.
-constexpr Planes kSubtractWithBorrow{
-    {1, -1, 1}, {27, 15, 0}, "the recurrence z(n) = z(n−12) − z(n−27)"};
+Planes const kMinimalStandard{{90, -44, 631}, {0, 1, 2}, "the planes of 16807 mod 2³¹ − 1"};
+// z(n) - z(n-near) + z(n-far) is 0 or the borrow, modulo 1.
+Planes difference(int near, int far) {
+  return {{1, -1, 1},
+          {far, far - near, 0},
+          fmt::format("the recurrence z(n) = z(n−{}) − z(n−{})", near, far)};
+}
 
 constexpr double kSeam256 = 3.6541528853610088;
 constexpr double kSeam128 = 3.442619855899;
 
-constexpr Traits kTraits[] = {
-    {"mt19937ar", 53, 19936, {198, 312, 0}, kMinimalStandard, kSeam256},
-    {"dsfmt19937", 51, 19937, {148, 234, 382}, kMinimalStandard, kSeam256},
-    {"mlfg6331_64", 52, 124, {31, 32, 63}, kMinimalStandard, kSeam256},
-    {"mrg32k3a", 53, 190, {1, 3, 0}, kMinimalStandard, kSeam256},
-    {"mcg16807", 52, 30, {1, 0, 0}, kMinimalStandard, kSeam256},
-    {"philox4x32_10", 52, 128, {2, 0, 0}, kMinimalStandard, kSeam256},
-    {"shr3cong", 52, 63, {1, 0, 0}, kMinimalStandard, kSeam128},
-    {"swb2712", 53, 1430, {12, 15, 27}, kSubtractWithBorrow, kSeam256},
-    {"legacy", 53, 1430, {12, 15, 27}, kSubtractWithBorrow, kSeam128},
-    {"threefry4x64_20", 52, 256, {4, 0, 0}, kMinimalStandard, kSeam256},
-};
-constexpr Traits kUnknown{"", 52, 0, {0, 0, 0}, kMinimalStandard, kSeam256};
+// Steps as draws of full precision: the last of them ends in that draw.
+int drawsOf(tfl_rng::GeneratorTraits const& traits, int steps) {
+  return (steps + traits.stepsADraw - 1) / traits.stepsADraw;
+}
 
-struct Spelling {
-  char const* name;
-  char const* other;
-};
-constexpr Spelling kSpellings[] = {
-#define TFL_GENERATOR(name, core, otherSpelling, family, stateClass, stateLen, normals, period) \
-  {#name, otherSpelling},
-#include "tfl_rng/generators.def"
-#undef TFL_GENERATOR
-};
+// What the uniforms of one generator and the normals of another are like.
+Traits traitsOf(tfl_rng::Generator const& uniforms, tfl_rng::Generator const& normals) {
+  using Kind = tfl_rng::Ties::Kind;
+  tfl_rng::GeneratorTraits const& row = uniforms.traits;
+  auto const draws = [&](int steps) { return drawsOf(row, steps); };
+  auto const [kind, near, far] = row.ties;
+  Traits traits;
+  traits.freeBits = row.bits;
+  traits.log2Period = row.log2Draws;
+  traits.stepsADraw = row.stepsADraw;
+  if (kind == Kind::recent)
+    traits.lags = {draws(far), 0, 0};
+  else
+    traits.lags = {draws(near), draws(far - near), draws(far)};
+  traits.planes = kind == Kind::difference ? difference(near, far) : kMinimalStandard;
+  traits.zigguratSeam = normals.traits.zigguratLayers == 128 ? kSeam128 : kSeam256;
+  return traits;
+}
 
 constexpr char kLegacy[] = "legacy";
+
+// Of what rand and randn draw from after legacyStream()'s calls.
+constexpr char kLegacyKeyword[] = "state";
+Traits legacyTraits() {
+  auto const chosen = [](std::span<tfl_rng::LegacyKeyword const> rows) {
+    return *std::ranges::find(rows, std::string_view(kLegacyKeyword),
+                              &tfl_rng::LegacyKeyword::keyword)
+                ->generator;
+  };
+  return traitsOf(chosen(tfl_rng::kLegacyUniforms), chosen(tfl_rng::kLegacyNormals));
+}
 
 // The legacy stream belongs to a virtual machine, which lives as long as the stream is used.
 std::shared_ptr<randstream> legacyStream(std::uint32_t seed) {
   auto const vm = std::make_shared<runtime::Vm>();
   // It warns of the switch, which is what is wanted here.
   vm->context().setWarningSink([](auto const&, std::string const&) {});
-  vm->evaluate(fmt::format("rand('state',{0}); randn('state',{0});", seed));
+  vm->evaluate(fmt::format("rand('{0}',{1}); randn('{0}',{1});", kLegacyKeyword, seed));
   embedded_host::EnterVm const inside(vm->context());
   return {vm, mrGetGlobalStream()};
 }
 
 }  // namespace
 
-Traits traitsOf(std::string_view name) {
-  auto const* const row =
-      std::ranges::find_if(kTraits, [&](Traits const& traits) { return name == traits.name; });
-  return row == std::end(kTraits) ? kUnknown : *row;
-}
-
 Subject subjectNamed(std::string_view name, std::uint32_t seed) {
-  if (name == kLegacy) {
-    return {kLegacy, seed, traitsOf(kLegacy), false,
+  if (ascii_case::equal(name, kLegacy)) {
+    return {kLegacy, seed, legacyTraits(), false,
             [](std::uint32_t ofSeed, std::uint64_t) { return legacyStream(ofSeed); }};
   }
-  std::string const asked(name);
-  // Refuses unknown names; what is known is found under the canonical one.
-  std::unique_ptr<randstream> const first(mrCreateRNGStream(asked.c_str(), 1, 0, seed, nullptr, 0));
-  auto const* const spelling = std::ranges::find_if(kSpellings, [&](Spelling const& s) {
-    return strcasecmp(s.name, asked.c_str()) == 0 || strcasecmp(s.other, asked.c_str()) == 0;
-  });
   Subject subject;
-  subject.name = spelling->name;
+  subject.name = rng::createStream(name, seed)->generatorType();  // refuses unknown names
   subject.seed = seed;
-  subject.traits = traitsOf(subject.name);
-  subject.hasSubstreams = first->hasSubstreams();
+  tfl_rng::Generator const& generator = *rng::generatorNamed(subject.name);
+  subject.traits = traitsOf(generator, generator);
+  subject.hasSubstreams = generator.hasSubstreams();
   subject.make = [type = subject.name, several = subject.hasSubstreams](std::uint32_t ofSeed,
                                                                         std::uint64_t stream) {
     return std::shared_ptr<randstream>(
-        mrCreateRNGStream(type.c_str(), several ? kNeighbours : 1, stream, ofSeed, nullptr, 0));
+        rng::createStream(type, ofSeed, stream, several ? kNeighbours : 1));
   };
   return subject;
 }

@@ -18,17 +18,17 @@ namespace report {
 struct Planes {
   std::array<int, 3> factors;
   std::array<int, 3> lags;
-  char const* origin;
+  std::string origin;
 };
 
-// What is known of a generator and can be looked for in its numbers.
+// What is known of a generator and can be looked for in its numbers; in draws of full precision.
 struct Traits {
-  char const* name;
-  int freeBits;             // leading bits of a full-precision draw that vary
-  int log2Period;           // in draws of full precision
-  std::array<int, 3> lags;  // of its recurrence, in draws of full precision; 0 is none
-  Planes planes;
-  double zigguratSeam;  // where the tail of its Ziggurat begins
+  int freeBits = 0;  // leading bits of a draw that vary
+  int log2Period = 0;
+  int stepsADraw = 1;            // where lengths of streams count steps
+  std::array<int, 3> lags = {};  // of its recurrence or block; 0 is none
+  Planes planes = {};
+  double zigguratSeam = 0;  // where the tail of its Ziggurat begins
 };
 
 struct Subject {
@@ -43,11 +43,8 @@ struct Subject {
 };
 
 // A generator of the library by any of its names, or "legacy": what the older two-part syntax draws
-// from after rand('state',seed) and randn('state',seed). Errors: those of mrCreateRNGStream.
+// from after rand('state',seed) and randn('state',seed). Errors: those of rng::createStream.
 Subject subjectNamed(std::string_view name, std::uint32_t seed);
-
-// The traits of a generator; those of a generator about which nothing is known for other names.
-Traits traitsOf(std::string_view name);
 
 // Full or reduced precision; the legacy stream has one, which stays.
 void choosePrecision(randstream& stream, bool full);

@@ -13,6 +13,7 @@
 #include "plugin_rng/clone.h"
 #include "plugin_rng/legacy_plugin.h"
 #include "rng/element_bits.h"
+#include "rng/generator_names.h"
 #include "rng/mr_functions.h"
 #include "rng/state_components.h"
 #include "rng/stream_factory.h"
@@ -161,8 +162,8 @@ namespace {
 
 // The name that a snapshot has for a generator.
 std::string snapshotName(randstream const& stream) {
-  char const* const canonical = canonicalGeneratorType(stream.generatorType());
-  return canonical ? canonical : stream.generatorType();
+  tfl_rng::Generator const* const generator = rng::generatorNamed(stream.generatorType());
+  return generator ? generator->name : stream.generatorType();
 }
 
 void appendComponent(std::string& text, StateClass const& elementClass, std::size_t length,

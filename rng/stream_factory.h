@@ -1,6 +1,6 @@
 #pragma once
 
-// Owners of a plug-in and of a stream under construction, and the names of generators.
+// Owners of a plug-in and of a stream under construction.
 
 #include <memory>
 
@@ -25,6 +25,3 @@ inline std::unique_ptr<randstream> makeStream(char const* type, unsigned int see
 // settings of `original`: no pending Polar value comes along. Errors: those of the factory and of
 // the state.
 std::unique_ptr<randstream> remade(randstream const& original, unsigned long substream = 0);
-
-// The canonical name of the generator that mrCreateRNGStream makes for `type`; null for none.
-char const* canonicalGeneratorType(char const* type) noexcept;

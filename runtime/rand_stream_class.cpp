@@ -14,6 +14,7 @@
 #include "embedded_host/text.h"
 #include "errors/argument_counts.h"
 #include "errors/keys.h"
+#include "rng/generator_names.h"
 #include "rng/mr_functions.h"
 #include "runtime/loaded.h"
 #include "runtime/rand_stream_options.h"
@@ -260,15 +261,11 @@ void createRestored(Loaded const& loaded, int nlhs, txArrayPtr* plhs, int nrhs,
 // RandStream.list(): the names of the generators.
 void list(int nlhs, txArrayPtr* plhs, int nrhs, txArray const** /*prhs*/) {
   errors::checkCounts(nlhs, 1, nrhs, 0, 0);
-  constexpr std::u16string_view kNames[] = {
-#define TFL_GENERATOR(name, ...) u"" #name,
-#include "tfl_rng/generators.def"
-#undef TFL_GENERATOR
-  };
-  txArrayPtr names = embedded_host::makeStrings(std::array<std::uint64_t, 2>{std::size(kNames), 1});
-  for (std::size_t i = 0; i < std::size(kNames); ++i)
-    embedded_host::setString(*names, i, kNames[i]);
-  plhs[0] = std::move(names);
+  auto const names = tfl_rng::generatorNames();
+  txArrayPtr list = embedded_host::makeStrings(std::array<std::uint64_t, 2>{names.size(), 1});
+  for (std::size_t i = 0; i < names.size(); ++i)
+    embedded_host::setString(*list, i, embedded_host::utf8ToUtf16(names[i]));
+  plhs[0] = std::move(list);
 }
 
 }  // namespace

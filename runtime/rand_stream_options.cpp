@@ -4,14 +4,14 @@
 #include <cmath>
 #include <optional>
 #include <random>
-#include <string_view>
 
 #include "embedded_host/array.h"
 #include "embedded_host/dispatcher.h"
 #include "embedded_host/messages.h"
 #include "embedded_host/text.h"
+#include "errors/explained.h"
 #include "errors/keys.h"
-#include "vmstate/generator_aliases.h"
+#include "rng/generator_names.h"
 #include "vmstate/global_stream.h"
 
 namespace runtime {
@@ -20,27 +20,6 @@ namespace {
 namespace keys = TALVOR::RandStream::create;
 using embedded_host::equalIgnoringAsciiCase;
 
-struct GeneratorName {
-  std::string_view spelling;
-  char const* name;
-};
-constexpr GeneratorName kGenerators[] = {
-#define TFL_GENERATOR(name, core, otherSpelling, ...) {#name, #name}, {otherSpelling, #name},
-#include "tfl_rng/generators.def"
-#undef TFL_GENERATOR
-};
-
-// Raises the error of a key, its text followed by the known name that was probably meant.
-template <class Key>
-[[noreturn]] void raiseUnknown(Key key, std::string const& given, int position,
-                               std::vector<std::string> const& known) {
-  std::string text = renderMessage(key);
-  std::string const closest = embedded_host::closestName(given, known);
-  if (!closest.empty()) text += " Did you mean \"" + closest + "\"?";
-  key.setFaultyArgument(position);
-  throw foundation::core::except::Exception<Key>(std::move(key), std::move(text));
-}
-
 std::optional<std::string> textOf(txArray const& value) {
   std::optional<std::u16string> const text = value.scalarText();
   if (!text) return std::nullopt;
@@ -48,16 +27,11 @@ std::optional<std::string> textOf(txArray const& value) {
 }
 
 std::string parseType(txArray const& value) {
-  std::optional<std::u16string> given = value.scalarText();
+  std::optional<std::string> const given = textOf(value);
   if (!given) errors::raise(keys::InvalidRNGType(), 1);
-  canonicalGeneratorName(*given);
-  std::string const name = embedded_host::utf16ToUtf8(*given);
-  std::vector<std::string> known;
-  for (GeneratorName const& row : kGenerators) {
-    if (!row.spelling.empty() && equalIgnoringAsciiCase(row.spelling, name)) return row.name;
-    if (!row.spelling.empty()) known.emplace_back(row.spelling);
-  }
-  raiseUnknown(keys::UnknownRNGType(name.c_str()), name, 1, known);
+  if (auto const* const generator = rng::findGenerator(*given)) return generator->name;
+  errors::raiseExplained(keys::UnknownRNGType(*given),
+                         errors::didYouMean(rng::closestGenerator(*given)), 1);
 }
 
 std::string shippedType() {
@@ -144,8 +118,8 @@ Option const& findOption(txArray const& given, int position) {
     if (equalIgnoringAsciiCase(option.name, name)) return option;
     known.emplace_back(option.name);
   }
-  raiseUnknown(embedded_host::HostKey("TALVOR:RandStream:create:UnknownOption", {name}), name,
-               position, known);
+  errors::raiseExplained(embedded_host::HostKey("TALVOR:RandStream:create:UnknownOption", {name}),
+                         errors::didYouMean(embedded_host::closestName(name, known)), position);
 }
 
 }  // namespace

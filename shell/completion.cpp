@@ -5,17 +5,14 @@
 
 #include "embedded_host/object_system.h"
 #include "embedded_host/text.h"
+#include "tfl_rng/generator_catalogue.h"
 
 namespace shell {
 
 namespace {
 
-// Texts that calls of this library take.
+// Texts that calls of this library take, beside the names of generators.
 constexpr char const* kQuotedWords[] = {
-#define TFL_GENERATOR(name, core, otherSpelling, family, stateClass, stateLen, normals, period) \
-#name,
-#include "tfl_rng/generators.def"
-#undef TFL_GENERATOR
     "Ziggurat",      "Polar", "Inversion", "single", "double", "like",  "Seed",   "NumStreams",
     "StreamIndices", "int8",  "uint8",     "int16",  "uint16", "int32", "uint32", "logical"};
 
@@ -73,6 +70,10 @@ Completion complete(std::string_view line, language::Session const& session) {
   std::vector<std::string> candidates;
   if (insideText(line)) {
     candidates.assign(std::begin(kQuotedWords), std::end(kQuotedWords));
+    for (tfl_rng::Generator const& generator : tfl_rng::generators()) {
+      candidates.emplace_back(generator.name);
+      if (*generator.traits.shortName) candidates.emplace_back(generator.traits.shortName);
+    }
   } else if (completion.start > 0 && line[completion.start - 1] == '.') {
     std::size_t const end = completion.start - 1;
     std::size_t const owner = wordStart(line, end);

@@ -11,26 +11,11 @@
 
 #include "rng/mr_functions.h"
 #include "rng/randstream.h"
+#include "tfl_rng/generator_catalogue.h"
 
 namespace shell {
 
 namespace {
-
-struct Row {
-  char const* name;
-  bool hasSubstreams;
-  char const* normals;
-  char const* period;
-};
-
-constexpr bool kSingle = false;
-constexpr bool kSubstreams = true;
-constexpr Row kRows[] = {
-#define TFL_GENERATOR(name, core, otherSpelling, family, stateClass, stateLen, normals, period) \
-  {#name, k##family, normals, period},
-#include "tfl_rng/generators.def"
-#undef TFL_GENERATOR
-};
 
 // 2^61, or 2^64 - 2, or the number itself.
 std::string countText(std::uint64_t count) {
@@ -56,13 +41,16 @@ std::string jumpCost(randstream& stream) {
                             : fmt::format("{:.0f} us", nanoseconds / 1000);
 }
 
-std::vector<std::string> cellsOf(Row const& row) {
-  std::string const normals = *row.normals ? row.normals : "-";
-  if (!row.hasSubstreams) return {row.name, row.period, "1", "1", "-", normals};
+std::vector<std::string> cellsOf(tfl_rng::Generator const& row) {
+  auto const orNone = [](char const* text) { return *text ? text : "-"; };
+  std::string const shortName = orNone(row.traits.shortName);
+  std::string const normals = orNone(row.nativeNormals);
+  if (!row.hasSubstreams()) return {row.name, shortName, row.period, "1", "1", "-", normals};
   std::unique_ptr<randstream> const stream(mrCreateRNGStream(row.name, 1, 0, 0, nullptr, 0));
   randstream::streamParamsStruct parameters{};
   stream->getStreamParameters(&parameters);
   return {row.name,
+          shortName,
           row.period,
           countText(parameters.numStreams),
           countText(parameters.numSubstreams),
@@ -74,8 +62,8 @@ std::vector<std::string> cellsOf(Row const& row) {
 
 std::string generatorsTable() {
   std::vector<std::vector<std::string>> table{
-      {"generator", "period", "streams", "substreams", "jump", "normals"}};
-  for (Row const& row : kRows) table.push_back(cellsOf(row));
+      {"generator", "short name", "period", "streams", "substreams", "jump", "normals"}};
+  for (tfl_rng::Generator const& row : tfl_rng::generators()) table.push_back(cellsOf(row));
   std::vector<std::size_t> widths(table.front().size(), 0);
   for (auto const& line : table) {
     for (std::size_t i = 0; i < line.size(); ++i) widths[i] = std::max(widths[i], line[i].size());

@@ -13,6 +13,7 @@
 #include "shell/command_line.h"
 #include "shell/error_text.h"
 #include "shell/progress.h"
+#include "tfl_rng/generator_catalogue.h"
 
 namespace shell {
 
@@ -98,13 +99,6 @@ void write(std::string const& page, std::string const& file) {
     throw std::runtime_error(fmt::format("cannot write {}: {}", file, std::strerror(errno)));
 }
 
-constexpr char const* kNames[] = {
-#define TFL_GENERATOR(name, ...) #name,
-#include "tfl_rng/generators.def"
-#undef TFL_GENERATOR
-    "legacy",
-};
-
 std::string singlePage(ReportOptions const& options) {
   report::Subject const subject = report::subjectNamed(options.generator, options.seed);
   write("", options.output);  // a file that cannot be written is told before the work
@@ -118,11 +112,14 @@ std::string comparison(ReportOptions const& options) {
   write("", options.output);
   Progress progress;
   std::vector<report::Entry> entries;
-  for (char const* const name : kNames) {
+  auto const generators = tfl_rng::generatorNames();
+  std::vector<std::string> names(generators.begin(), generators.end());
+  names.emplace_back("legacy");
+  for (std::string const& name : names) {
     auto const done = static_cast<double>(entries.size());
     report::Subject const subject = report::subjectNamed(name, options.seed);
     auto const results = report::measureAll(subject, [&](double share, std::string_view) {
-      progress.draw((done + share) / static_cast<double>(std::size(kNames)), name);
+      progress.draw((done + share) / static_cast<double>(names.size()), name);
     });
     entries.push_back({subject, results});
   }

@@ -4,12 +4,16 @@
 #include <bit>
 
 #include "tfl_rng/core_ziggurat.h"
+#include "tfl_rng/generator_catalogue.h"
 #include "tfl_rng/kernels/dsfmt19937_reference.h"
 
 namespace tfl_rng {
 namespace {
 
 using State = dsfmt19937::State;
+
+constexpr Ties kTies = kGeneratorOf<dsfmt19937>->traits.ties;
+static_assert(kTies.far == dsfmt::kWords && kTies.far - kTies.near == dsfmt::kShift);
 
 constexpr std::uint64_t kFix[2] = {0x90014964b32f4329, 0x3b8d12ac548a7c7a};
 constexpr std::uint64_t kParityCheck[2] = {0x3d84e1ac0dc82880, 0x0000000000000001};

@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "tfl_rng/core_ziggurat.h"
+#include "tfl_rng/generator_catalogue.h"
 #include "tfl_rng/kernels/mt19937_reference.h"
 #include "tfl_rng/to_double.h"
 
@@ -10,6 +11,9 @@ namespace tfl_rng {
 namespace {
 
 constexpr std::uint32_t kDefaultSeed = 5489;
+
+constexpr Ties kTies = kGeneratorOf<mt19937ar>->traits.ties;
+static_assert(kTies.far == mt19937ar::kWords && kTies.far - kTies.near == mt19937::kShift);
 
 }  // namespace
 

@@ -1,11 +1,12 @@
 #include "vmstate/random_settings.h"
 
+#include <algorithm>
 #include <memory>
 #include <string_view>
 
 #include "host/settings.h"
 #include "host/tfl_rng.h"
-#include "vmstate/generator_aliases.h"
+#include "tfl_rng/generator_catalogue.h"
 
 namespace {
 
@@ -16,6 +17,19 @@ constexpr std::string_view kAlgorithm = "DefaultAlgorithm";
 constexpr std::string_view kSeed = "DefaultSeed";
 constexpr std::string_view kInEffect = "";
 constexpr std::string_view kFactory = "factory";
+
+// Replaces a generator's short name, spelled exactly so, by its canonical name; leaves all other
+// names alone.
+void canonicalGeneratorName(std::u16string& name) {
+  for (tfl_rng::Generator const& generator : tfl_rng::generators()) {
+    std::string_view const shortName = generator.traits.shortName;
+    if (!shortName.empty() && std::ranges::equal(name, shortName)) {
+      std::string_view const canonical = generator.name;
+      name.assign(canonical.begin(), canonical.end());
+      return;
+    }
+  }
+}
 
 std::u16string readAlgorithm(Settings const& group, std::string_view level) {
   std::u16string name = group.get<std::u16string>(kAlgorithm, level);

@@ -21,6 +21,7 @@
 
 #include "rng/mr_functions.h"
 #include "rng/snapshot.h"
+#include "tfl_rng/generator_catalogue.h"
 
 namespace tvmathrng {
 
@@ -45,15 +46,7 @@ template <class T>
 concept Position = OneOf<T, double, std::int64_t, std::uint64_t>;
 
 /// The names of all generators.
-inline std::span<char const* const> generators() noexcept {
-  static constexpr char const* kNames[] = {
-#define TFL_GENERATOR(name, core, otherSpelling, family, stateClass, stateLen, native, period) \
-#name,
-#include "tfl_rng/generators.def"
-#undef TFL_GENERATOR
-  };
-  return kNames;
-}
+inline std::span<char const* const> generators() noexcept { return tfl_rng::generatorNames(); }
 
 /// A source of random numbers. It belongs to one thread at a time, but for its const functions,
 /// which several may call while none draws; threads that share work take a substream each, see

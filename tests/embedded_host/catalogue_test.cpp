@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "embedded_host/messages.h"
+#include "tfl_rng/generator_catalogue.h"
 
 namespace {
 
@@ -30,19 +31,6 @@ std::vector<Row> const kRows = {
 #undef TV_KEY
 };
 
-struct Generator {
-  char const* name;
-  bool hasSubstreams;
-};
-constexpr bool Single = false, Substreams = true;
-
-constexpr Generator kGenerators[] = {
-#define TFL_GENERATOR(name, core, otherSpelling, family, stateClass, stateLen, normals, period) \
-  {#name, family},
-#include "tfl_rng/generators.def"
-#undef TFL_GENERATOR
-};
-
 TEST(Catalogue, HasATextForEveryKeyThatUsesEveryArgument) {
   for (Row const& row : kRows) {
     EXPECT_TRUE(embedded_host::hasMessage(row.identifier)) << row.identifier;
@@ -51,9 +39,9 @@ TEST(Catalogue, HasATextForEveryKeyThatUsesEveryArgument) {
 }
 
 TEST(Catalogue, HasATextForEveryErrorOfEveryGenerator) {
-  for (Generator const& generator : kGenerators) {
+  for (tfl_rng::Generator const& generator : tfl_rng::generators()) {
     std::vector<std::string> keys{"InvalidParameter", "InvalidState"};
-    if (generator.hasSubstreams) {
+    if (generator.hasSubstreams()) {
       keys.insert(keys.end(), {"TooManyStreams", "SubstreamsIndexOutOfRange"});
     } else {
       keys.push_back("MultipleStreams");

@@ -13,6 +13,7 @@
 
 #include "embedded_host/allocator.h"
 #include "tests/support/calls.h"
+#include "tfl_rng/generator_catalogue.h"
 
 namespace {
 
@@ -40,11 +41,7 @@ namespace {
 
 using namespace testing_support;
 
-constexpr char const* kGenerators[] = {
-#define TFL_GENERATOR(name, ...) #name,
-#include "tfl_rng/generators.def"
-#undef TFL_GENERATOR
-};
+constexpr auto kGenerators = tfl_rng::generatorNames();
 
 class EveryGenerator : public testing::TestWithParam<char const*> {
  protected:
@@ -138,7 +135,8 @@ TEST_P(EveryGenerator, FailedCloneLeavesNothing) {
   EXPECT_GT(failInTurn([&] { stream->clone(); }, [] {}), 0);
 }
 
-INSTANTIATE_TEST_SUITE_P(Generators, EveryGenerator, testing::ValuesIn(kGenerators),
+INSTANTIATE_TEST_SUITE_P(Generators, EveryGenerator,
+                         testing::ValuesIn(kGenerators.begin(), kGenerators.end()),
                          [](auto const& row) { return row.param; });
 
 struct Call {

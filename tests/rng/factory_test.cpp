@@ -3,24 +3,14 @@
 #include "rng/mr_functions.h"
 #include "tests/support/identifiers.h"
 #include "tests/support/turkish_locale.h"
+#include "tfl_rng/generator_catalogue.h"
 
 namespace {
 
 using testing_support::argumentsOf;
 using testing_support::identifierOf;
 
-struct Row {
-  char const* name;
-  char const* otherSpelling;
-  bool substreams;
-  int stateClass;
-  unsigned long stateLen;
-  char const* nativeNormals;
-
-  unsigned long elementBytes() const { return stateClass == 7 ? 4 : 8; }
-};
-
-class Factory : public ::testing::TestWithParam<Row> {
+class Factory : public ::testing::TestWithParam<tfl_rng::Generator> {
  protected:
   static std::unique_ptr<randstream> make(char const* type, unsigned long numStreams,
                                           unsigned long index, unsigned long nParams = 0) {
@@ -52,7 +42,7 @@ TEST_P(Factory, KnowsTheNameInAnyCaseAndKeepsItsSpelling) {
 TEST_P(Factory, PassesStreamsAndParametersOn) {
   EXPECT_EQ(identifierOf([&] { make(GetParam().name, ~0UL, ~0UL, 1); }), id("InvalidParameter"));
   EXPECT_EQ(identifierOf([&] { make(GetParam().name, 0, 0); }), "no error");
-  const std::string tooMany = id(GetParam().substreams ? "TooManyStreams" : "MultipleStreams");
+  const std::string tooMany = id(GetParam().hasSubstreams() ? "TooManyStreams" : "MultipleStreams");
   EXPECT_EQ(identifierOf([&] { make(GetParam().name, ~0UL, 0); }), tooMany);
   EXPECT_EQ(identifierOf([&] { make(GetParam().name, 1, ~0UL); }), tooMany);
 }
@@ -60,7 +50,7 @@ TEST_P(Factory, PassesStreamsAndParametersOn) {
 TEST_P(Factory, FreshStateIsAcceptedBackAndRestoresTheSequence) {
   const auto stream = make(GetParam().name, 1, 0);
   std::vector<char> state(stream->getStateBufLen());
-  EXPECT_EQ(state.size(), GetParam().stateLen * GetParam().elementBytes());
+  EXPECT_EQ(state.size(), GetParam().stateLen * (GetParam().stateClass == 7 ? 4 : 8));
   std::vector<double> before(700), after(700);
   stream->getStateBuf(state.data(), state.size());
   stream->randuFcn(before.data(), before.size());
@@ -69,19 +59,13 @@ TEST_P(Factory, FreshStateIsAcceptedBackAndRestoresTheSequence) {
   EXPECT_EQ(before, after);
 }
 
-constexpr bool Single = false;
-constexpr bool Substreams = true;
-#define TFL_GENERATOR(name, core, otherSpelling, family, stateClass, stateLen, normals, period) \
-  Row{#name, otherSpelling, family, stateClass, stateLen, normals},
-const std::vector<Row> kGenerators = {
-#include "tfl_rng/generators.def"
-};
-#undef TFL_GENERATOR
-INSTANTIATE_TEST_SUITE_P(Generators, Factory, ::testing::ValuesIn(kGenerators),
+INSTANTIATE_TEST_SUITE_P(Generators, Factory,
+                         ::testing::ValuesIn(tfl_rng::generators().begin(),
+                                             tfl_rng::generators().end()),
                          [](auto const& row) { return row.param.name; });
 
 TEST(FactoryNames, UnknownNamesAreReportedAsGiven) {
-  for (char const* name : {"twister", "legacy", "mt19937ar ", "", "MT 19937"}) {
+  for (char const* name : {"twister", "Philox", "legacy", "mt19937ar ", "", "MT 19937"}) {
     const auto make = [&] { delete mrCreateRNGStream(name, 1, 0, 0, nullptr, 0); };
     EXPECT_EQ(identifierOf(make), "TALVOR:RandStream:create:UnknownRNGType");
     EXPECT_EQ(argumentsOf(make), name);

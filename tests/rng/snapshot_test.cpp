@@ -4,6 +4,7 @@
 
 #include "rng/mr_functions.h"
 #include "tests/support/identifiers.h"
+#include "tfl_rng/generator_catalogue.h"
 
 namespace {
 
@@ -71,12 +72,9 @@ TEST_P(Snapshot, HoldsAllThatAStreamDependsOn) {
   }
 }
 
-constexpr char const* kTypes[] = {
-#define TFL_GENERATOR(name, ...) #name,
-#include "tfl_rng/generators.def"
-#undef TFL_GENERATOR
-    "MRG32K3A"};
-INSTANTIATE_TEST_SUITE_P(Generators, Snapshot, testing::ValuesIn(kTypes));
+constexpr auto kTypes = tfl_rng::generatorNames();
+INSTANTIATE_TEST_SUITE_P(Generators, Snapshot, testing::ValuesIn(kTypes.begin(), kTypes.end()));
+INSTANTIATE_TEST_SUITE_P(OtherSpelling, Snapshot, testing::Values("MRG32K3A"));
 
 TEST(Snapshots, KeepTheStreamsPlaceInItsFamily) {
   for (char const* const type : {"mlfg6331_64", "mrg32k3a", "philox4x32-10", "threefry4x64_20"}) {

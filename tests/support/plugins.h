@@ -30,7 +30,7 @@ inline void PrintTo(Generator const& generator, std::ostream* out) { *out << gen
 
 inline std::vector<Generator> allGenerators() {
   std::vector<Generator> all = {
-#define TFL_GENERATOR(name, core, otherSpelling, family, stateClass, stateLen, normals, period) \
+#define TFL_GENERATOR(name, core, otherSpelling, family, stateClass, stateLen, normals, ...) \
   {#name, plugin_rng::make_##name, stateClass, stateLen, normals},
 #include "tfl_rng/generators.def"
 #undef TFL_GENERATOR
