@@ -12,10 +12,11 @@
 #include <memory>
 #include <type_traits>
 
+#include "embedded_host/messages.h"
 #include "host/allocator.h"
 #include "host/except.h"
 #include "language/values.h"
-#include "rng/mr_functions.h"
+#include "rng/create_stream.h"
 #include "rng/randstream.h"
 #include "shell/command_line.h"
 #include "shell/error_text.h"
@@ -30,8 +31,10 @@ namespace {
 constexpr std::uint64_t kBlockBytes = std::uint64_t{1} << 18;
 
 std::unique_ptr<randstream> makeStream(StreamOptions const& options) {
-  std::unique_ptr<randstream> stream(mrCreateRNGStream(
-      options.generator.c_str(), options.streams, options.stream - 1, options.seed, nullptr, 0));
+  if (options.stream > options.streams)
+    embedded_host::raiseHostError("TALVOR:RandStream:create:BadStreamIndex");
+  std::unique_ptr<randstream> stream =
+      rng::createStream(options.generator, options.seed, options.stream - 1, options.streams);
   if (options.reducedPrecision) stream->setFullPrecision(false);
   if (options.antithetic) stream->setAntithetic(true);
   if (!options.method.empty()) stream->setRandnAlg(options.method.c_str());

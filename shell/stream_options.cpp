@@ -15,7 +15,7 @@ namespace shell {
 char const kStreamUsage[] =
     "usage: tvrng stream [options]\n"
     "\n"
-    "  --generator NAME   mt19937ar, philox4x32_10, ... (mt19937ar)\n"
+    "  --generator NAME   twister, philox, ...: `tvrng -e generators` has all (mt19937ar)\n"
     "  --seed N           0 to 4294967295 (0)\n"
     "  --streams N        how many streams the set has (1)\n"
     "  --stream I         which one of them, from 1 (1)\n"

@@ -50,8 +50,9 @@ TVRNG_API char const* tvrng_generator_name(size_t i);
 
 /** @name Making streams
  * @{ */
-/** Makes stream `index` of the `count` streams that a generator has for a seed; 0 of 1 is the usual
- * one. On failure *stream is a null pointer. */
+/** Makes stream `index`, below `count`, of the `count` streams that a generator has for a seed; 0
+ * of 1 is the usual one. The generator may be called by a short name ("twister", "philox", ...), in
+ * any case. On failure *stream is a null pointer. */
 TVRNG_API tvrng_status tvrng_create(char const* generator, uint32_t seed, uint64_t index,
                                     uint64_t count, tvrng_stream** stream);
 /** Makes a stream of its own with the settings of `stream`, at the start of substream k: what work

@@ -19,7 +19,7 @@
 #include <tvmathrng/error.h>
 #include <tvmathrng/values.h>
 
-#include "rng/mr_functions.h"
+#include "rng/create_stream.h"
 #include "rng/snapshot.h"
 #include "tfl_rng/generator_catalogue.h"
 
@@ -54,16 +54,17 @@ inline std::span<char const* const> generators() noexcept { return tfl_rng::gene
 /// calls, but for normals made in pairs or by rejection.
 class Stream {
  public:
-  /// The first stream of a generator. Errors: create:UnknownRNGType.
+  /// The first stream of a generator, called by a name of generators() or a short one ("twister",
+  /// "philox", ...) in any case. Errors: create:UnknownRNGType.
   explicit Stream(std::string const& generator, Seed seed = Seed{0})
       : Stream(generator, seed, StreamIndex{0}, StreamCount{1}) {}
 
-  /// One of several streams of a seed, which do not overlap. Errors: create:UnknownRNGType and
-  /// those of the generator, which may have one stream only.
+  /// One of several streams of a seed, which do not overlap. Errors: create:UnknownRNGType,
+  /// create:BadNumStreams for a count of 0, create:BadStreamIndex for an index that is not below
+  /// the count, and those of the generator, which may have one stream only.
   Stream(std::string const& generator, Seed seed, StreamIndex index, StreamCount count)
       : stream_(detail::withErrors([&] {
-          return mrCreateRNGStream(generator.c_str(), count.value(), index.value(), seed.value(),
-                                   nullptr, 0);
+          return rng::createStream(generator, seed.value(), index.value(), count.value());
         })) {}
 
   /// @name Uniform values of the open interval (0,1): one draw each.

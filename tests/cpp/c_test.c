@@ -50,7 +50,7 @@ static void substreams_jump(void) {
   tvrng_stream *stream, *item;
   uint64_t k;
   double drawn, jumped;
-  EXPECT(tvrng_create("threefry4x64_20", 3, 1, 2, &stream) == TVRNG_OK);
+  EXPECT(tvrng_create("Threefry", 3, 1, 2, &stream) == TVRNG_OK);
   EXPECT(tvrng_at_substream(stream, 7, &item) == TVRNG_OK);
   EXPECT(tvrng_get_substream(item, &k) == TVRNG_OK && k == 7);
   EXPECT(tvrng_set_substream(stream, 7) == TVRNG_OK);
@@ -69,6 +69,9 @@ static void misuse_is_told_and_draws_nothing(void) {
   EXPECT(strcmp(tvrng_error_identifier(), "") == 0);
   EXPECT_ERROR(tvrng_create("mersenne", 0, 0, 1, &none), "TALVOR:RandStream:create:UnknownRNGType");
   EXPECT(none == NULL && strstr(tvrng_error_text(), "mersenne"));
+  EXPECT_ERROR(tvrng_create("philox", 0, 4, 4, &none), "TALVOR:RandStream:create:BadStreamIndex");
+  EXPECT(strstr(tvrng_error_text(), "index 4 is not below 4"));
+  EXPECT_ERROR(tvrng_create("philox", 0, 0, 0, &none), "TALVOR:RandStream:create:BadNumStreams");
   EXPECT_ERROR(tvrng_create(NULL, 0, 0, 1, &none), "TALVOR:c:NullPointer");
   EXPECT_ERROR(tvrng_create("mt19937ar", 0, 0, 1, NULL), "TALVOR:c:NullPointer");
   EXPECT(tvrng_create("mt19937ar", 0, 0, 1, &stream) == TVRNG_OK);

@@ -108,6 +108,28 @@ TEST(Errors, CarryIdentifierArgumentsAndText) {
   }
 }
 
+TEST(Streams, AreMadeByAnySpellingOfTheirGenerator) {
+  Stream named("Philox4x32-10", Seed{7}, StreamIndex{1}, StreamCount{2});
+  Stream shortly("PHILOX", Seed{7}, StreamIndex{1}, StreamCount{2});
+  EXPECT_EQ(named.generator(), "philox4x32_10");
+  EXPECT_EQ(shortly.generator(), "philox4x32_10");
+  EXPECT_EQ(shortly.uniform(3), named.uniform(3));
+}
+
+TEST(Errors, StreamsBeyondTheirCountAreNone) {
+  auto const made = [](std::uint64_t index, std::uint64_t count) -> std::string {
+    try {
+      Stream("philox", Seed{1}, StreamIndex{index}, StreamCount{count});
+    } catch (Error const& error) {
+      return error.identifier();
+    }
+    return "made";
+  };
+  EXPECT_EQ(made(3, 4), "made");
+  EXPECT_EQ(made(4, 4), "TALVOR:RandStream:create:BadStreamIndex");
+  EXPECT_EQ(made(0, 0), "TALVOR:RandStream:create:BadNumStreams");
+}
+
 TEST(Errors, RefusedCallsDrawNothing) {
   Stream stream("mt19937ar");
   EXPECT_THROW(stream.integers<int>({6, 1}, 10), Error);
