@@ -1,7 +1,6 @@
 #include "runtime/rand_stream_options.h"
 
 #include <algorithm>
-#include <cmath>
 #include <optional>
 #include <random>
 
@@ -11,7 +10,9 @@
 #include "embedded_host/text.h"
 #include "errors/explained.h"
 #include "errors/keys.h"
+#include "language/values.h"
 #include "rng/generator_names.h"
+#include "tfl_rng/convert.h"
 #include "vmstate/global_stream.h"
 
 namespace runtime {
@@ -44,20 +45,15 @@ std::string shippedType() {
 std::optional<std::vector<std::uint64_t>> toCounts(txArray const& value, std::uint64_t low,
                                                    std::uint64_t high) {
   if (!value.isNumeric() || value.isComplex()) return std::nullopt;
-  std::vector<std::uint64_t> counts(value.numel());
-  if (value.classID() == txClassUint64) {
-    std::ranges::copy(embedded_host::elementsOf<std::uint64_t>(value), counts.begin());
-  } else {
-    txArrayPtr const doubles = txToDouble(value);
-    for (std::size_t i = 0; i < counts.size(); ++i) {
-      double const element = std::as_const(*doubles).dataAs<double>()[i];
-      if (!(element >= 0 && element < 0x1p64) || element != std::trunc(element))
-        return std::nullopt;
-      counts[i] = static_cast<std::uint64_t>(element);
-    }
-  }
-  bool const inside = std::ranges::all_of(
-      counts, [&](std::uint64_t count) { return count >= low && count <= high; });
+  txArrayPtr const full = txToFull(value);
+  std::vector<std::uint64_t> counts;
+  bool const inside = language::visitElementType(value.classID(), [&]<class T>(T) {
+    return std::ranges::all_of(embedded_host::elementsOf<T>(*full), [&](T element) {
+      auto const count = tfl_rng::toCount(element);
+      counts.push_back(count.value_or(0));
+      return count && *count >= low && *count <= high;
+    });
+  });
   return inside && !counts.empty() ? std::optional(std::move(counts)) : std::nullopt;
 }
 
@@ -112,7 +108,13 @@ constexpr Option kOptions[] = {
 };
 
 Option const& findOption(txArray const& given, int position) {
-  std::string const name = textOf(given).value_or("");
+  std::optional<std::string> const text = textOf(given);
+  if (!text) {
+    errors::raise(embedded_host::HostKey("TALVOR:RandStream:create:InvalidOption",
+                                         {language::describe(given)}),
+                  position);
+  }
+  std::string const& name = *text;
   std::vector<std::string> known;
   for (Option const& option : kOptions) {
     if (equalIgnoringAsciiCase(option.name, name)) return option;

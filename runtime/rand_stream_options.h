@@ -28,7 +28,8 @@ struct RandStreamOptions {
 
 // Names in any case; options in any order, the last of a name counts. Without a type it is the
 // generator that the host was shipped with. Errors: those of RandStream::create for values that
-// make no sense, create:UnknownOption, create:MissingValue.
+// make no sense, create:InvalidOption, create:UnknownOption,
+// create:MissingValue.
 RandStreamOptions parseRandStreamOptions(std::span<txArray const* const> args);
 
 }  // namespace runtime

@@ -1,10 +1,12 @@
 #pragma once
 
-// Doubles to integers: the named conversions of this library. A plain cast of a value that does not
+// Numbers to integers: the named conversions of this library. A plain cast of a value that does not
 // fit is undefined and differs between machines; these give the same results everywhere.
 
 #include <cmath>
 #include <cstdint>
+#include <optional>
+#include <type_traits>
 
 namespace tfl_rng {
 
@@ -23,6 +25,21 @@ inline std::uint64_t toUint64(double value) noexcept {
   if (!(value > 0)) return 0;
   if (value >= 0x1p64) return ~std::uint64_t{0};
   return static_cast<std::uint64_t>(value);
+}
+
+// A count or index of any class: exact for integers, as above for doubles; nothing for what is
+// negative, no whole number or infinite.
+template <class T>
+std::optional<std::uint64_t> toCount(T value) noexcept {
+  if constexpr (std::is_integral_v<T>) {
+    if (value < T(0)) return std::nullopt;
+    return static_cast<std::uint64_t>(value);
+  } else {
+    double const number = static_cast<double>(value);
+    if (!(number >= 0) || !std::isfinite(number) || number != std::trunc(number))
+      return std::nullopt;
+    return toUint64(number);
+  }
 }
 
 // The product of a uniform and a count, truncated toward zero; magnitudes from 2^52 on are whole
