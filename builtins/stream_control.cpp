@@ -7,6 +7,7 @@
 #include "builtins/scalars.h"
 #include "builtins/stream_methods.h"
 #include "errors/argument_counts.h"
+#include "errors/explained.h"
 #include "errors/keys.h"
 #include "host/strings.h"
 #include "host/tfl_rng.h"
@@ -25,7 +26,7 @@ namespace reset_keys = TALVOR::RandStream::reset;
 std::uint32_t ownSeed(txArray const& object) {
   txArrayPtr const seed = txGetProperty(object, "Seed");
   if (!seed || seed->classID() != txClassUint32 || seed->isEmpty())
-    errors::raise(reset_keys::BadSeed(), 1);
+    errors::raiseExplained(reset_keys::BadSeed(), "The object keeps none to go back to.", 1);
   return *seed->dataAs<std::uint32_t>();
 }
 

@@ -14,6 +14,7 @@
 #include "builtins/scalars.h"
 #include "builtins/stream_methods.h"
 #include "errors/argument_counts.h"
+#include "errors/explained.h"
 #include "errors/keys.h"
 #include "host/strings.h"
 #include "rng/randstream.h"
@@ -128,6 +129,11 @@ void writeFullPrecision(randstream& stream, txArray const& value) {
 }
 
 txArrayPtr readParameters(randstream const& stream) {
+  if (!stream.hasSubstreams()) {
+    // The identifier of getStreamParameters, whose text speaks of a fault. This is none.
+    errors::raiseWithTextOf(set_keys::SubstreamsNotSupported(stream.generatorType()),
+                            component_TALVOR::catalog_RandStream::key_UnexpectedPluginError());
+  }
   randstream::streamParamsStruct limits;
   stream.getStreamParameters(&limits);
   txArrayPtr result = txCreateUninitialized(std::array<std::uint64_t, 2>{4, 1}, txClassUint64);

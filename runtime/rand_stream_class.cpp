@@ -247,6 +247,19 @@ void global(Loaded& loaded, int nlhs, txArrayPtr* plhs, int nrhs, txArray const*
   if (previous) plhs[0] = std::move(previous);
 }
 
+// RandStream.default(s), RandStream.default([]). Global streams are made after the default one by
+// the stream factory, so that it must know the generator: the legacy stream would fail every draw.
+void setDefault(int nlhs, txArrayPtr* plhs, int nrhs, txArray const** prhs) {
+  errors::checkCounts(nlhs, 0, nrhs, 1, 1);
+  if (!prhs[0]->isEmpty()) {
+    char const* const type = mrGetCPPRandStreamFromTxArray(prhs[0])->generatorType();
+    if (!rng::generatorNamed(type))
+      errors::raise(embedded_host::HostKey("TALVOR:RandStream:default:CannotMakeAnother", {type}),
+                    1);
+  }
+  setDefaultRandStream(nlhs, plhs, nrhs, prhs);
+}
+
 // RandStream.restore(x): a new stream from a snapshot.
 void createRestored(Loaded const& loaded, int nlhs, txArrayPtr* plhs, int nrhs,
                     txArray const** prhs) {
@@ -303,7 +316,7 @@ void addRandStreamClass(SharedLoaded const& loaded) {
   definition.staticMethods = {
       {"global", [loaded](int nlhs, txArrayPtr* plhs, int nrhs,
                           txArray const** prhs) { global(*loaded, nlhs, plhs, nrhs, prhs); }},
-      {"default", setDefaultRandStream},
+      {"default", setDefault},
       {"list", list},
       {"restore",
        [loaded](int nlhs, txArrayPtr* plhs, int nrhs, txArray const** prhs) {

@@ -122,6 +122,18 @@ TEST_F(RandStreamClass, StreamOutlivesTheCallThatDeletesItsObject) {
   EXPECT_EQ(identifierOf([&] { draw(object); }), "TALVOR:RandStream:InvalidHandle");
 }
 
+TEST_F(RandStreamClass, ResetWithoutASeedOfItsOwnSaysSo) {
+  txArrayPtr const object = make("mt19937ar");
+  embedded_host::setStoredProperty(*object, "Seed", toArgument(7.0));  // is no uint32
+  try {
+    run("reset", args(txShare(*object)), 0);
+    FAIL() << "reset";
+  } catch (foundation::core::except::AnyException const& error) {
+    EXPECT_EQ(error.GetID(), "TALVOR:RandStream:reset:BadSeed");
+    EXPECT_THAT(error.text(), testing::HasSubstr("The object keeps none"));
+  }
+}
+
 TEST_F(RandStreamClass, CloneOutOfMemoryIsNotKept) {
   run("RandStream.default", args(make("mrg32k3a")), 0);
   for (std::uint64_t k = 1;; ++k) {
