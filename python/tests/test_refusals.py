@@ -108,6 +108,7 @@ BAD_CONTROL = [
      OWN + "NotLocked", "entered"),
 ]
 BAD_CREATION = [
+    (lambda: tv.RandStream("twistr"), ValueError, LIBRARY + "create:UnknownRNGType", '"twister"?'),
     (lambda: tv.RandStream("foo"), ValueError, LIBRARY + "create:UnknownRNGType", "philox4x32_10"),
     (lambda: tv.RandStream("\udc80"), ValueError, OWN + "InvalidText", "udc80"),
     (lambda: tv.RandStream("mt19937ar\0x"), ValueError, OWN + "InvalidText", "x00x"),

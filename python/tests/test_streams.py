@@ -99,7 +99,7 @@ def test_generators_have_several_spellings(spelling):
 
 
 def test_names_of_generators_make_streams():
-    assert len(GENERATORS) == 9
+    assert {"mt19937ar", "philox4x32_10"} < set(GENERATORS)
     assert [tv.RandStream(name).generator for name in GENERATORS] == GENERATORS
 
 

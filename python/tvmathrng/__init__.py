@@ -1,7 +1,7 @@
 """Random numbers that are the same on every machine: streams, substreams, NumPy arrays.
 
 >>> import tvmathrng as tv
->>> tv.RandStream('philox4x32_10', seed=7).rand(3, 4).shape
+>>> tv.RandStream('philox', seed=7).rand(3, 4).shape
 (3, 4)
 """
 
@@ -26,7 +26,7 @@ def streams(generator, num_streams, seed=0, **settings):
 
     settings are those of RandStream.
 
-    >>> arrivals, service = streams('mrg32k3a', 2, seed=42)
+    >>> arrivals, service = streams('combRecursive', 2, seed=42)
     >>> service.stream_index
     1
     """
