@@ -16,9 +16,7 @@ namespace {
 // a longer state take that too.
 struct Form {
   LegacyGenerator generator;
-  txClassID stateClass;
-  std::uint64_t stateLen;
-  bool (*acceptsState)(txArray const& state);  // of that class and length
+  bool (*acceptsState)(txArray const& state);  // of its class and length
   void (*refuse)();
 };
 
@@ -40,28 +38,26 @@ bool acceptsUniformState(txArray const& array) {
 }
 
 bool acceptsTwisterState(txArray const& array) {
-  constexpr std::size_t kPosition = 624;
-  return array.dataAs<std::uint32_t>()[kPosition] <= kPosition;
+  std::size_t const position = array.numel() - 1;  // behind the words, whose number it may reach
+  return array.dataAs<std::uint32_t>()[position] <= position;
 }
 
 constexpr std::array kRandForms = {
-    Form{LegacyGenerator::uniformSeed, txClassDouble, 1, acceptsAny,
-         refuseWith<TALVOR::rand::invalidSeed>},
-    Form{LegacyGenerator::uniformState, txClassDouble, 35, acceptsUniformState,
+    Form{LegacyGenerator::uniformSeed, acceptsAny, refuseWith<TALVOR::rand::invalidSeed>},
+    Form{LegacyGenerator::uniformState, acceptsUniformState,
          refuseWith<TALVOR::rand::invalidState>},
-    Form{LegacyGenerator::uniformTwister, txClassUint32, 625, acceptsTwisterState,
+    Form{LegacyGenerator::uniformTwister, acceptsTwisterState,
          refuseWith<TALVOR::rand::invalidTwisterState>},
 };
 constexpr std::array kRandnForms = {
-    Form{LegacyGenerator::normalSeed, txClassDouble, 1, acceptsAny,
-         refuseWith<TALVOR::randn::invalidSeed>},
-    Form{LegacyGenerator::normalState, txClassDouble, 2, acceptsAny,
-         refuseWith<TALVOR::randn::invalidState>},
+    Form{LegacyGenerator::normalSeed, acceptsAny, refuseWith<TALVOR::randn::invalidSeed>},
+    Form{LegacyGenerator::normalState, acceptsAny, refuseWith<TALVOR::randn::invalidState>},
 };
 
 void read(Form const& form, txArrayPtr* plhs) {
-  const std::uint64_t dims[] = {form.stateLen, 1};
-  txArrayPtr state = txCreateUninitialized(dims, form.stateClass);
+  auto const [classID, length] = legacyStateType(form.generator);
+  const std::uint64_t dims[] = {length, 1};
+  txArrayPtr state = txCreateUninitialized(dims, classID);
   readLegacyGenerator(form.generator, state->data());
   plhs[0] = std::move(state);
 }
@@ -72,7 +68,8 @@ void set(Form const& form, txArray const& value) {
   if (column && value.classID() == txClassDouble && value.isScalar()) {
     return seedLegacyGenerator(form.generator, value.scalarAsDouble());
   }
-  if (column && value.classID() == form.stateClass && value.numel() == form.stateLen) {
+  auto const [classID, length] = legacyStateType(form.generator);
+  if (column && value.classID() == classID && value.numel() == length) {
     txArrayPtr const full = txToFull(value);
     if (form.acceptsState(*full)) return loadLegacyGenerator(form.generator, full->data());
   }

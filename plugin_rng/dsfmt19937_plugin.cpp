@@ -12,12 +12,12 @@ namespace plugin_rng {
 namespace {
 
 using Core = tfl_rng::dsfmt19937;
-constexpr std::size_t kStateWords = 776;
+static_assert(kStateLen<Core> ==
+              2 * (Core::kOutputs + 2) + 1 + std::tuple_size_v<decltype(Core::State::reserved)>);
 
-class dsfmt19937_plugin : public PluginRNGRandn<Core, IPluginRNG::uint32State> {
+class dsfmt19937_plugin : public PluginRNGRandn<Core> {
  public:
-  explicit dsfmt19937_plugin(boost::shared_ptr<Core> generator)
-      : PluginRNGRandn(std::move(generator), kStateWords, "Ziggurat") {}
+  using PluginRNGRandn::PluginRNGRandn;
 
   void getStateComponents(void* const* buffers) const override {
     auto* words = static_cast<std::uint32_t*>(buffers[0]);
@@ -33,7 +33,7 @@ class dsfmt19937_plugin : public PluginRNGRandn<Core, IPluginRNG::uint32State> {
   // Refuses nothing but zeros: a saved block is taken as it stands, and the core copes with any.
   void setStateComponents(void const* const* buffers) override {
     auto const* words = static_cast<std::uint32_t const*>(buffers[0]);
-    if (std::all_of(words, words + kStateWords, [](std::uint32_t word) { return word == 0; }))
+    if (std::all_of(words, words + kStateLen<Core>, [](std::uint32_t word) { return word == 0; }))
       errors::raise(TALVOR::RandStream::dsfmt19937::InvalidState());
     Core::State state;
     for (std::uint64_t& word : state.words) {

@@ -7,6 +7,7 @@
 #include "plugin_rng/exchange_halves.h"
 #include "plugin_rng/saved_state.h"
 #include "tfl_rng/convert.h"
+#include "tfl_rng/generator_catalogue.h"
 #include "tfl_rng/mcg16807.h"
 #include "tfl_rng/minimal_standard.h"
 
@@ -18,13 +19,15 @@ struct ComponentType {
   std::size_t length;
 };
 
+constexpr ComponentType typeOf(tfl_rng::LegacyKeyword const& row) {
+  return {static_cast<IPluginRNG::pluginStateClassID>(row.generator->stateClass),
+          row.generator->stateLen};
+}
+
 constexpr ComponentType kTypes[legacy_plugin::kComponents] = {
-    {IPluginRNG::uint32State, 2},
-    {IPluginRNG::doubleState, 1},
-    {IPluginRNG::doubleState, kSwb2712StateLen},
-    {IPluginRNG::uint32State, kMt19937arStateLen},
-    {IPluginRNG::doubleState, 1},
-    {IPluginRNG::doubleState, kShr3congStateLen},
+    {IPluginRNG::uint32State, 2},        typeOf(tfl_rng::kLegacyUniforms[0]),
+    typeOf(tfl_rng::kLegacyUniforms[1]), typeOf(tfl_rng::kLegacyUniforms[2]),
+    typeOf(tfl_rng::kLegacyNormals[0]),  typeOf(tfl_rng::kLegacyNormals[1]),
 };
 
 }  // namespace

@@ -20,6 +20,10 @@ namespace plugin_rng {
 
 class legacy_plugin : public IPluginRNGRandn {
  public:
+  using V5Uniform = tfl_rng::swb2712;
+  using V5Normal = tfl_rng::shr3cong;
+  using Twister = tfl_rng::mt19937ar;
+
   enum Selector : std::uint32_t { kV4 = 1, kV5 = 2, kTwister = 3 };
 
   // The components of the state.
@@ -67,9 +71,9 @@ class legacy_plugin : public IPluginRNGRandn {
     std::uint32_t normalSelector = kV5;
     std::uint32_t v4UniformWord = v4Seeded(0);
     std::uint32_t v4NormalWord = v4Seeded(0);
-    tfl_rng::swb2712 v5Uniform{0, true};
-    tfl_rng::shr3cong v5Normal{0, true};
-    tfl_rng::mt19937ar twister{0, true};
+    V5Uniform v5Uniform{0, true};
+    V5Normal v5Normal{0, true};
+    Twister twister{0, true};
   };
 
   // The V4 word of a seed or saved word: halves exchanged, 0 replaced, at most 2^31 - 2.

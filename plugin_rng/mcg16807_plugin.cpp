@@ -10,10 +10,9 @@ namespace plugin_rng {
 namespace {
 
 // The state is the generator's word with its halves exchanged, as a double.
-class mcg16807_plugin : public PluginRNGRandn<tfl_rng::mcg16807, IPluginRNG::doubleState> {
+class mcg16807_plugin : public PluginRNGRandn<tfl_rng::mcg16807> {
  public:
-  explicit mcg16807_plugin(boost::shared_ptr<tfl_rng::mcg16807> generator)
-      : PluginRNGRandn(std::move(generator), 1, "Polar") {}
+  using PluginRNGRandn::PluginRNGRandn;
 
   void getStateComponents(void* const* buffers) const override {
     *static_cast<double*>(buffers[0]) = exchangeHalves(core->word());

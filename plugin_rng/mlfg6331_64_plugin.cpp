@@ -24,14 +24,14 @@ using Core = tfl_rng::mlfg6331_64;
 constexpr std::size_t kStart = Core::kLag + 1;
 constexpr std::size_t kTables = 2 * kStart;
 constexpr std::size_t kPosition = kTables + 1;
-constexpr std::size_t kStateLen = kPosition + 1;
+static_assert(kStateLen<Core> == kPosition + 1);
 // A jump costs as much as some ten thousand draws.
 constexpr std::size_t kSerialLimit = 131072;
 
-class mlfg6331_64_plugin : public PluginRNGSubstreams<Core, IPluginRNG::uint64State> {
+class mlfg6331_64_plugin : public PluginRNGSubstreams<Core> {
  public:
   explicit mlfg6331_64_plugin(boost::shared_ptr<Core> generator)
-      : PluginRNGSubstreams(std::move(generator), kStateLen, kSerialLimit) {}
+      : PluginRNGSubstreams(std::move(generator), kSerialLimit) {}
 
   void getStateComponents(void* const* buffers) const override {
     Core::State const state = core->state();

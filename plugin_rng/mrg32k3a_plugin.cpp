@@ -14,7 +14,7 @@ namespace {
 
 using Core = tfl_rng::mrg32k3a;
 
-constexpr std::size_t kStateLen = 12;
+static_assert(kStateLen<Core> == 12);
 constexpr std::size_t kSerialLimit = 1024;
 
 bool validTerms(std::uint32_t const* terms, std::uint32_t modulus) {
@@ -26,10 +26,10 @@ bool validWords(std::uint32_t const* words) {
   return validTerms(words, Core::kModulus1) && validTerms(words + 3, Core::kModulus2);
 }
 
-class mrg32k3a_plugin : public PluginRNGSubstreams<Core, IPluginRNG::uint32State> {
+class mrg32k3a_plugin : public PluginRNGSubstreams<Core> {
  public:
   explicit mrg32k3a_plugin(boost::shared_ptr<Core> generator)
-      : PluginRNGSubstreams(std::move(generator), kStateLen, kSerialLimit) {}
+      : PluginRNGSubstreams(std::move(generator), kSerialLimit) {}
 
   void getStateComponents(void* const* buffers) const override {
     auto* words = static_cast<std::uint32_t*>(buffers[0]);

@@ -12,11 +12,11 @@ namespace plugin_rng {
 namespace {
 
 using Core = tfl_rng::mt19937ar;
+static_assert(kStateLen<Core> == Core::kWords + 1);
 
-class mt19937ar_plugin : public PluginRNGRandn<Core, IPluginRNG::uint32State> {
+class mt19937ar_plugin : public PluginRNGRandn<Core> {
  public:
-  explicit mt19937ar_plugin(boost::shared_ptr<Core> generator)
-      : PluginRNGRandn(std::move(generator), kMt19937arStateLen, "Ziggurat") {}
+  using PluginRNGRandn::PluginRNGRandn;
 
   void getStateComponents(void* const* buffers) const override {
     saveState(*core, static_cast<std::uint32_t*>(buffers[0]));

@@ -14,16 +14,16 @@ namespace {
 
 using Core = tfl_rng::philox4x32;
 
-constexpr std::size_t kStateLen = 7;
+static_assert(kStateLen<Core> == 7);
 constexpr std::size_t kSerialLimit = 1024;
 // A normal costs several times a uniform, so that shorter leaves pay, and more so the more idle
 // threads there are.
 constexpr Split kNormalSplit{2048, true};
 
-class philox4x32_plugin : public PluginRNGInversion<Core, IPluginRNG::uint32State> {
+class philox4x32_plugin : public PluginRNGInversion<Core> {
  public:
   explicit philox4x32_plugin(boost::shared_ptr<Core> generator)
-      : PluginRNGInversion(std::move(generator), kStateLen, kSerialLimit, kNormalSplit) {}
+      : PluginRNGInversion(std::move(generator), kSerialLimit, kNormalSplit) {}
 
   void getStateComponents(void* const* buffers) const override {
     Core::State const state = core->state();
@@ -35,7 +35,7 @@ class philox4x32_plugin : public PluginRNGInversion<Core, IPluginRNG::uint32Stat
 
   void setStateComponents(void const* const* buffers) override {
     auto const* words = static_cast<std::uint32_t const*>(buffers[0]);
-    if (std::all_of(words, words + kStateLen, [](std::uint32_t word) { return word == 0; })) {
+    if (std::all_of(words, words + kStateLen<Core>, [](std::uint32_t word) { return word == 0; })) {
       errors::raise(errors::GeneratorErrors<Core>::InvalidState());
     }
     Core::State state{};

@@ -11,16 +11,24 @@
 #include "plugin_rng/clone.h"
 #include "plugin_rng/interfaces.h"
 #include "plugin_rng/large_results.h"
+#include "tfl_rng/generator_catalogue.h"
 #include "tfl_rng/rejection.h"
 
 namespace plugin_rng {
 
+// The state of a core in the registry: element class and number of elements.
+template <class Core>
+inline constexpr auto kStateClass =
+    static_cast<IPluginRNG::pluginStateClassID>(tfl_rng::kGeneratorOf<Core>->stateClass);
+template <class Core>
+inline constexpr std::size_t kStateLen = tfl_rng::kGeneratorOf<Core>->stateLen;
+
 // One generator without extensions over a core of class `Core`, with its state in one component.
-template <class Core, IPluginRNG::pluginStateClassID id>
+template <class Core, IPluginRNG::pluginStateClassID id = kStateClass<Core>>
 class PluginRNG : public virtual IPluginRNG {
  public:
-  PluginRNG(boost::shared_ptr<Core> generator, std::uint64_t length)
-      : core(std::move(generator)), stateClassID(id), stateLen(length) {}
+  explicit PluginRNG(boost::shared_ptr<Core> generator)
+      : core(std::move(generator)), stateClassID(id), stateLen(kStateLen<Core>) {}
   // A copy has a core of its own.
   PluginRNG(PluginRNG const& other)
       : IPluginRNG(other),
@@ -45,17 +53,18 @@ class PluginRNG : public virtual IPluginRNG {
   std::uint64_t stateLen;
 };
 
-// The same over a core with native normals. `method` names the one that the core brings.
-template <class Core, IPluginRNG::pluginStateClassID id>
+// The same over a core with native normals.
+template <class Core, IPluginRNG::pluginStateClassID id = kStateClass<Core>>
 class PluginRNGRandn : public PluginRNG<Core, id>, public IPluginRNGRandn {
  public:
-  PluginRNGRandn(boost::shared_ptr<Core> generator, std::uint64_t length, char const* method)
-      : PluginRNG<Core, id>(std::move(generator), length), method_(method) {}
+  using PluginRNG<Core, id>::PluginRNG;
 
   bool setRandnAlg(char const* algorithm) override {
-    return ascii_case::equal(algorithm ? algorithm : "", method_);
+    return ascii_case::equal(algorithm ? algorithm : "", getDefaultRandnAlg());
   }
-  char const* getDefaultRandnAlg() const override { return method_; }
+  char const* getDefaultRandnAlg() const override {
+    return tfl_rng::kGeneratorOf<Core>->nativeNormals;
+  }
   void randn(double* out, std::size_t n) override {
     try {
       this->core->randn(out, n);
@@ -63,9 +72,6 @@ class PluginRNGRandn : public PluginRNG<Core, id>, public IPluginRNGRandn {
       errors::raise(component_TALVOR::catalog_RandStream::key_UnexpectedPluginError());
     }
   }
-
- private:
-  char const* method_;
 };
 
 // The factory of a single-stream generator: its checks in order, then the plug-in over a core that

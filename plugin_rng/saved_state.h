@@ -9,10 +9,6 @@
 
 namespace plugin_rng {
 
-inline constexpr std::size_t kMt19937arStateLen = tfl_rng::mt19937ar::kWords + 1;
-inline constexpr std::size_t kShr3congStateLen = 2;
-inline constexpr std::size_t kSwb2712StateLen = 35;
-
 // The 624 words of the vector, then the position. A position beyond 624 and words that are all 0
 // are refused.
 void saveState(tfl_rng::mt19937ar const& core, std::uint32_t* state);

@@ -8,10 +8,9 @@
 namespace plugin_rng {
 namespace {
 
-class shr3cong_plugin : public PluginRNGRandn<tfl_rng::shr3cong, IPluginRNG::doubleState> {
+class shr3cong_plugin : public PluginRNGRandn<tfl_rng::shr3cong> {
  public:
-  explicit shr3cong_plugin(boost::shared_ptr<tfl_rng::shr3cong> generator)
-      : PluginRNGRandn(std::move(generator), kShr3congStateLen, "Ziggurat") {}
+  using PluginRNGRandn::PluginRNGRandn;
 
   void getStateComponents(void* const* buffers) const override {
     saveState(*core, static_cast<double*>(buffers[0]));

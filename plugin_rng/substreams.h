@@ -19,12 +19,11 @@ template <class Core>
 
 // A generator with streams and substreams. Requests of more than `serialLimit` draws are filled in
 // parallel.
-template <class Core, IPluginRNG::pluginStateClassID id>
+template <class Core, IPluginRNG::pluginStateClassID id = kStateClass<Core>>
 class PluginRNGSubstreams : public PluginRNG<Core, id>, public IPluginRNGSubstreams {
  public:
-  PluginRNGSubstreams(boost::shared_ptr<Core> generator, std::uint64_t length,
-                      std::size_t serialLimit)
-      : PluginRNG<Core, id>(std::move(generator), length),
+  PluginRNGSubstreams(boost::shared_ptr<Core> generator, std::size_t serialLimit)
+      : PluginRNG<Core, id>(std::move(generator)),
         numStreams(this->core->getNumStreams()),
         log2StreamLen(this->core->getLog2StreamLen()),
         numSubstreams(this->core->getNumSubstreams()),
@@ -86,18 +85,19 @@ class PluginRNGSubstreams : public PluginRNG<Core, id>, public IPluginRNGSubstre
 };
 
 // The same with native normals by inversion: each normal is the quantile of one uniform.
-template <class Core, IPluginRNG::pluginStateClassID id>
+template <class Core, IPluginRNG::pluginStateClassID id = kStateClass<Core>>
 class PluginRNGInversion : public PluginRNGSubstreams<Core, id>, public IPluginRNGRandn {
  public:
-  PluginRNGInversion(boost::shared_ptr<Core> generator, std::uint64_t length,
-                     std::size_t serialLimit, Split normalSplit)
-      : PluginRNGSubstreams<Core, id>(std::move(generator), length, serialLimit),
+  PluginRNGInversion(boost::shared_ptr<Core> generator, std::size_t serialLimit, Split normalSplit)
+      : PluginRNGSubstreams<Core, id>(std::move(generator), serialLimit),
         normalSplit_(normalSplit) {}
 
   bool setRandnAlg(char const* algorithm) override {
     return ascii_case::equal(algorithm ? algorithm : "", getDefaultRandnAlg());
   }
-  char const* getDefaultRandnAlg() const override { return "Inversion"; }
+  char const* getDefaultRandnAlg() const override {
+    return tfl_rng::kGeneratorOf<Core>->nativeNormals;
+  }
   void randn(double* out, std::size_t n) override {
     this->fill(out, n, normalSplit_, tfl_rng::normalQuantileInPlace);
   }

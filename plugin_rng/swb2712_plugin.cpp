@@ -14,12 +14,12 @@ namespace {
 using tfl_rng::kSmallestUniform;
 constexpr std::size_t kLags = tfl_rng::swb2712::kLags;
 constexpr std::size_t kBorrow = kLags, kPosition = kLags + 1, kCounter = kLags + 2;
+static_assert(kStateLen<tfl_rng::swb2712> == kCounter + 1);
 constexpr double kCounterScale = 0x1p-52;  // keeps a 32-bit counter below 1
 
-class swb2712_plugin : public PluginRNG<tfl_rng::swb2712, IPluginRNG::doubleState> {
+class swb2712_plugin : public PluginRNG<tfl_rng::swb2712> {
  public:
-  explicit swb2712_plugin(boost::shared_ptr<tfl_rng::swb2712> generator)
-      : PluginRNG(std::move(generator), kSwb2712StateLen) {}
+  using PluginRNG::PluginRNG;
 
   void getStateComponents(void* const* buffers) const override {
     saveState(*core, static_cast<double*>(buffers[0]));
@@ -40,7 +40,7 @@ void saveState(tfl_rng::swb2712 const& core, double* state) {
 }
 
 void loadState(tfl_rng::swb2712& core, double const* state) {
-  for (std::size_t i = 0; i < kSwb2712StateLen; ++i) {
+  for (std::size_t i = 0; i < kStateLen<tfl_rng::swb2712>; ++i) {
     const double least = i < kLags ? kSmallestUniform : 0;
     const bool valid = state[i] >= least && state[i] < 1;
     if (!valid) errors::raise(TALVOR::RandStream::swb2712::InvalidState());

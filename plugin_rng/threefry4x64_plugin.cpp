@@ -15,7 +15,7 @@ namespace {
 
 using Core = tfl_rng::threefry4x64;
 
-constexpr std::size_t kStateLen = 17;
+static_assert(kStateLen<Core> == 17);
 constexpr std::size_t kSerialLimit = 1024;
 constexpr Split kNormalSplit{8192, false};
 
@@ -35,10 +35,10 @@ Core::Block readHalves(std::uint32_t const* words) {
   return block;
 }
 
-class threefry4x64_plugin : public PluginRNGInversion<Core, IPluginRNG::uint32State> {
+class threefry4x64_plugin : public PluginRNGInversion<Core> {
  public:
   explicit threefry4x64_plugin(boost::shared_ptr<Core> generator)
-      : PluginRNGInversion(std::move(generator), kStateLen, kSerialLimit, kNormalSplit) {}
+      : PluginRNGInversion(std::move(generator), kSerialLimit, kNormalSplit) {}
 
   void getStateComponents(void* const* buffers) const override {
     Core::State const& state = core->state();
@@ -50,7 +50,7 @@ class threefry4x64_plugin : public PluginRNGInversion<Core, IPluginRNG::uint32St
 
   void setStateComponents(void const* const* buffers) override {
     auto const* words = static_cast<std::uint32_t const*>(buffers[0]);
-    if (std::all_of(words, words + kStateLen, [](std::uint32_t word) { return word == 0; })) {
+    if (std::all_of(words, words + kStateLen<Core>, [](std::uint32_t word) { return word == 0; })) {
       errors::raise(errors::GeneratorErrors<Core>::InvalidState());
     }
     core->setState({readHalves(words), readHalves(words + 8), words[16]});

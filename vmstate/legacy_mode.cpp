@@ -11,6 +11,7 @@
 #include "plugin_rng/saved_state.h"
 #include "rng/stream_handle.h"
 #include "tfl_rng/convert.h"
+#include "tfl_rng/generator_catalogue.h"
 #include "vmstate/global_stream.h"
 #include "vmstate/vm_record.h"
 
@@ -50,10 +51,10 @@ struct LegacyState {
     std::uint32_t uniform, normal;
   } selectors;
   double uniformSeed;
-  double uniformState[plugin_rng::kSwb2712StateLen];
-  std::uint32_t uniformTwister[plugin_rng::kMt19937arStateLen];
+  double uniformState[tfl_rng::kGeneratorOf<legacy_plugin::V5Uniform>->stateLen];
+  std::uint32_t uniformTwister[tfl_rng::kGeneratorOf<legacy_plugin::Twister>->stateLen];
   double normalSeed;
-  double normalState[plugin_rng::kShr3congStateLen];
+  double normalState[tfl_rng::kGeneratorOf<legacy_plugin::V5Normal>->stateLen];
 
   explicit LegacyState(randstream const& stream) { stream.getStateComponents(kCount, pieces); }
   LegacyState(LegacyState const&) = delete;
@@ -76,13 +77,18 @@ struct LegacyState {
 };
 
 // Generators are counted through: three of uniforms, then those of normals.
-constexpr std::size_t kUniformGenerators = 3;
+constexpr std::size_t kUniformGenerators = std::size(tfl_rng::kLegacyUniforms);
 
 std::size_t indexOf(LegacyGenerator generator) { return static_cast<std::size_t>(generator) - 1; }
 bool isNormal(LegacyGenerator generator) { return indexOf(generator) / kUniformGenerators != 0; }
 // Its number among the generators of its distribution.
 std::uint32_t selectorOf(LegacyGenerator generator) {
   return static_cast<std::uint32_t>(indexOf(generator) % kUniformGenerators + 1);
+}
+
+tfl_rng::LegacyKeyword const& rowOf(LegacyGenerator generator) {
+  std::size_t const i = indexOf(generator) % kUniformGenerators;
+  return isNormal(generator) ? tfl_rng::kLegacyNormals[i] : tfl_rng::kLegacyUniforms[i];
 }
 
 bool drawsGlobally(LegacyGenerator generator, LegacyState const& state,
@@ -106,9 +112,11 @@ void activate(LegacyGenerator generator, LegacyState& state,
 
 }  // namespace
 
-char const* legacyKeyword(LegacyGenerator generator) noexcept {
-  constexpr char const* kKeywords[kUniformGenerators] = {"seed", "state", "twister"};
-  return kKeywords[indexOf(generator) % kUniformGenerators];
+char const* legacyKeyword(LegacyGenerator generator) noexcept { return rowOf(generator).keyword; }
+
+LegacyStateType legacyStateType(LegacyGenerator generator) noexcept {
+  tfl_rng::Generator const& row = *rowOf(generator).generator;
+  return {static_cast<txClassID>(txClassDouble + row.stateClass), row.stateLen};
 }
 
 std::shared_ptr<randstream> acquireLegacyRandStream() {
@@ -126,16 +134,16 @@ void seedLegacyGenerator(LegacyGenerator generator, double seed) {
       state.uniformSeed = seed;
       break;
     case LegacyGenerator::uniformState:
-      saveState(tfl_rng::swb2712(word, true), state.uniformState);
+      saveState(legacy_plugin::V5Uniform(word, true), state.uniformState);
       break;
     case LegacyGenerator::uniformTwister:
-      saveState(tfl_rng::mt19937ar(word, true), state.uniformTwister);
+      saveState(legacy_plugin::Twister(word, true), state.uniformTwister);
       break;
     case LegacyGenerator::normalSeed:
       state.normalSeed = seed;
       break;
     case LegacyGenerator::normalState:
-      saveState(tfl_rng::shr3cong(word, true), state.normalState);
+      saveState(legacy_plugin::V5Normal(word, true), state.normalState);
       break;
   }
   activate(generator, state, legacy);

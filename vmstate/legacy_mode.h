@@ -25,6 +25,13 @@ enum class LegacyGenerator : std::size_t {
 // Its keyword: "seed", "state" or "twister".
 char const* legacyKeyword(LegacyGenerator generator) noexcept;
 
+// Class and length of its state.
+struct LegacyStateType {
+  txClassID classID;
+  std::uint64_t length;
+};
+LegacyStateType legacyStateType(LegacyGenerator generator) noexcept;
+
 // The current VM's legacy stream, made on first use.
 std::shared_ptr<randstream> acquireLegacyRandStream();
 
@@ -34,7 +41,7 @@ std::shared_ptr<randstream> acquireLegacyRandStream();
 
 // Seeds the generator: the "seed" ones with the value itself, the others with its low 32 bits.
 void seedLegacyGenerator(LegacyGenerator generator, double seed);
-// Loads a whole state component. Errors: swb2712:InvalidState, mt19937ar:InvalidState.
+// Loads a whole state component. Errors: InvalidState of the generator.
 void loadLegacyGenerator(LegacyGenerator generator, void const* state);
 
 // Copies the generator's state component to `state`. Issues the warning

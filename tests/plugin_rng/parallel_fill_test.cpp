@@ -132,17 +132,19 @@ class Stuck final : public tfl_rng::CoreStreamRNG {
 }  // namespace
 
 template <>
+inline constexpr tfl_rng::Generator const* tfl_rng::kGeneratorOf<Stuck> =
+    tfl_rng::kGeneratorOf<tfl_rng::mrg32k3a>;
+template <>
 void plugin_rng::OutOfRangeError<Stuck>() {
   throw std::string("out of range");
 }
 
 namespace {
 
-class StuckPlugin final
-    : public plugin_rng::PluginRNGSubstreams<Stuck, plugin_rng::IPluginRNG::uint32State> {
+class StuckPlugin final : public plugin_rng::PluginRNGSubstreams<Stuck> {
  public:
   explicit StuckPlugin(boost::shared_ptr<Stuck> stuck)
-      : PluginRNGSubstreams(std::move(stuck), 0, 1024) {}
+      : PluginRNGSubstreams(std::move(stuck), 1024) {}
   void getStateComponents(void* const*) const override {}
   void setStateComponents(void const* const*) override {}
 
