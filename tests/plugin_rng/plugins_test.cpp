@@ -299,9 +299,17 @@ class Degenerate final : public tfl_rng::CoreNormalRNG {
   void randn(double*, std::size_t) override { throw tfl_rng::RejectionLimit(); }
 };
 
-struct DegeneratePlugin final
-    : plugin_rng::PluginRNGRandn<Degenerate, plugin_rng::IPluginRNG::uint32State> {
-  DegeneratePlugin() : PluginRNGRandn(boost::shared_ptr<Degenerate>(new Degenerate), 0, "Polar") {}
+}  // namespace
+
+// It stands in no row of its own.
+template <>
+inline constexpr tfl_rng::Generator const* tfl_rng::kGeneratorOf<Degenerate> =
+    tfl_rng::kGeneratorOf<tfl_rng::mcg16807>;
+
+namespace {
+
+struct DegeneratePlugin final : plugin_rng::PluginRNGRandn<Degenerate> {
+  DegeneratePlugin() : PluginRNGRandn(boost::shared_ptr<Degenerate>(new Degenerate)) {}
   void getStateComponents(void* const*) const override {}
   void setStateComponents(void const* const*) override {}
 };
