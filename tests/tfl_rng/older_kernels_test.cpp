@@ -65,6 +65,17 @@ struct Swb {
     edges.borrow = true;
     for (std::size_t i = 0; i < 8; ++i)
       edges.lags[(31 + 20 + i) % 32] = edges.lags[(31 + 5 + i) % 32];
+    // Draw `first` alone borrows, and draws with equal values pass that on: where a vector begins
+    // behind scalar draws, and the next one asks what has become of its borrow.
+    for (const std::size_t first : {2, 4}) {
+      State borrows = seeded(3);
+      auto const near = [&](std::size_t draw) -> double& { return borrows.lags[20 + draw]; };
+      auto const far = [&](std::size_t draw) { return borrows.lags[5 + draw]; };
+      near(first - 1) = 1 - 0x1p-53;
+      near(first) = 0x1p-53;
+      for (std::size_t draw = first + 1; draw < first + 4; ++draw) near(draw) = far(draw);
+      result.push_back(borrows);
+    }
     return result;
   }
   static void scalar(State& state, double* out, std::size_t n) {
