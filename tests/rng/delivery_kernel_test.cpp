@@ -51,7 +51,7 @@ TYPED_TEST(DeliveryKernelElements, EqualTheScalarForm) {
   const Range ranges[] = {
       {1, 6, false},     {0, 0x1p53 - 1, false}, {1, 0x1p52, true}, {-0x1p52, 0x1p53 - 1, false},
       {-3e9, 9e9, true}, {-40000, 80001, false}, {-300, 601, true}, {5, 1, true},
-      {-1, 3, false}};
+      {-1, 3, false},    {0, 0x1p31, true},      {0, 0x1p32, false}};
   every_target::run([&] {
     for (Range const& range : ranges)
       for (const std::size_t n : {0UL, 1UL, 7UL, 8UL, 9UL, 100UL, 1000UL}) {

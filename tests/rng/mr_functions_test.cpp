@@ -2,6 +2,8 @@
 
 #include <gmock/gmock.h>
 
+#include "embedded_host/array.h"
+#include "embedded_host/object_system.h"
 #include "embedded_host/vm_context.h"
 #include "tests/support/identifiers.h"
 
@@ -52,6 +54,23 @@ TEST_F(PlainFunctions, StreamOfAnEmptyArrayIsTheGlobalOneAndOfANumberNone) {
   const txArrayPtr number = txCreateDouble(1);
   EXPECT_EQ(identifierOf([&] { mrGetCPPRandStreamFromTxArray(number.get()); }),
             "TALVOR:RandStream:InvalidHandle");
+}
+
+TEST_F(PlainFunctions, StreamOfAnObjectIsTheOneThatItHolds) {
+  auto definition = std::make_shared<embedded_host::ClassDefinition>();
+  definition->properties = {{.name = "StreamID"}};
+  const txArrayPtr object = embedded_host::makeObject(definition);
+  const auto streamWith = [&](auto word) {
+    embedded_host::setStoredProperty(*object, "StreamID", embedded_host::makeScalar(word));
+    return mrGetCPPRandStreamFromTxArray(object.get());
+  };
+  std::shared_ptr<randstream> held = std::move(twin);
+  const auto address = reinterpret_cast<std::uint64_t>(&held);
+  EXPECT_EQ(streamWith(address), held.get());
+  held.reset();
+  EXPECT_EQ(identifierOf([&] { streamWith(address); }), "TALVOR:RandStream:InvalidHandle");
+  EXPECT_EQ(identifierOf([&] { streamWith(std::uint64_t{0}); }), "TALVOR:RandStream:InvalidHandle");
+  EXPECT_EQ(identifierOf([&] { streamWith(1.0); }), "TALVOR:RandStream:InvalidHandle");
 }
 
 TEST(LegacyStep, FollowsThePublishedSequence) {

@@ -246,6 +246,15 @@ TEST_F(Normal, MethodNamesIgnoreCaseAndAreReportedWithACapital) {
   }
 }
 
+TEST_F(Normal, MethodNamesAreKeptUpToTheirRoom) {
+  struct LongName : ScriptedNormalPlugin {
+    using ScriptedNormalPlugin::ScriptedNormalPlugin;
+    bool setRandnAlg(char const*) override { return true; }
+  };
+  over<LongName>("a method whose name has no room left", {});
+  EXPECT_STREQ(stream->getRandnAlg(), "A method whose name has no room");
+}
+
 TEST_F(Normal, RefusedMethodLeavesTheStreamDrawingAsBefore) {
   over<ScriptedNormalPlugin>(nullptr, {});
   script.normals = {1.25};

@@ -127,8 +127,8 @@ TEST_F(StreamState, NoComponentsMeansAnEmptyBuffer) {
   EXPECT_TRUE(script.calls.empty());
 }
 
-// A state that has no bytes, in components without elements or none at all, is still the plug-in's
-// to read and to refuse.
+// A state that has no bytes, in components without elements, of a class that no state has, or none
+// at all, is still the plug-in's to read and to refuse.
 TEST_F(StreamState, EmptyOnesReachThePlugin) {
   struct Bare : ScriptedPlugin {
     Bare(Script& script, std::size_t count) : ScriptedPlugin(script), count_(count) {}
@@ -137,6 +137,9 @@ TEST_F(StreamState, EmptyOnesReachThePlugin) {
                                 std::size_t* lengths) const override {
       std::fill_n(classes, count_, static_cast<txClassID>(uint32State));
       std::fill_n(lengths, count_, 0);
+      if (count_ == 0) return;
+      classes[0] = static_cast<txClassID>(uint64State + 1);  // none that has elements
+      lengths[0] = 5;
     }
     void getStateComponents(void* const*) const override { script_.calls.push_back("get"); }
     std::size_t count_;

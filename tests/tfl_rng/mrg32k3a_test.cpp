@@ -167,6 +167,9 @@ TEST(Mrg32k3a, SeedsFillAllWordsBelowTheirModuli) {
     }
   }
   EXPECT_EQ(seen.size(), 24u);
+  // The published SplitMix64 sequence of this seed, modulo both moduli.
+  EXPECT_EQ(mrg32k3a(1234567, 0, true).state().current,
+            (Words{632363958, 2734393549, 3744140811, 2202394726, 2405031064, 2045259707}));
 }
 
 // With the terms 0, 0, b and 0, 1, 0 the first step gives z = m1, the largest u, and b fixes the
