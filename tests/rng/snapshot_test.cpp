@@ -147,6 +147,7 @@ TEST(Snapshots, RefusalsSayWhatIsWrongAndChangeNothing) {
       {"components 1", "components 2", "RandStream:snapshot:InvalidLine"},
       {"component uint32 12", "component uint64 12", "RandStream:snapshot:InvalidLine"},
       {"component uint32 12", "component uint32 12\n", "RandStream:snapshot:InvalidLine"},
+      {"component uint32 12", "component uint32 13", "RandStream:snapshot:InvalidLine"},
       {"component uint32 12", kState, "RandStream:snapshot:InvalidLine"},
   };
   for (Refusal const& row : rows)

@@ -3,6 +3,7 @@
 #include <cstring>
 
 #include "rng/randstream.h"
+#include "rng/snapshot.h"
 #include "tests/support/identifiers.h"
 #include "tests/support/scripted_plugin.h"
 
@@ -81,6 +82,15 @@ TEST_F(StreamState, FlatFormIsTheComponentsBytesBackToBack) {
   EXPECT_EQ(state.doubles[0], saved.doubles[0]);
   EXPECT_EQ(state.shorts[0], saved.shorts[0]);
   EXPECT_EQ(state.longs[0], saved.longs[0]);
+}
+
+TEST_F(StreamState, SnapshotHoldsEachElementInItsBytes) {
+  EXPECT_THAT(takeSnapshot(stream),
+              ::testing::HasSubstr("components 4\n"
+                                   "component uint8 3\n01 02 03\n"
+                                   "component double 2\n3fe0000000000000 bfd0000000000000\n"
+                                   "component uint16 1\n0309\n"
+                                   "component uint64 2\n8000000000000000 000000000000002a\n"));
 }
 
 TEST_F(StreamState, ClassesAreReportedAsHostClasses) {
