@@ -45,16 +45,6 @@ BinaryRow const* binaryRow(TokenKind kind) {
   return row == std::end(kBinary) ? nullptr : row;
 }
 
-template <class Node>
-ExpressionPtr make(SourceSpan span, int heightBelow, Node node) {
-  if (heightBelow >= kMaxNesting) TokenReader::tooDeep(span);
-  auto expression = std::make_unique<Expression>();
-  expression->span = span;
-  expression->height = heightBelow + 1;
-  expression->node = std::move(node);
-  return expression;
-}
-
 int highest(std::vector<ExpressionPtr> const& list) {
   int height = 0;
   for (auto const& item : list) height = std::max(height, item->height);
@@ -75,6 +65,17 @@ class Restore {
 };
 
 }  // namespace
+
+// The levels around the expression and those below it are walked on one stack.
+template <class Node>
+ExpressionPtr ExpressionParser::make(SourceSpan span, int heightBelow, Node node) const {
+  if (reader_.depth() + heightBelow > kMaxNesting) TokenReader::tooDeep(span);
+  auto expression = std::make_unique<Expression>();
+  expression->span = span;
+  expression->height = heightBelow + 1;
+  expression->node = std::move(node);
+  return expression;
+}
 
 void ExpressionParser::neverClosed(SourceSpan opening) const {
   raiseSyntax(opening, "This bracket is never closed.", "", true);

@@ -18,6 +18,8 @@ class ExpressionParser {
   // Where a token stands: white space separates elements inside a matrix and nowhere else.
   enum class Context { plain, matrix };
 
+  template <class Node>
+  ExpressionPtr make(SourceSpan span, int heightBelow, Node node) const;
   ExpressionPtr binary(int minimum);
   ExpressionPtr range(ExpressionPtr first, int power);
   ExpressionPtr unary();

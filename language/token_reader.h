@@ -41,6 +41,7 @@ class TokenReader {
                 token.kind == TokenKind::endOfSource);
   }
 
+  int depth() const { return depth_; }
   // Counts one level of nesting while it lives.
   class Level {
    public:
