@@ -1,11 +1,9 @@
 #include "language/operators.h"
 
-#include <algorithm>
-#include <functional>
-
 #include "embedded_host/object_system.h"
 #include "language/broadcast.h"
 #include "language/fault.h"
+#include "language/operands.h"
 #include "language/strings.h"
 
 namespace language {
@@ -13,82 +11,10 @@ namespace language {
 namespace {
 
 using embedded_host::makeUninitialized;
-using Complex = std::complex<double>;
-using ComplexSingle = std::complex<float>;
 
 constexpr char const* kSpelling[] = {"+",  "-",  "*",  ".*", "/",  "./", "\\", ".\\", "^",
                                      ".^", "==", "~=", "<",  "<=", ">",  ">=", "&",   "|",
                                      "&&", "||", "+",  "-",  "~",  ".'", "'"};
-
-// The numbers an operation computes with.
-enum class Domain { real, single, wide, complex, complexSingle };
-
-struct Typing {
-  Domain domain;
-  txClassID result;
-};
-
-[[noreturn]] void undefined(Operator op, txArray const& left, txArray const& right) {
-  raiseFault("operands", std::string("'") + spelling(op) + "' is not defined for " +
-                             classText(left) + " and " + classText(right) + ".");
-}
-
-bool isComparison(Operator op) { return op >= Operator::equal && op <= Operator::greaterEqual; }
-bool isLogic(Operator op) { return op >= Operator::elementAnd && op <= Operator::orElse; }
-
-Typing typing(Operator op, txArray const& left, txArray const& right) {
-  txClassID const a = left.classID();
-  txClassID const b = right.classID();
-  if (!hasElements(a) || !hasElements(b)) undefined(op, left, right);
-  bool const anyComplex = left.isComplex() || right.isComplex();
-  if (isComparison(op) || isLogic(op)) {
-    if (is64Bit(a) || is64Bit(b)) return {Domain::wide, txClassLogical};
-    return {anyComplex ? Domain::complex : Domain::real, txClassLogical};
-  }
-  if (isIntegerClass(a) || isIntegerClass(b)) {
-    if (anyComplex) undefined(op, left, right);
-    if (isIntegerClass(a) && isIntegerClass(b) && a != b) {
-      raiseFault("integerClasses",
-                 "Integers of different classes (" + classText(left) + " and " + classText(right) +
-                     ") do not mix.",
-                 "convert one of them, for example double(x)");
-    }
-    txClassID const result = isIntegerClass(a) ? a : b;
-    return {is64Bit(result) ? Domain::wide : Domain::real, result};
-  }
-  bool const single = a == txClassSingle || b == txClassSingle;
-  if (single) return {anyComplex ? Domain::complexSingle : Domain::single, txClassSingle};
-  return {anyComplex ? Domain::complex : Domain::real, txClassDouble};
-}
-
-// The elements of a full array as numbers of a domain; borrowed where they are stored like that.
-template <class T>
-class Operand {
- public:
-  explicit Operand(txArray const& array) {
-    if constexpr (std::is_same_v<T, Complex> || std::is_same_v<T, ComplexSingle>) {
-      constexpr txClassID kClass = std::is_same_v<T, Complex> ? txClassDouble : txClassSingle;
-      held_ = toComplex(*convertClass(array, kClass));
-      data_ = held_->dataAs<T>();
-    } else if constexpr (std::is_same_v<T, long double>) {
-      wide_.resize(array.numel());
-      visitElementType(array.classID(), [&]<class From>(From) {
-        From const* from = array.dataAs<From>();
-        for (std::size_t i = 0; i < wide_.size(); ++i) wide_[i] = castElement<T>(from[i]);
-      });
-      data_ = wide_.data();
-    } else {
-      held_ = convertClass(array, embedded_host::kClassOf<T>);
-      data_ = std::as_const(*held_).template dataAs<T>();
-    }
-  }
-  T const* data() const { return data_; }
-
- private:
-  txArrayPtr held_;
-  std::vector<long double> wide_;
-  T const* data_;
-};
 
 // Stores numbers of a domain as elements of the result's class.
 template <class T>
@@ -207,53 +133,6 @@ bool powerIsComplex(txArray const& base, txArray const& exponent) {
   return std::any_of(b.data(), b.data() + base.numel(), [](double x) { return x < 0; }) &&
          std::any_of(e.data(), e.data() + exponent.numel(),
                      [](double x) { return x != std::floor(x); });
-}
-
-// Column by column: result(:,j) is the sum over k of left(:,k) * right(k,j).
-template <class T>
-txArrayPtr multiplyMatrices(txArray const& left, txArray const& right, txClassID target) {
-  constexpr bool kComplex = std::is_same_v<T, Complex> || std::is_same_v<T, ComplexSingle>;
-  std::uint64_t const rows = left.dims()[0];
-  std::uint64_t const inner = left.dims()[1];
-  std::uint64_t const columns = right.dims()[1];
-  Operand<T> const a(left);
-  Operand<T> const b(right);
-  txArrayPtr result = embedded_host::makeZeros(
-      Shape{rows, columns}, target, kComplex ? txComplexity::complex : txComplexity::real);
-  T* out = result->dataAs<T>();
-  for (std::uint64_t j = 0; j < columns; ++j) {
-    for (std::uint64_t k = 0; k < inner; ++k) {
-      T const factor = b.data()[j * inner + k];
-      for (std::uint64_t i = 0; i < rows; ++i) {
-        out[j * rows + i] += a.data()[k * rows + i] * factor;
-      }
-    }
-  }
-  return kComplex ? dropZeroImaginary(std::move(result)) : std::move(result);
-}
-
-txArrayPtr matrixProduct(txArray const& left, txArray const& right) {
-  Typing const types = typing(Operator::multiply, left, right);
-  if (!isMatrix(left) || !isMatrix(right) || left.dims()[1] != right.dims()[0]) {
-    raiseFault("sizes",
-               "A " + sizeText(left.dims()) + " and a " + sizeText(right.dims()) +
-                   " matrix have no product.",
-               "for the product element by element write .*");
-  }
-  switch (types.domain) {
-    case Domain::complex:
-      return multiplyMatrices<Complex>(left, right, types.result);
-    case Domain::complexSingle:
-      return multiplyMatrices<ComplexSingle>(left, right, types.result);
-    case Domain::single:
-      return multiplyMatrices<float>(left, right, types.result);
-    default:
-      if (types.result != txClassDouble) {
-        raiseFault("operands", "Matrices of integers have no product.",
-                   "convert them: double(a)*double(b); element by element write .*");
-      }
-      return multiplyMatrices<double>(left, right, types.result);
-  }
 }
 
 void refuseMatrixOperator(Operator op, txArray const& left, txArray const& right) {

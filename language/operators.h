@@ -13,6 +13,9 @@ namespace language {
 txArrayPtr applyBinary(Operator op, txArray const& left, txArray const& right);
 txArrayPtr applyUnary(Operator op, txArray const& operand);
 
+// `*` of two matrices.
+txArrayPtr matrixProduct(txArray const& left, txArray const& right);
+
 // first:step:last as a row; at most what memory holds.
 txArrayPtr makeRange(txArray const& first, txArray const* step, txArray const& last);
 
