@@ -4,6 +4,7 @@
 #include "language/cells.h"
 #include "language/interrupt.h"
 #include "language/operators.h"
+#include "language/truth.h"
 
 namespace language {
 

@@ -8,7 +8,7 @@
 #include "language/fault.h"
 #include "language/functions.h"
 #include "language/lines.h"
-#include "language/operators.h"
+#include "language/truth.h"
 
 namespace language {
 
@@ -89,7 +89,7 @@ void unique(Call& call) {
 }
 
 void find(Call& call) {
-  txArrayPtr const mask = convertClass(*elementsArgument(call[0], 1), txClassLogical);
+  txArrayPtr const mask = truthOf(*elementsArgument(call[0], 1), 1);
   std::uint64_t const most = call.size() == 2 ? countArgument(call[1], 2, 1) : ~std::uint64_t{0};
   bool const* from = std::as_const(*mask).dataAs<bool>();
   std::vector<double> found;

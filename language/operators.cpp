@@ -4,7 +4,9 @@
 #include "language/broadcast.h"
 #include "language/fault.h"
 #include "language/operands.h"
+#include "language/powers.h"
 #include "language/strings.h"
+#include "language/truth.h"
 
 namespace language {
 
@@ -60,11 +62,6 @@ txArrayPtr comparison(txArray const& left, txArray const& right, char const* nam
 }
 
 template <class T>
-T raise(T base, T exponent) {
-  return std::pow(base, exponent);
-}
-
-template <class T>
 txArrayPtr compute(Operator op, txArray const& a, txArray const& b, txClassID target) {
   char const* name = spelling(op);
   auto const with = [&](auto f) { return arithmetic<T>(a, b, target, name, f); };
@@ -79,11 +76,8 @@ txArrayPtr compute(Operator op, txArray const& a, txArray const& b, txClassID ta
     case Operator::divide:
     case Operator::elementDivide:
       return with([](T x, T y) { return x / y; });
-    case Operator::leftDivide:
-    case Operator::elementLeftDivide:
-      return with([](T x, T y) { return y / x; });
     default:
-      return with([](T x, T y) { return raise(x, y); });
+      return with([](T x, T y) { return y / x; });
   }
 }
 
@@ -112,27 +106,24 @@ txArrayPtr compare(Operator op, txArray const& a, txArray const& b) {
       return with([](T x, T y) { return key(x) <= key(y); });
     case Operator::greater:
       return with([](T x, T y) { return key(x) > key(y); });
-    case Operator::greaterEqual:
-      return with([](T x, T y) { return key(x) >= key(y); });
-    case Operator::elementAnd:
-      return with([](T x, T y) { return x != T(0) && y != T(0); });
     default:
-      return with([](T x, T y) { return x != T(0) || y != T(0); });
+      return with([](T x, T y) { return key(x) >= key(y); });
   }
 }
 
-// A negative base with a fractional exponent has a complex power.
-bool powerIsComplex(txArray const& base, txArray const& exponent) {
-  if (!hasElements(base.classID()) || !hasElements(exponent.classID()) ||
-      isIntegerClass(base.classID()) || isIntegerClass(exponent.classID()) || base.isComplex() ||
-      exponent.isComplex()) {
-    return false;
+txArrayPtr combineTruths(Operator op, txArray const& left, txArray const& right) {
+  Broadcast const walk(left, right, spelling(op));
+  txArrayPtr const a = truthOf(left);
+  txArrayPtr const b = truthOf(right);
+  txArrayPtr result = makeUninitialized(walk.result(), txClassLogical);
+  bool const* x = std::as_const(*a).dataAs<bool>();
+  bool const* y = std::as_const(*b).dataAs<bool>();
+  if (op == Operator::elementAnd) {
+    walk.run(result->dataAs<bool>(), x, y, [](bool p, bool q) { return p && q; });
+  } else {
+    walk.run(result->dataAs<bool>(), x, y, [](bool p, bool q) { return p || q; });
   }
-  Operand<double> const b(base);
-  Operand<double> const e(exponent);
-  return std::any_of(b.data(), b.data() + base.numel(), [](double x) { return x < 0; }) &&
-         std::any_of(e.data(), e.data() + exponent.numel(),
-                     [](double x) { return x != std::floor(x); });
+  return result;
 }
 
 void refuseMatrixOperator(Operator op, txArray const& left, txArray const& right) {
@@ -165,49 +156,26 @@ txArrayPtr applyBinary(Operator op, txArray const& left, txArray const& right) {
   bool const scalars = left.isScalar() || right.isScalar();
   if (op == Operator::multiply && !scalars) return matrixProduct(left, right);
   refuseMatrixOperator(op, left, right);
-  if ((op == Operator::power || op == Operator::elementPower) && powerIsComplex(left, right)) {
-    return applyBinary(op, *toComplex(left), right);
-  }
+  if (op == Operator::power || op == Operator::elementPower) return applyPower(op, left, right);
   Typing const types = typing(op, left, right);
-  bool const logical = types.result == txClassLogical;
+  if (op == Operator::elementAnd || op == Operator::elementOr) {
+    return combineTruths(op, left, right);
+  }
+  bool const compares = types.result == txClassLogical;
   switch (types.domain) {
     case Domain::real:
-      return logical ? compare<double>(op, left, right)
-                     : compute<double>(op, left, right, types.result);
+      return compares ? compare<double>(op, left, right)
+                      : compute<double>(op, left, right, types.result);
     case Domain::wide:
-      return logical ? compare<long double>(op, left, right)
-                     : compute<long double>(op, left, right, types.result);
+      return compares ? compareWide(op, left, right) : computeWide(op, left, right, types.result);
     case Domain::single:
       return compute<float>(op, left, right, types.result);
     case Domain::complex:
-      return logical ? compare<Complex>(op, left, right)
-                     : compute<Complex>(op, left, right, types.result);
+      return compares ? compare<Complex>(op, left, right)
+                      : compute<Complex>(op, left, right, types.result);
     default:
       return compute<ComplexSingle>(op, left, right, types.result);
   }
-}
-
-bool isTrue(txArray const& value) {
-  if (!hasElements(value.classID())) {
-    raiseFault("condition", "A " + describe(value) + " is neither true nor false.");
-  }
-  if (value.isEmpty()) return false;
-  txArrayPtr const full = txToFull(value);
-  std::uint64_t const perElement = full->isComplex() ? 2 : 1;
-  return visitElementType(full->classID(), [&]<class T>(T) {
-    T const* data = std::as_const(*full).template dataAs<T>();
-    for (std::uint64_t i = 0; i < full->numel(); ++i) {
-      T const re = data[i * perElement];
-      T const im = data[i * perElement + perElement - 1];
-      if constexpr (std::is_floating_point_v<T>) {
-        if (std::isnan(re) || std::isnan(im)) {
-          raiseFault("condition", "NaN is neither true nor false.", "test with isnan(x)");
-        }
-      }
-      if (re == T(0) && im == T(0)) return false;
-    }
-    return true;
-  });
 }
 
 }  // namespace language

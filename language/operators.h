@@ -22,9 +22,6 @@ txArrayPtr makeRange(txArray const& first, txArray const* step, txArray const& l
 // [rows] of values: side by side, then one above the other.
 txArrayPtr concatenate(std::span<txArrayPtr const> values, std::size_t dimension);
 
-// A condition: all elements true; an empty array is false.
-bool isTrue(txArray const& value);
-
 char const* spelling(Operator op);
 
 }  // namespace language

@@ -4,6 +4,7 @@
 #include "language/cells.h"
 #include "language/fault.h"
 #include "language/operators.h"
+#include "language/truth.h"
 
 namespace language {
 
@@ -38,11 +39,11 @@ txArrayPtr negate(txArray const& operand) {
 }
 
 txArrayPtr logicalNot(txArray const& operand) {
-  txArrayPtr const logical = convertClass(operand, txClassLogical);
+  txArrayPtr const truths = truthOf(operand);
   txArrayPtr result = makeUninitialized(operand.dims(), txClassLogical);
-  bool const* from = std::as_const(*logical).dataAs<bool>();
+  bool const* from = std::as_const(*truths).dataAs<bool>();
   bool* to = result->dataAs<bool>();
-  for (std::uint64_t i = 0; i < logical->numel(); ++i) to[i] = !from[i];
+  for (std::uint64_t i = 0; i < truths->numel(); ++i) to[i] = !from[i];
   return result;
 }
 

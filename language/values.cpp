@@ -138,4 +138,14 @@ txArrayPtr elementsArgument(txArray const& value, int position) {
   return txToFull(value);
 }
 
+txArrayPtr numbersArgument(txArray const& value, int position) {
+  txArrayPtr full = elementsArgument(value, position);
+  return full->isNumeric() ? std::move(full) : convertClass(*full, txClassDouble);
+}
+
+txArrayPtr floatArgument(txArray const& value, int position) {
+  txArrayPtr const full = elementsArgument(value, position);
+  return convertClass(*full, full->classID() == txClassSingle ? txClassSingle : txClassDouble);
+}
+
 }  // namespace language

@@ -104,12 +104,11 @@ To castElement(From value) {
     if (rounded >= kHigh) return std::numeric_limits<To>::max();  // also where kHigh was rounded up
     return static_cast<To>(rounded);
   } else {
-    using Wide = __int128;
-    Wide const wide = static_cast<Wide>(value);  // NOLINT(bugprone-signed-char-misuse): a number
-    if (wide < static_cast<Wide>(std::numeric_limits<To>::min())) {
+    auto const number = +value;  // of a class that integers are compared in
+    if (std::cmp_less(number, +std::numeric_limits<To>::min())) {
       return std::numeric_limits<To>::min();
     }
-    if (wide > static_cast<Wide>(std::numeric_limits<To>::max())) {
+    if (std::cmp_greater(number, +std::numeric_limits<To>::max())) {
       return std::numeric_limits<To>::max();
     }
     return static_cast<To>(value);
@@ -135,6 +134,10 @@ double numberArgument(txArray const& value, int position);
 std::uint64_t countArgument(txArray const& value, int position, std::uint64_t lowest = 0);
 // Raises unless the value is numeric, logical or char; sparse ones come back full.
 txArrayPtr elementsArgument(txArray const& value, int position);
+// The same as numbers: text and logicals become double.
+txArrayPtr numbersArgument(txArray const& value, int position);
+// The same as double or single.
+txArrayPtr floatArgument(txArray const& value, int position);
 
 // The text of a char row or string scalar in UTF-8; empty text for every other value.
 bool isScalarText(txArray const& value);
