@@ -1,13 +1,15 @@
 #include "language/functions.h"
 
+#include "embedded_host/text.h"
 #include "host/messages.h"
 #include "language/fault.h"
 
 namespace language {
 
 std::vector<FunctionTable> functionTables() {
-  return {constructorFunctions(), shapeFunctions(),     constantFunctions(), queryFunctions(),
-          elementwiseFunctions(), reductionFunctions(), sortingFunctions(),  programFunctions()};
+  return {constructorFunctions(), shapeFunctions(),       constantFunctions(),
+          queryFunctions(),       elementwiseFunctions(), reductionFunctions(),
+          statisticsFunctions(),  sortingFunctions(),     programFunctions()};
 }
 
 void registerFunctions(Session& session) {
@@ -60,6 +62,22 @@ std::size_t dimensionArgument(Call const& call, std::size_t at, txArray const& v
     if (dims[d] != 1) return d;
   }
   return 0;
+}
+
+Reduced reduced(Call const& call, std::size_t at, txArrayPtr value) {
+  if (call.size() > at && isScalarText(call[at])) {
+    if (!embedded_host::equalIgnoringAsciiCase(utf8Of(call[at]), "all")) {
+      raiseFault("option", "There is no such dimension.", "a number, or 'all'",
+                 static_cast<int>(at) + 1);
+    }
+    return {embedded_host::reshape(*value, Shape{value->numel(), 1}), 0};
+  }
+  std::size_t const dimension = dimensionArgument(call, at, *value);
+  Dims const dims = value->dims();
+  if (call.size() <= at && dims.size() == 2 && dims[0] == 0 && dims[1] == 0) {
+    return {embedded_host::reshape(*value, Shape{0, 1}), 0};
+  }
+  return {std::move(value), dimension};
 }
 
 }  // namespace language

@@ -51,6 +51,7 @@ FunctionTable constantFunctions();
 FunctionTable queryFunctions();
 FunctionTable elementwiseFunctions();
 FunctionTable reductionFunctions();
+FunctionTable statisticsFunctions();
 FunctionTable sortingFunctions();
 FunctionTable programFunctions();
 
@@ -63,5 +64,15 @@ void unregisterFunctions(Session& session) noexcept;
 Shape sizeArguments(Call const& call, std::size_t first, std::size_t end);
 // Argument `at` as a dimension from 0; without it the first extent other than 1 of `value`.
 std::size_t dimensionArgument(Call const& call, std::size_t at, txArray const& value);
+
+// The lines that a reduction works on.
+struct Reduced {
+  txArrayPtr value;
+  std::size_t dimension;
+};
+
+// Argument `at` is a dimension or 'all', which makes the array one column. Without it the first
+// extent other than 1 goes, and nothing (0-by-0) counts as an empty column: it has one result.
+Reduced reduced(Call const& call, std::size_t at, txArrayPtr value);
 
 }  // namespace language
