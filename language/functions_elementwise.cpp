@@ -6,7 +6,7 @@
 #include "language/broadcast.h"
 #include "language/fault.h"
 #include "language/functions.h"
-#include "language/operators.h"
+#include "language/operands.h"
 
 namespace language {
 
@@ -133,34 +133,52 @@ void absolute(Call& call) {
   call.give(std::move(result));
 }
 
-// Two arguments in one class: what arithmetic gives their sum.
+// Two arguments, and the class that arithmetic gives them.
 struct Pair {
   txArrayPtr left;
   txArrayPtr right;
-};
-Pair commonPair(Call const& call) {
-  txArrayPtr const a = elementsArgument(call[0], 1);
-  txArrayPtr const b = elementsArgument(call[1], 2);
-  if (a->isComplex() || b->isComplex()) {
-    raiseFault("class", "This function takes real numbers.", "", a->isComplex() ? 1 : 2);
+  txClassID id;
+
+  explicit Pair(Call const& call)
+      : left(elementsArgument(call[0], 1)),
+        right(elementsArgument(call[1], 2)),
+        id(typing(Operator::add, *left, *right).result) {
+    if (left->isComplex() || right->isComplex()) {
+      raiseFault("class", "This function takes real numbers.", "", left->isComplex() ? 1 : 2);
+    }
   }
-  txArrayPtr const zeroA = embedded_host::makeZeros(Shape{1, 1}, a->classID());
-  txArrayPtr const zeroB = embedded_host::makeZeros(Shape{1, 1}, b->classID());
-  txClassID const id = applyBinary(Operator::add, *zeroA, *zeroB)->classID();
-  return {convertClass(*a, id), convertClass(*b, id)};
+  // A number that is no integer yet would change if it became one.
+  bool mixesIntegers() const { return isIntegerClass(id) && left->classID() != right->classID(); }
+};
+
+// result = each(x, y) with both as an Element.
+template <class Element, class T, class Each>
+txArrayPtr eachPair(Pair const& pair, Each each) {
+  Broadcast const walk(*pair.left, *pair.right, "this function");
+  Operand<Element> const left(*pair.left);
+  Operand<Element> const right(*pair.right);
+  txArrayPtr result = makeUninitialized(walk.result(), pair.id);
+  walk.run(result->dataAs<T>(), left.data(), right.data(), each);
+  return result;
 }
 
-template <auto function>
+// `exact` is the same for 64-bit integers with numbers of other classes.
+template <auto function, auto exact>
 void onPairs(Call& call) {
-  Pair const pair = commonPair(call);
-  Broadcast const walk(*pair.left, *pair.right, "this function");
-  txArrayPtr result = makeUninitialized(walk.result(), pair.left->classID());
-  visitElementType(pair.left->classID(), [&]<class T>(T) {
-    walk.run(result->dataAs<T>(), std::as_const(*pair.left).template dataAs<T>(),
-             std::as_const(*pair.right).template dataAs<T>(),
-             [](T x, T y) { return static_cast<T>(function(x, y)); });
+  Pair const pair(call);
+  visitElementType(pair.id, [&]<class T>(T) {
+    if constexpr (std::is_integral_v<T>) {
+      if (pair.mixesIntegers()) {
+        auto const exactly = [](Exact const& x, Exact const& y) {
+          return exact(x, y).template as<T>();
+        };
+        auto const inDouble = [](double x, double y) { return castElement<T>(function(x, y)); };
+        return call.give(is64Bit(pair.id) ? eachPair<Exact, T>(pair, exactly)
+                                          : eachPair<double, T>(pair, inDouble));
+      }
+    }
+    call.give(eachPair<T, T>(pair, [](T x, T y) { return static_cast<T>(function(x, y)); }));
   });
-  call.give(std::move(result));
 }
 
 // mod takes the sign of the divisor, rem that of the dividend; x modulo 0 is x.
@@ -168,7 +186,8 @@ constexpr auto kMod = []<class T>(T x, T y) -> T {
   if (y == T(0)) return x;
   if constexpr (std::is_floating_point_v<T>) {
     T const rest = std::fmod(x, y);
-    return rest != T(0) && std::signbit(rest) != std::signbit(y) ? rest + y : rest;
+    if (rest == T(0)) return T(0);
+    return std::signbit(rest) != std::signbit(y) ? rest + y : rest;
   } else if constexpr (std::is_signed_v<T>) {
     if (y == T(-1)) return T(0);
     T const rest = static_cast<T>(x % y);
@@ -188,31 +207,31 @@ constexpr auto kRem = []<class T>(T x, T y) -> T {
   }
 };
 
-// Bits of whole numbers below 2^64; doubles must be whole and below 2^53.
-template <class Op>
-void onBits(Call& call, Op op) {
-  Pair const pair = commonPair(call);
-  Broadcast const walk(*pair.left, *pair.right, "this function");
-  txArrayPtr result = makeUninitialized(walk.result(), pair.left->classID());
-  visitElementType(pair.left->classID(), [&]<class T>(T) {
-    auto const bits = [](T x) {
-      if constexpr (std::is_floating_point_v<T>) {
-        if (!(x >= T(0) && x < T(0x1p53) && x == std::floor(x))) {
-          raiseFault("numberExpected", "Bits belong to whole numbers from 0 to 2^53.", "", 1);
-        }
-      }
-      return static_cast<std::uint64_t>(x);
-    };
-    walk.run(result->dataAs<T>(), std::as_const(*pair.left).template dataAs<T>(),
-             std::as_const(*pair.right).template dataAs<T>(),
-             [&](T x, T y) { return static_cast<T>(op(bits(x), bits(y))); });
-  });
-  call.give(std::move(result));
+// The bits of a whole number below 2^53.
+std::uint64_t bitsOf(Exact const& number, int position) {
+  bool const negative = number.negative && number.magnitude != 0;
+  if (!number.isWhole() || number.exponent > 0 || negative) {
+    raiseFault("numberExpected", "Bits belong to whole numbers from 0 to 2^53.", "", position);
+  }
+  return number.magnitude;
 }
 
+// Integers of one class are combined as they stand in memory, all others as whole numbers.
 template <auto op>
 void bits(Call& call) {
-  onBits(call, op);
+  Pair const pair(call);
+  visitElementType(pair.id, [&]<class T>(T) {
+    if constexpr (std::is_integral_v<T>) {
+      if (!pair.mixesIntegers()) {
+        return call.give(eachPair<T, T>(pair, [](T x, T y) {
+          return static_cast<T>(op(static_cast<std::uint64_t>(x), static_cast<std::uint64_t>(y)));
+        }));
+      }
+    }
+    call.give(eachPair<Exact, T>(pair, [](Exact const& x, Exact const& y) {
+      return castElement<T>(op(bitsOf(x, 1), bitsOf(y, 2)));
+    }));
+  });
 }
 
 template <Operator op>
@@ -241,8 +260,8 @@ constexpr FunctionRow kRows[] = {
     {"ceil", rounding<kCeil>, 1, 1, 1, "rounded up", "ceil(-2.5)"},
     {"round", rounding<kRound>, 1, 1, 1, "rounded to nearest", "round(-2.5)"},
     {"fix", rounding<kFix>, 1, 1, 1, "rounded towards 0", "fix(-2.5)"},
-    {"mod", onPairs<kMod>, 2, 2, 1, "remainder with the divisor's sign", "mod(-1,3)"},
-    {"rem", onPairs<kRem>, 2, 2, 1, "remainder with the dividend's sign", "rem(-1,3)"},
+    {"mod", onPairs<kMod, modulus>, 2, 2, 1, "remainder with the divisor's sign", "mod(-1,3)"},
+    {"rem", onPairs<kRem, remainder>, 2, 2, 1, "remainder with the dividend's sign", "rem(-1,3)"},
     {"power", operation<Operator::elementPower>, 2, 2, 1, "x .^ y", "power(2,[1 2 3])"},
     {"bitand", bits<kAnd>, 2, 2, 1, "common bits", "bitand(12,10)"},
     {"bitor", bits<kOr>, 2, 2, 1, "bits of either", "bitor(12,10)"},
