@@ -63,26 +63,30 @@ Evaluator::Flow Evaluator::runIf(If const& node) {
   return runBlock(node.otherwise);
 }
 
-// The loop's variable takes the columns of the value in turn.
+// The loop's variable takes the columns of the value in turn; those of a range are made one by one.
 Evaluator::Flow Evaluator::runFor(For const& node) {
+  SourceSpan const span = node.values->span;
+  auto const loop = [&](std::uint64_t count, auto&& valueAt) {
+    for (std::uint64_t i = 0; i < count; ++i) {
+      session_.setVariable(node.variable, located(span, [&] { return valueAt(i); }));
+      checkInterrupt(span);
+      if (runBlock(node.body) == Flow::breakLoop) break;
+    }
+    return Flow::next;
+  };
+  if (auto const* range = std::get_if<Range>(&node.values->node)) {
+    RangeValues const values = evaluateRange(*range, span);
+    return loop(values.count(), [&](std::uint64_t i) { return values.at(i); });
+  }
   txArrayPtr const values = evaluate(*node.values);
   if (values->classID() == txClassObject) {
-    session_.setVariable(node.variable, txShare(*values));
-    Flow const flow = runBlock(node.body);
-    return flow == Flow::continueLoop || flow == Flow::breakLoop ? Flow::next : flow;
+    return loop(1, [&](std::uint64_t) { return txShare(*values); });
   }
   Shape const extents = foldedExtents(*values, 2);
-  std::uint64_t const columns = extents[0] == 0 ? 0 : extents[1];
-  for (std::uint64_t j = 0; j < columns; ++j) {
-    txArrayPtr const column = makeDouble(static_cast<double>(j + 1));
-    session_.setVariable(
-        node.variable, located(node.values->span, [&] {
-          return readElements(*values, {Subscript(nullptr, 1), Subscript(column.get(), 2)});
-        }));
-    checkInterrupt(node.values->span);
-    if (runBlock(node.body) == Flow::breakLoop) break;
-  }
-  return Flow::next;
+  return loop(extents[0] == 0 ? 0 : extents[1], [&](std::uint64_t i) {
+    txArrayPtr const column = makeDouble(static_cast<double>(i + 1));
+    return readElements(*values, {Subscript(nullptr, 1), Subscript(column.get(), 2)});
+  });
 }
 
 Evaluator::Flow Evaluator::runWhile(While const& node) {

@@ -8,6 +8,7 @@
 
 #include "language/ast.h"
 #include "language/indexing.h"
+#include "language/range.h"
 #include "language/session.h"
 
 namespace language {
@@ -64,6 +65,7 @@ class Evaluator {
   // for. A statement asks for 0: a call may then give none or one.
   Values evaluateMany(Expression const& expression, int outputs);
   txArrayPtr evaluateMatrix(Matrix const& node);
+  RangeValues evaluateRange(Range const& node, SourceSpan span);
   txArrayPtr endValue(SourceSpan span) const;
   Arguments evaluateArguments(std::vector<ExpressionPtr> const& list, txArray const* indexed,
                               bool isIndex);

@@ -89,10 +89,8 @@ Values Evaluator::evaluateMany(Expression const& expression, int outputs) {
                    return one(located(span, [&] { return applyBinary(node.op, *left, *right); }));
                  },
                  [&](Range const& node) {
-                   txArrayPtr const first = evaluate(*node.first);
-                   txArrayPtr const step = node.step ? evaluate(*node.step) : nullptr;
-                   txArrayPtr const last = evaluate(*node.last);
-                   return one(located(span, [&] { return makeRange(*first, step.get(), *last); }));
+                   RangeValues const range = evaluateRange(node, span);
+                   return one(located(span, [&] { return range.all(); }));
                  },
                  [&](Index const& node) { return evaluateIndex(expression, node, outputs); },
                  [&](Member const& node) { return memberValues(node, span, nullptr, outputs); },
@@ -103,6 +101,13 @@ Values Evaluator::evaluateMany(Expression const& expression, int outputs) {
                  [&](EndValue const&) { return one(endValue(span)); },
                  [&](Ignored const&) { return Values(); }},
       expression.node);
+}
+
+RangeValues Evaluator::evaluateRange(Range const& node, SourceSpan span) {
+  txArrayPtr const first = evaluate(*node.first);
+  txArrayPtr const step = node.step ? evaluate(*node.step) : nullptr;
+  txArrayPtr const last = evaluate(*node.last);
+  return located(span, [&] { return RangeValues(*first, step.get(), *last); });
 }
 
 txArrayPtr Evaluator::evaluateMatrix(Matrix const& node) {

@@ -113,10 +113,14 @@ void linspace(Call& call) {
   std::uint64_t const count = call.size() == 3 ? countArgument(call[2], 3) : 100;
   txArrayPtr result = embedded_host::makeUninitialized(Shape{1, count}, txClassDouble);
   double* out = result->dataAs<double>();
+  double const distance = to - from;
+  bool const isFar = std::isinf(distance) && std::isfinite(from) && std::isfinite(to);
   for (std::uint64_t i = 0; i < count; ++i) {
-    out[i] = i + 1 == count
-                 ? to
-                 : from + (to - from) * (static_cast<double>(i) / static_cast<double>(count - 1));
+    double const part = static_cast<double>(i) / static_cast<double>(count - 1);
+    out[i] = i + 1 == count ? to
+             : i == 0       ? from
+             : isFar        ? from * (1 - part) + to * part
+                            : from + distance * part;
   }
   call.give(std::move(result));
 }

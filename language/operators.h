@@ -16,9 +16,6 @@ txArrayPtr applyUnary(Operator op, txArray const& operand);
 // `*` of two matrices.
 txArrayPtr matrixProduct(txArray const& left, txArray const& right);
 
-// first:step:last as a row; at most what memory holds.
-txArrayPtr makeRange(txArray const& first, txArray const* step, txArray const& last);
-
 // [rows] of values: side by side, then one above the other.
 txArrayPtr concatenate(std::span<txArrayPtr const> values, std::size_t dimension);
 

@@ -11,6 +11,7 @@ import random
 import subprocess
 import sys
 import unittest
+from decimal import Decimal
 from fractions import Fraction
 
 TVRNG = ""
@@ -174,6 +175,27 @@ class Powers(unittest.TestCase):
             except OverflowError:
                 nearest = math.copysign(math.inf, 1 if exact > 0 else -1)
             self.assertEqual(float(power), nearest, (x, n))
+
+
+class Ranges(unittest.TestCase):
+    def test_everyday_ranges_have_every_element(self):
+        starts = "0 0.1 0.2 0.5 1 9.9 10 -1 -0.3 100.1 2.5 0.01".split()
+        steps = "0.01 0.05 0.1 0.2 0.25 -0.3 0.001 1.1".split()
+        cases = [(Decimal(start), Decimal(step), count)
+                 for start in starts for step in steps for count in (1, 2, 3, 7, 10, 99)]
+        texts = [f"{start}:{step}:{start + count * step}" for start, step, count in cases]
+        counts = evaluate(f"c = {{{','.join(texts)}}}; n = zeros(1,numel(c)); "
+                          "for k = 1:numel(c), n(k) = numel(c{k}); end, n")
+        self.assertEqual(dict(zip(texts, counts, strict=True)),
+                         dict(zip(texts, [count + 1 for _, _, count in cases])))
+        elements = iter(evaluate(f"[{' '.join(texts)}]"))
+        for text, (start, step, count) in zip(texts, cases):
+            got = [next(elements) for _ in range(count + 1)]
+            exact = [start + step * k for k in range(count + 1)]
+            size = math.ulp(max(abs(float(exact[0])), abs(float(exact[-1]))))
+            self.assertEqual((got[0], got[-1]), (float(exact[0]), float(exact[-1])), text)
+            for value, wanted in zip(got, exact):
+                self.assertLessEqual(abs(value - float(wanted)), size, (text, wanted))
 
 
 if __name__ == "__main__":
