@@ -126,6 +126,22 @@ txArrayPtr reshape(txArray const& array, Dims dims) {
   return result;
 }
 
+void extend(txArray& array, Dims dims) {
+  Array& it = impl(array);
+  std::size_t const each = elementBytes(it.id) * (it.complex ? 2 : 1);
+  std::uint64_t const count = countElements(dims, each == 0 ? storedBytes(it.id) : each);
+  Dimensions extents(dims);
+  if (auto* elements = it.holds<Elements>()) {
+    elements->extend(count * each);
+  } else if (auto* cells = it.shares<Cells>()) {
+    cells->own().items.resize(count);
+  } else if (auto* strings = it.shares<Strings>()) {
+    strings->own().resize(count, HostText());
+  }
+  it.dimensions = std::move(extents);
+  it.count = count;
+}
+
 txArrayPtr makeStrings(Dims dims) {
   std::uint64_t const count = countElements(dims, storedBytes(txClassString));
   return makeImpl(txClassString, dims, Shared<Strings>::make(count, std::optional<HostText>(u"")));

@@ -97,6 +97,12 @@ std::span<const T> elementsOf(txArray const& array) {
 // arrays and objects. A different product is the host error "TALVOR:array:ElementCount".
 TV_EXPORT txArrayPtr reshape(txArray const& array, Dims dims);
 
+// Gives an array more elements behind the last one and the dimensions `dims`; the others keep their
+// places in column order, the new ones are 0, unset cells, empty texts. Works in place where nobody
+// shares the elements, and makes room ahead: growing an array one by one copies each element a few
+// times in all. Not for sparse arrays and objects; `dims` may not have fewer elements.
+TV_EXPORT void extend(txArray& array, Dims dims);
+
 // String arrays. An element is a text or missing.
 
 // All elements empty texts.

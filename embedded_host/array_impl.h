@@ -45,14 +45,20 @@ class Elements {
   ~Elements();
 
   void const* data() const noexcept;
-  void* writable();  // copies a shared block first
+  void* writable();                // copies a shared block first
+  void extend(std::size_t bytes);  // the new bytes are 0
   std::size_t bytes() const noexcept { return bytes_; }
 
  private:
   // Keeps the elements behind it aligned for any vector type.
   struct alignas(64) Block {
+    explicit Block(std::size_t bytes) : room(bytes) {}
+
     std::atomic<std::size_t> owners{1};
+    std::size_t room;
   };
+  Elements(std::size_t bytes, std::size_t room);
+  static Elements withRoom(std::size_t bytes, std::size_t room);
   static constexpr std::size_t kInside = 16;
 
   bool isInside() const noexcept { return bytes_ <= kInside; }

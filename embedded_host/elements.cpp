@@ -1,5 +1,6 @@
 // Elements of full arrays: inside the array or in a shared block.
 
+#include <algorithm>
 #include <cstring>
 #include <new>
 
@@ -7,8 +8,10 @@
 
 namespace embedded_host {
 
-Elements::Elements(std::size_t bytes) : bytes_(bytes) {
-  if (!isInside()) block_ = new (txMallocEx(sizeof(Block) + bytes)) Block;
+Elements::Elements(std::size_t bytes) : Elements(bytes, bytes) {}
+
+Elements::Elements(std::size_t bytes, std::size_t room) : bytes_(bytes) {
+  if (!isInside()) block_ = new (txMallocEx(sizeof(Block) + room)) Block(room);
 }
 
 Elements::Elements(Elements const& other) noexcept : bytes_(other.bytes_) {
@@ -51,6 +54,29 @@ void* Elements::writable() {
     *this = std::move(own);
   }
   return block_ + 1;
+}
+
+// Where there is no memory for the room, without it.
+Elements Elements::withRoom(std::size_t bytes, std::size_t room) {
+  if (room <= bytes) return Elements(bytes);
+  try {
+    return Elements(bytes, room);
+  } catch (...) {
+    return Elements(bytes);
+  }
+}
+
+void Elements::extend(std::size_t bytes) {
+  std::size_t const old = bytes_;
+  bool const isAlone = isInside() || block_->owners.load(std::memory_order_acquire) == 1;
+  if (isAlone && bytes <= (isInside() ? kInside : block_->room)) {
+    bytes_ = bytes;
+  } else {
+    Elements larger = withRoom(bytes, old + old / 2);
+    std::memcpy(larger.writable(), data(), old);
+    *this = std::move(larger);
+  }
+  std::memset(static_cast<std::byte*>(writable()) + old, 0, bytes - old);
 }
 
 }  // namespace embedded_host

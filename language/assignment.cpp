@@ -41,7 +41,7 @@ void Evaluator::runAssignment(Assignment const& node) {
     bool const deletes = isEmptyBrackets(*node.value) && isParenIndex(target);
     assign(target, {evaluate(*node.value), node.value->span, deletes});
     std::string const root = rootOf(target);
-    show(root, *session_.variable(root), node.show);
+    show(root, node.show);
     return;
   }
   Values values = evaluateMany(*node.value, static_cast<int>(node.targets.size()));
@@ -60,7 +60,7 @@ void Evaluator::runAssignment(Assignment const& node) {
     }
     assign(target, {std::move(values[i]), node.value->span});
     std::string const root = rootOf(target);
-    show(root, *session_.variable(root), node.show);
+    show(root, node.show);
   }
 }
 

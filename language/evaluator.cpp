@@ -126,24 +126,22 @@ Evaluator::Flow Evaluator::runTry(Try const& node) {
   return runBlock(node.handler);
 }
 
-void Evaluator::show(std::string_view name, txArray const& value, bool shown) {
-  session_.lastValue_ = txShare(value);
-  session_.lastName_ = name;
+void Evaluator::show(std::string const& variable, bool shown) {
+  session_.forgetLastValue();
+  session_.lastIsVariable_ = true;
+  session_.lastName_ = variable;
   session_.lastShown_ = shown;
-  if (shown) session_.output_.show(name, value);
+  if (shown) session_.output_.show(variable, *session_.lastValue());
 }
 
 void Evaluator::runExpression(ExpressionStatement const& node) {
   Expression const& expression = *node.expression;
   auto const* name = std::get_if<Name>(&expression.node);
-  if (name && isVariable(name->name)) {
-    show(name->name, *session_.variable(name->name), node.show);
-    return;
-  }
+  if (name && isVariable(name->name)) return show(name->name, node.show);
   for (txArrayPtr& value : evaluateMany(expression, 0)) {
     if (!value) continue;
-    session_.setVariable("ans", txShare(*value));
-    show("ans", *value, node.show);
+    session_.setVariable("ans", std::move(value));
+    show("ans", node.show);
   }
 }
 

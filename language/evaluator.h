@@ -55,7 +55,8 @@ class Evaluator {
   Flow runTry(Try const& node);
   void runExpression(ExpressionStatement const& node);
   bool isTrueAt(Expression const& condition);
-  void show(std::string_view name, txArray const& value, bool shown);
+  // The statement's value is that of a variable; writes it to the output.
+  void show(std::string const& variable, bool shown);
   static void checkInterrupt(SourceSpan span);
 
   // Values (expressions.cpp).

@@ -130,6 +130,17 @@ txArrayPtr grow(txArray const& target, Shape const& shape) {
   return result;
 }
 
+// Whether the elements keep their places in column order when the array gets that shape: it grows
+// along its last dimension, or had none.
+bool growsBehind(txArray const& target, Shape const& shape) {
+  if (target.isEmpty()) return true;
+  std::size_t last = shape.size();
+  while (last > 1 && shape[last - 1] == 1) --last;
+  Shape const old = foldedExtents(target, last);
+  return old.size() == last && std::equal(old.begin(), old.end() - 1, shape.begin()) &&
+         old[last - 1] <= shape[last - 1];
+}
+
 Shape withoutOnes(Shape const& shape) {
   Shape kept;
   for (std::uint64_t const extent : shape) {
@@ -170,7 +181,7 @@ void writeElements(txArrayPtr& target, Subscripts const& subscripts, txArray con
   Shape const shape = grownShape(old, subscripts, wholeExtents(subscripts, *source));
   bool const complex = source->isComplex() || old.isComplex();
   bool const isStored = target && old.classID() == joint && !old.isSparse() &&
-                        old.isComplex() == complex && shape == shapeOf(old);
+                        old.isComplex() == complex && growsBehind(old, shape);
   // Everything that can fail comes before the target changes.
   txArrayPtr changed;
   if (!isStored) {
@@ -182,10 +193,11 @@ void writeElements(txArrayPtr& target, Subscripts const& subscripts, txArray con
   } else if (complex) {
     source = toComplex(*source);
   }
-  txArray& into = isStored ? *target : *changed;
-  Shape const extents = foldedExtents(into, subscripts.size());
+  Shape const extents = foldedExtents(shape, subscripts.size());
   checkValueFits(subscripts, extents, *source);
   if (joint == txClassCell) checkCellContent(*source);
+  if (isStored && shape != shapeOf(old)) embedded_host::extend(*target, shape);
+  txArray& into = isStored ? *target : *changed;
   std::uint64_t const step = source->isScalar() ? 0 : 1;
   copyElements(into, *source, [&](auto&& copy) {
     forEachSelected(extents, subscripts,
@@ -230,6 +242,7 @@ void deleteElements(txArrayPtr& target, Subscripts const& subscripts) {
     shrinking = d;
   }
   if (shrinking == subscripts.size()) shrinking = 0;
+  if (subscripts[shrinking].count(extents[shrinking]) == 0) return;
   std::vector<bool> gone(extents[shrinking], false);
   for (std::uint64_t i = 0; i < subscripts[shrinking].count(extents[shrinking]); ++i) {
     gone[subscripts[shrinking][i]] = true;

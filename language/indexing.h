@@ -50,5 +50,6 @@ void deleteElements(txArrayPtr& target, Subscripts const& subscripts);
 
 // The extents that `count` subscripts see: those beyond the last fold into the last one.
 Shape foldedExtents(txArray const& value, std::size_t count);
+Shape foldedExtents(Dims dims, std::size_t count);
 
 }  // namespace language

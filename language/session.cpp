@@ -44,7 +44,33 @@ txArray const* Session::variable(std::string_view name) const {
 }
 
 void Session::setVariable(std::string_view name, txArrayPtr value) {
-  variables_.insert_or_assign(std::string(name), std::move(value));
+  if (lastIsVariable_ && name == lastName_) keepLastValue();
+  auto const found = variables_.find(name);
+  if (found == variables_.end()) {
+    variables_.emplace(name, std::move(value));
+  } else {
+    found->second = std::move(value);
+  }
+}
+
+void Session::clearVariables() {
+  if (lastIsVariable_) keepLastValue();
+  variables_.clear();
+}
+
+txArray const* Session::lastValue() const noexcept {
+  return lastIsVariable_ ? variable(lastName_) : lastValue_.get();
+}
+
+void Session::forgetLastValue() {
+  lastIsVariable_ = false;
+  lastValue_.reset();
+}
+
+// Its variable goes or becomes another.
+void Session::keepLastValue() {
+  lastValue_ = txShare(*variable(lastName_));
+  lastIsVariable_ = false;
 }
 
 std::vector<std::string> Session::knownNames() const {

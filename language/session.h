@@ -48,14 +48,14 @@ class Session {
   // Null when there is none.
   txArray const* variable(std::string_view name) const;
   void setVariable(std::string_view name, txArrayPtr value);
-  void clearVariables() { variables_.clear(); }
+  void clearVariables();
 
   // The value of the last statement that had one, shown or not; null when there was none yet.
-  txArray const* lastValue() const noexcept { return lastValue_.get(); }
+  txArray const* lastValue() const noexcept;
   std::string const& lastName() const noexcept { return lastName_; }
   // Whether the last statement asked for its value to be shown.
   bool lastShown() const noexcept { return lastShown_; }
-  void forgetLastValue() { lastValue_.reset(); }
+  void forgetLastValue();
 
   // The call that is being evaluated: where a warning comes from. Nothing between calls.
   std::optional<SourceSpan> callInProgress() const noexcept { return callInProgress_; }
@@ -73,9 +73,14 @@ class Session {
  private:
   friend class Evaluator;
 
+  void keepLastValue();
+
   embedded_host::VmContext& vm_;
   Output& output_;
   Variables variables_;
+  // The last value is that of the variable lastName_ until this changes otherwise. A share of it
+  // here would make every assignment to an element copy all of them.
+  bool lastIsVariable_ = false;
   txArrayPtr lastValue_;
   std::string lastName_;
   bool lastShown_ = false;

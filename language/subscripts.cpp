@@ -58,7 +58,10 @@ Subscript::Subscript(txArray const* index, int position) : whole_(!index), posit
 }
 
 Shape foldedExtents(txArray const& value, std::size_t count) {
-  Dims const dims = value.dims();
+  return foldedExtents(value.dims(), count);
+}
+
+Shape foldedExtents(Dims dims, std::size_t count) {
   Shape extents(count, 1);
   for (std::size_t d = 0; d < dims.size(); ++d) {
     if (d < count) {

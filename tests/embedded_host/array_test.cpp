@@ -54,6 +54,67 @@ TEST(Array, SharingALargeArrayCopiesNothing) {
             "TALVOR:array:ElementCount");
 }
 
+TEST(Array, GrowingOneByOneMovesTheElementsRarely) {
+  txArrayPtr const array = makeZeros(DimVector{1, 1}, txClassDouble);
+  int moves = 0;
+  for (std::uint64_t n = 2; n <= 10000; ++n) {
+    void const* const before = std::as_const(*array).data();
+    extend(*array, DimVector{1, n});
+    if (std::as_const(*array).data() != before) ++moves;
+    ASSERT_EQ(array->dims()[1], n);
+    ASSERT_EQ(std::as_const(*array).dataAs<double>()[n - 1], 0);
+    array->dataAs<double>()[n - 1] = static_cast<double>(n - 1);
+  }
+  EXPECT_LT(moves, 40);
+  for (std::uint64_t i = 0; i < 10000; ++i) {
+    ASSERT_EQ(std::as_const(*array).dataAs<double>()[i], static_cast<double>(i));
+  }
+}
+
+TEST(Array, GrowingAShareLeavesTheOtherAsItWas) {
+  auto const grown = [](txArray& array) {
+    txArrayPtr const share = txShare(array);
+    extend(*share, DimVector{1, array.numel() + 1});
+    EXPECT_EQ(share->numel(), array.numel() + 1);
+    return txShare(*share);
+  };
+  for (std::uint64_t n : {0, 1, 2, 3, 1000}) {
+    txArrayPtr const numbers = makeZeros(DimVector{1, n}, txClassDouble);
+    extend(*numbers, DimVector{1, n + 1});  // with room behind
+    txArrayPtr const other = grown(*numbers);
+    other->dataAs<double>()[n] = 5;
+    other->dataAs<double>()[n + 1] = 5;
+    extend(*numbers, DimVector{1, n + 2});
+    EXPECT_THAT(elementsOf<double>(*numbers), testing::Each(0.0));
+  }
+  txArrayPtr const cells = txCreateCell(DimVector{1, 1});
+  EXPECT_EQ(grown(*cells)->cell(1), nullptr);
+  txArrayPtr const texts = makeString(u"a");
+  EXPECT_EQ(stringAt(*grown(*texts), 1), u"");
+}
+
+TEST(Array, GrowingWithoutMemoryChangesNothing) {
+  for (txArrayPtr const& array :
+       {makeZeros(DimVector{1, 5}, txClassInt8), makeZeros(DimVector{1, 5}, txClassDouble),
+        txCreateCell(DimVector{1, 5}), makeStrings(DimVector{1, 5})}) {
+    bool happened = true;
+    for (std::uint64_t k = 1; happened; ++k) {
+      txArrayPtr const share = txShare(*array);
+      FailingAllocation const failing(k);
+      if (identifierOf([&] { extend(*share, DimVector{1, 1000}); }) != "no error") {
+        EXPECT_EQ(share->numel(), 5);
+      }
+      happened = failing.happened();
+    }
+  }
+  txArrayPtr const array = makeZeros(DimVector{1, 5}, txClassDouble);
+  EXPECT_EQ(identifierOf([&] {
+              extend(*array, DimVector{1, std::uint64_t{1} << 60});
+            }),
+            "TALVOR:array:SizeLimitExceeded");
+  EXPECT_EQ(array->numel(), 5);
+}
+
 TEST(Array, CellsOfASharedCellArrayAreIndependent) {
   txArrayPtr const first = txCreateCell(DimVector{1, 2});
   first->setCell(1, txCreateDouble(5));
