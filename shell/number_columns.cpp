@@ -74,6 +74,13 @@ std::string NumberColumns::commonFactor() const {
   return factor_ == 0 ? "" : fmt::format(" times 1e{:+03d}", factor_);
 }
 
+// x / 10^factor_, also where the power itself is no double any more.
+double NumberColumns::scaled(double x) const {
+  constexpr int kLowest = -300;
+  if (factor_ >= kLowest) return x / std::pow(10.0, factor_);
+  return x * 1e300 / std::pow(10.0, factor_ - kLowest);
+}
+
 std::string NumberColumns::one(double x) const {
   if (std::isnan(x)) return "NaN";
   if (std::isinf(x)) return x < 0 ? "-Inf" : "Inf";
@@ -84,7 +91,7 @@ std::string NumberColumns::one(double x) const {
     case Notation::exponent:
       return isZero ? "0" : fmt::format("{:.{}e}", x, decimals_);
     default:
-      return isZero ? "0" : fmt::format("{:.{}f}", x / std::pow(10.0, factor_), decimals_);
+      return isZero ? "0" : fmt::format("{:.{}f}", scaled(x), decimals_);
   }
 }
 

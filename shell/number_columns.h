@@ -25,6 +25,7 @@ class NumberColumns {
  private:
   enum class Notation { whole, fixed, exponent };
 
+  double scaled(double x) const;
   std::string one(double x) const;
 
   txArray const& value_;
