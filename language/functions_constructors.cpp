@@ -69,10 +69,19 @@ void makeSparse(Call& call) {
 
 void makeFull(Call& call) { call.give(txToFull(call[0])); }
 
+txArrayPtr complexPart(Call const& call, std::size_t i) {
+  txArrayPtr part = elementsArgument(call[i], static_cast<int>(i) + 1);
+  if (isIntegerClass(part->classID())) {
+    raiseFault("class", "Complex numbers are double or single, not " + classText(*part) + ".",
+               "convert it: double(x)", static_cast<int>(i) + 1);
+  }
+  return part;
+}
+
 void makeComplex(Call& call) {
-  txArrayPtr const real = elementsArgument(call[0], 1);
+  txArrayPtr const real = complexPart(call, 0);
   if (call.size() == 1) return call.give(toComplex(*real));
-  txArrayPtr const imaginary = elementsArgument(call[1], 2);
+  txArrayPtr const imaginary = complexPart(call, 1);
   bool const single = real->classID() == txClassSingle || imaginary->classID() == txClassSingle;
   if (real->isComplex() || imaginary->isComplex()) {
     raiseFault("numbersExpected", "Both parts are real.", "", real->isComplex() ? 1 : 2);
