@@ -1,5 +1,6 @@
 #include "language/fault.h"
 
+#include <algorithm>
 #include <new>
 
 namespace language {
@@ -14,7 +15,10 @@ void raiseFault(char const* key, std::string message, std::string hint, int faul
   throw Exception<Fault>(std::move(fault), std::move(message));
 }
 
-void raiseUserError(std::string const& identifier, std::string message) {
+void raiseUserError(std::string identifier, std::string message) {
+  // Both are handed on as C texts, which a NUL would end.
+  std::ranges::replace(identifier, '\0', '?');
+  std::ranges::replace(message, '\0', '?');
   std::size_t const colon = identifier.rfind(':');
   bool const hasPath = colon != std::string::npos;
   throw Exception<MessageId>(MessageId(hasPath ? identifier.substr(0, colon) : "",

@@ -28,7 +28,7 @@ class Fault final : public foundation::core::except::MessageId {
                              int faultyArgument = 0);
 
 // An error raised by a program with an identifier of its own.
-[[noreturn]] void raiseUserError(std::string const& identifier, std::string message);
+[[noreturn]] void raiseUserError(std::string identifier, std::string message);
 
 // Any host error, with the part of the source that it belongs to.
 class SourceError final : public std::exception {
