@@ -24,12 +24,12 @@ inline std::vector<std::pair<double, double>> polarPairs(std::size_t* used = nul
   std::vector<std::pair<double, double>> pairs;
   auto const words = minimalStandardWords();
   for (std::size_t i = 0; i + 1 < words.size(); i += 2) {
-    const long double x = 2 * static_cast<long double>(words[i]) / 2147483647 - 1;
-    const long double y = 2 * static_cast<long double>(words[i + 1]) / 2147483647 - 1;
-    const long double s = x * x + y * y;
+    const double x = 2 * words[i] / 2147483647 - 1;
+    const double y = 2 * words[i + 1] / 2147483647 - 1;
+    const double s = x * x + y * y;
     if (s > 1) continue;
-    const long double scale = std::sqrt(-2 * std::log(s) / s);
-    pairs.emplace_back(static_cast<double>(x * scale), static_cast<double>(y * scale));
+    const double scale = std::sqrt(-2 * std::log(s) / s);
+    pairs.emplace_back(x * scale, y * scale);
     if (used) *used = i + 2;
   }
   return pairs;

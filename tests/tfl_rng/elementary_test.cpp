@@ -5,9 +5,9 @@
 #include <gtest/gtest.h>
 
 #include <bit>
+#include <boost/multiprecision/cpp_bin_float.hpp>
 #include <cmath>
 #include <cstdint>
-#include <limits>
 #include <random>
 #include <vector>
 
@@ -15,20 +15,22 @@
 
 namespace {
 
-// The bound holds against exact values; an extended double adds 2^-11 of its own.
-constexpr double kBound = 0.55;
-static_assert(std::numeric_limits<long double>::digits >= 64, "needs an extended long double");
+// 72 bits, the same on every machine; they add 2^-19 to an error.
+using Wide = boost::multiprecision::number<
+    boost::multiprecision::cpp_bin_float<72, boost::multiprecision::digit_base_2>>;
 
-double errorInUlp(double value, long double exact) {
+constexpr double kBound = 0.55;
+
+double errorInUlp(double value, Wide const& exact) {
   const double ulp = std::ldexp(1.0, std::ilogb(static_cast<double>(exact)) - 52);
-  return static_cast<double>(std::fabs(value - exact) / ulp);
+  return static_cast<double>(Wide(abs(value - exact) / ulp));
 }
 
 struct Interval {
   double low, high;
 };
 
-constexpr int kArguments = 200000;
+constexpr int kArguments = 50000;
 
 class LogOn : public testing::TestWithParam<Interval> {};
 
@@ -37,8 +39,7 @@ TEST_P(LogOn, ErrorIsWithinTheBound) {
   std::uniform_real_distribution<double> between(GetParam().low, GetParam().high);
   for (int i = 0; i < kArguments; ++i) {
     const double x = between(bits);
-    ASSERT_LT(errorInUlp(tfl_rng::pinnedLog(x), std::log(static_cast<long double>(x))), kBound)
-        << std::hexfloat << x;
+    ASSERT_LT(errorInUlp(tfl_rng::pinnedLog(x), Wide(log(Wide(x)))), kBound) << std::hexfloat << x;
   }
 }
 
@@ -52,8 +53,7 @@ TEST(Elementary, LogOfEveryMagnitude) {
   for (int i = 0; i < kArguments; ++i) {
     const double x = std::bit_cast<double>(bits() >> 1);
     if (!std::isnormal(x)) continue;
-    ASSERT_LT(errorInUlp(tfl_rng::pinnedLog(x), std::log(static_cast<long double>(x))), kBound)
-        << std::hexfloat << x;
+    ASSERT_LT(errorInUlp(tfl_rng::pinnedLog(x), Wide(log(Wide(x)))), kBound) << std::hexfloat << x;
   }
   EXPECT_EQ(tfl_rng::pinnedLog(1), 0);
   EXPECT_EQ(tfl_rng::pinnedLog(1 - 0x1p-53), -0x1p-53);
@@ -66,8 +66,7 @@ TEST_P(ExpOn, ErrorIsWithinTheBound) {
   std::uniform_real_distribution<double> between(GetParam().low, GetParam().high);
   for (int i = 0; i < kArguments; ++i) {
     const double x = between(bits);
-    ASSERT_LT(errorInUlp(tfl_rng::pinnedExp(x), std::exp(static_cast<long double>(x))), kBound)
-        << std::hexfloat << x;
+    ASSERT_LT(errorInUlp(tfl_rng::pinnedExp(x), Wide(exp(Wide(x)))), kBound) << std::hexfloat << x;
   }
 }
 
