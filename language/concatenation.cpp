@@ -12,8 +12,8 @@ namespace language {
 
 namespace {
 
-// Strings win over everything, cells over all but strings, then text, the first integer class,
-// single, double; logicals stay logical among themselves.
+// Cells win over everything, then strings, text, the first integer class, single, double; logicals
+// stay logical among themselves.
 txClassID commonClass(std::span<txArrayPtr const> values) {
   auto const rank = [](txClassID id) {
     switch (id) {

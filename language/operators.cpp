@@ -2,6 +2,7 @@
 
 #include "embedded_host/object_system.h"
 #include "language/broadcast.h"
+#include "language/complex_division.h"
 #include "language/fault.h"
 #include "language/operands.h"
 #include "language/powers.h"
@@ -62,6 +63,15 @@ txArrayPtr comparison(txArray const& left, txArray const& right, char const* nam
 }
 
 template <class T>
+T quotient(T x, T y) {
+  if constexpr (std::is_floating_point_v<T>) {
+    return x / y;
+  } else {
+    return divide(x, y);
+  }
+}
+
+template <class T>
 txArrayPtr compute(Operator op, txArray const& a, txArray const& b, txClassID target) {
   char const* name = spelling(op);
   auto const with = [&](auto f) { return arithmetic<T>(a, b, target, name, f); };
@@ -75,9 +85,9 @@ txArrayPtr compute(Operator op, txArray const& a, txArray const& b, txClassID ta
       return with([](T x, T y) { return x * y; });
     case Operator::divide:
     case Operator::elementDivide:
-      return with([](T x, T y) { return x / y; });
+      return with([](T x, T y) { return quotient(x, y); });
     default:
-      return with([](T x, T y) { return y / x; });
+      return with([](T x, T y) { return quotient(y, x); });
   }
 }
 

@@ -4,6 +4,7 @@
 
 #include "embedded_host/array.h"
 #include "language/broadcast.h"
+#include "language/complex_division.h"
 #include "language/fault.h"
 #include "language/operands.h"
 
@@ -69,7 +70,7 @@ Complex wholePower(Complex z, double exponent) {
   if (exponent >= 0) return repeated(z, count);
   Complex const power = repeated(z, count);
   bool const usable = std::isfinite(power.real()) && std::isfinite(power.imag()) && power != 0.0;
-  return usable ? 1.0 / power : repeated(1.0 / z, count);
+  return usable ? divide(Complex(1), power) : repeated(divide(Complex(1), z), count);
 }
 
 // (-magnitude)^exponent. Halves and quarters of a turn are exact.
