@@ -31,11 +31,11 @@ void spread(Call& call) {
     raiseFault("option", "There is no such weight.", "0 divides by n-1, 1 by n", 2);
   }
   bool const population = weight == 1;
-  auto const [value, dimension] = reduced(call, 2, realFloats(call));
-  Lines const lines(*value, dimension);
-  txArrayPtr result = makeUninitialized(lines.shapeWith(1), value->classID());
+  Reduced const of = reduced(call, 2, realFloats(call));
+  Lines const lines(*of.value, of.dimension);
+  txArrayPtr result = makeUninitialized(lines.shapeWith(1), of.value->classID());
   auto const run = [&]<class T>(T) {
-    T const* from = std::as_const(*value).template dataAs<T>();
+    T const* from = std::as_const(*of.value).template dataAs<T>();
     T* to = result->template dataAs<T>();
     double const n = static_cast<double>(lines.length());
     lines.forEach(lines.length(), [&](std::uint64_t line, std::uint64_t first) {
@@ -51,7 +51,7 @@ void spread(Call& call) {
       to[line] = static_cast<T>(root ? std::sqrt(variance) : variance);
     });
   };
-  value->classID() == txClassSingle ? run(float()) : run(double());
+  of.value->classID() == txClassSingle ? run(float()) : run(double());
   call.give(std::move(result));
 }
 
@@ -105,19 +105,19 @@ void extreme(Call& call) {
   // Of no numbers none is the best: nothing stays nothing.
   bool const nothing = numbers->isEmpty() && call.size() < 3;
   std::size_t const standard = nothing ? dimensionArgument(call, 2, *numbers) : 0;
-  auto const [value, dimension] =
+  Reduced const of =
       nothing ? Reduced{std::move(numbers), standard} : reduced(call, 2, std::move(numbers));
-  Lines const lines(*value, dimension);
+  Lines const lines(*of.value, of.dimension);
   Shape const shape = lines.shapeWith(std::min<std::uint64_t>(lines.length(), 1));
-  txArrayPtr result = makeUninitialized(shape, value->classID());
+  txArrayPtr result = makeUninitialized(shape, of.value->classID());
   txArrayPtr where = makeUninitialized(shape, txClassDouble);
   if (result->isEmpty()) {
     call.give(std::move(result));
     if (call.wants(1)) call.give(std::move(where), 1);
     return;
   }
-  visitElementType(value->classID(), [&]<class T>(T) {
-    T const* from = std::as_const(*value).template dataAs<T>();
+  visitElementType(of.value->classID(), [&]<class T>(T) {
+    T const* from = std::as_const(*of.value).template dataAs<T>();
     lines.forEach(lines.length(), [&](std::uint64_t line, std::uint64_t first) {
       std::uint64_t best = 0;
       for (std::uint64_t i = 1; i < lines.length(); ++i) {
@@ -137,11 +137,11 @@ constexpr auto kLess = [](auto a, auto b) { return a < b; };
 constexpr auto kGreater = [](auto a, auto b) { return a > b; };
 
 void median(Call& call) {
-  auto const [value, dimension] = reduced(call, 1, realFloats(call));
-  Lines const lines(*value, dimension);
-  txArrayPtr result = makeUninitialized(lines.shapeWith(1), value->classID());
+  Reduced const of = reduced(call, 1, realFloats(call));
+  Lines const lines(*of.value, of.dimension);
+  txArrayPtr result = makeUninitialized(lines.shapeWith(1), of.value->classID());
   auto const run = [&]<class T>(T) {
-    T const* from = std::as_const(*value).template dataAs<T>();
+    T const* from = std::as_const(*of.value).template dataAs<T>();
     T* to = result->template dataAs<T>();
     std::vector<T> line(lines.length());
     lines.forEach(lines.length(), [&](std::uint64_t at, std::uint64_t first) {
@@ -161,7 +161,7 @@ void median(Call& call) {
                    : std::midpoint(*std::max_element(line.begin(), middle), *middle);
     });
   };
-  value->classID() == txClassSingle ? run(float()) : run(double());
+  of.value->classID() == txClassSingle ? run(float()) : run(double());
   call.give(std::move(result));
 }
 
