@@ -119,7 +119,6 @@ double realPower(double base, double exponent) {
 Complex complexPower(Complex base, Complex exponent) {
   if (exponent.imag() == 0) {
     double const y = exponent.real();
-    if (y == 0) return 1;
     if (base.imag() == 0) {
       double const x = base.real();
       return x < 0 && hasFraction(y) ? powerOfNegative(-x, y) : Complex(realPower(x, y));
