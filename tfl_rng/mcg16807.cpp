@@ -5,8 +5,10 @@
 #include "tfl_rng/elementary.h"
 #include "tfl_rng/kernels/mcg16807.h"
 #include "tfl_rng/minimal_standard.h"
+#include "tfl_rng/uint128.h"
 
 namespace tfl_rng {
+
 mcg16807::mcg16807(std::uint32_t seed, bool fullPrecision) : CoreNormalRNG(fullPrecision) {
   mcg16807::reset(seed);
 }
@@ -26,6 +28,15 @@ void mcg16807::randuStreaming(double* out, std::size_t n) {
   namespace kernels = minimal_standard;
   word_ = fullPrecision() ? kernels::fillStreaming(kernels::Full{}, word_, out, n)
                           : kernels::fillStreaming(kernels::Reduced{}, word_, out, n);
+}
+
+errorID mcg16807::advance(std::uint64_t n) noexcept {
+  uint128 steps = uint128{n} * (fullPrecision() ? 2 : 1);
+  for (std::uint32_t power = kMinimalStandardFactor; steps > 0; steps /= 2) {
+    if (steps % 2 != 0) word_ = minimalStandardStep(word_, power);
+    power = minimalStandardStep(power, power);
+  }
+  return ok;
 }
 
 void mcg16807::randn(double* out, std::size_t n) {

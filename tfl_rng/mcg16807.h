@@ -8,6 +8,7 @@
 // A draw      reduced precision: one step, x * 4.656612875245797e-10.
 //             full precision: two steps, b = ((x1 - 1) >> 5) * 2^26 + ((x2 - 1) >> 5) of 52 bits,
 //             (b + 0.5) * 2^-52.
+// Jump-ahead  by a power of the factor.
 // Normals     Marsaglia's polar method, two steps for each candidate pair, in either mode.
 
 #include <utility>
@@ -27,6 +28,9 @@ class mcg16807 final : public CoreNormalRNG {
   // Both normals of each accepted pair, in order. The state has no room for a second value between
   // calls: an odd n drops it.
   void randn(double* out, std::size_t n) override;
+
+  // Moves forward by n draws.
+  errorID advance(std::uint64_t n) noexcept;
 
   std::uint32_t word() const noexcept { return word_; }
   // Requires 1 <= word <= 2^31 - 2.

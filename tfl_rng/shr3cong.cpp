@@ -1,11 +1,36 @@
 #include "tfl_rng/shr3cong.h"
 
+#include <array>
+
 #include "tfl_rng/elementary.h"
 #include "tfl_rng/kernels/shr3cong.h"
 #include "tfl_rng/to_double.h"
+#include "tfl_rng/uint128.h"
 #include "tfl_rng/ziggurat128.h"
 
 namespace tfl_rng {
+namespace {
+
+// Linear maps of the shift register: the images of its 32 bits.
+using Matrix = std::array<std::uint32_t, 32>;
+
+constexpr std::uint32_t apply(Matrix const& map, std::uint32_t word) noexcept {
+  std::uint32_t image = 0;
+  for (std::size_t i = 0; i < map.size(); ++i) image ^= (word >> i & 1) * map[i];
+  return image;
+}
+
+// 2^0, 2^1, ... 2^31 steps. The period is 2^32 - 1: 2^32 steps are one.
+constexpr auto kRegisterSquarings = [] {
+  std::array<Matrix, 32> powers{};
+  for (std::size_t i = 0; i < 32; ++i) powers[0][i] = shr3cong::shiftRegisterStep(1u << i);
+  for (std::size_t k = 1; k < powers.size(); ++k)
+    for (std::size_t i = 0; i < 32; ++i)
+      powers[k][i] = apply(powers[k - 1], apply(powers[k - 1], 1u << i));
+  return powers;
+}();
+
+}  // namespace
 
 shr3cong::shr3cong(std::uint32_t seed, bool fullPrecision) : CoreNormalRNG(fullPrecision) {
   shr3cong::reset(seed);
@@ -31,6 +56,21 @@ void shr3cong::randuStreaming(double* out, std::size_t n) {
   } else {
     kernels::fillStreaming(kernels::Reduced{}, state_, out, n);
   }
+}
+
+errorID shr3cong::advance(std::uint64_t n) noexcept {
+  uint128 steps = uint128{n} * (fullPrecision() ? 2 : 1);
+  std::uint32_t factor = kFactor;  // of the congruential generator over 2^k steps
+  std::uint32_t term = kTerm;
+  for (std::size_t k = 0; steps > 0; ++k, steps /= 2) {
+    if (steps % 2 != 0) {
+      state_.congruential = factor * state_.congruential + term;
+      state_.shiftRegister = apply(kRegisterSquarings[k % 32], state_.shiftRegister);
+    }
+    term += factor * term;
+    factor *= factor;
+  }
+  return ok;
 }
 
 void shr3cong::randn(double* out, std::size_t n) {

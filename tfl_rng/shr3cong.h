@@ -13,6 +13,7 @@
 // A draw      reduced precision: one step w, (w + 0.5) * 2^-32.
 //             full precision: two steps, the first the high word; of the 64 bits the top 52, b,
 //             give (b + 0.5) * 2^-52.
+// Jump-ahead  by powers of the congruential step and of the register's matrix.
 // Normals     the 128-layer ziggurat of the paper above, in either mode: one step for 98 % of them,
 //             more where the first candidate lies at a layer's edge or in the tail.
 
@@ -25,12 +26,14 @@ struct Ziggurat128;
 class shr3cong final : public CoreNormalRNG {
  public:
   static constexpr std::uint32_t kCongruentialStart = 362436069;
+  static constexpr std::uint32_t kFactor = 69069;
+  static constexpr std::uint32_t kTerm = 1234567;
   // Stands in for a shift-register word of 0, which the register would never leave.
   static constexpr std::uint32_t kShiftRegisterDefault = 521288629;
 
   // One step of each part alone.
   static constexpr std::uint32_t congruentialStep(std::uint32_t word) noexcept {
-    return 69069 * word + 1234567;
+    return kFactor * word + kTerm;
   }
   static constexpr std::uint32_t shiftRegisterStep(std::uint32_t word) noexcept {
     word ^= word << 13;
@@ -58,6 +61,9 @@ class shr3cong final : public CoreNormalRNG {
   // The same past the caches, for results that these will not hold.
   void randuStreaming(double* out, std::size_t n);
   void randn(double* out, std::size_t n) override;
+
+  // Moves forward by n draws.
+  errorID advance(std::uint64_t n) noexcept;
 
   State const& state() const noexcept { return state_; }
   void setState(State const& state) noexcept { state_ = state; }

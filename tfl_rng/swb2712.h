@@ -13,6 +13,7 @@
 //             53 bits exclusive-or'ed: bits 0 to 31 with mix32(c), bits 32 to 52 with
 //             mix32(~c) >> 11, where mix32 is the finaliser of MurmurHash3. 0 is delivered as
 //             2^-53. Alone, the recurrence fails tests of gaps and birthday spacings.
+// Jump-ahead  by the congruence modulo m that the recurrence is equivalent to.
 // State       32 lag values (z, unmixed, in a ring), the borrow, the ring position of the next z
 // and
 //             the Weyl counter c.
@@ -45,11 +46,16 @@ class swb2712 final : public CoreRNG {
 
   void reset(std::uint32_t seed) override;
   void randu(double* out, std::size_t n) override;
+  // Moves forward by n draws, in microseconds whatever n. Where a z of 0 lies far on the way, a
+  // chance of n in 2^53, drawing stores it as 2^-53 and comes out elsewhere.
+  errorID advance(std::uint64_t n);
 
   State const& state() const noexcept { return state_; }
   void setState(State const& state) noexcept { state_ = state; }
 
  private:
+  void jump(std::uint64_t n) noexcept;
+
   State state_;
 };
 
