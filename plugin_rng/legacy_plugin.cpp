@@ -57,6 +57,19 @@ void legacy_plugin::randu(double* out, std::size_t n) {
   }
 }
 
+void legacy_plugin::advance(std::size_t n) {
+  switch (generators_.uniformSelector) {
+    case kV4:
+      generators_.v4UniformWord = tfl_rng::minimalStandardAhead(generators_.v4UniformWord, n);
+      return;
+    case kV5:
+      generators_.v5Uniform.advance(n);
+      return;
+    default:
+      generators_.twister.advance(n);
+  }
+}
+
 void legacy_plugin::randn(double* out, std::size_t n) {
   if (generators_.normalSelector != kV4) return generators_.v5Normal.randn(out, n);
   for (std::size_t i = 0; i < n; ++i) {

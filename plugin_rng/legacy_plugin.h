@@ -46,6 +46,8 @@ class legacy_plugin : public IPluginRNGRandn {
 
   void randu(double* out, std::size_t n) override;
   void randn(double* out, std::size_t n) override;
+  // Moves the selected uniform generator.
+  void advance(std::size_t n);
   // Seeds the two selected generators. 0 stands for each one's default seed.
   void reset(std::uint32_t seed) override;
 

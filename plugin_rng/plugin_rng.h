@@ -8,9 +8,9 @@
 
 #include "errors/generator_errors.h"
 #include "host/ascii_case.h"
-#include "plugin_rng/clone.h"
 #include "plugin_rng/interfaces.h"
 #include "plugin_rng/large_results.h"
+#include "plugin_rng/own_plugin.h"
 #include "tfl_rng/generator_catalogue.h"
 #include "tfl_rng/rejection.h"
 
@@ -45,6 +45,7 @@ class PluginRNG : public virtual IPluginRNG {
     lengths[0] = stateLen;
   }
   void setFullPrecision(bool on) override { core->setFullPrecision(on); }
+  void advance(std::size_t n) { core->advance(n); }
   void destroy() override { delete this; }
 
  protected:
@@ -82,7 +83,7 @@ IPluginRNG* makeSingleStream(std::size_t numStreams, std::size_t streamIndex, st
   using Errors = errors::GeneratorErrors<Core>;
   if (nParams != 0) errors::raise(typename Errors::InvalidParameter());
   if (numStreams > 1 || streamIndex != 0) errors::raise(typename Errors::MultipleStreams());
-  return new Cloning<Plugin>(boost::shared_ptr<Core>(new Core(seed, true)));
+  return new Own<Plugin>(boost::shared_ptr<Core>(new Core(seed, true)));
 }
 
 }  // namespace plugin_rng

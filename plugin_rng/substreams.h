@@ -115,7 +115,7 @@ IPluginRNG* makeWithStreams(std::size_t numStreams, std::size_t streamIndex, std
   using Errors = errors::GeneratorErrors<Core>;
   if (nParams != 0) errors::raise(typename Errors::InvalidParameter());
   auto plugin =
-      std::make_unique<Cloning<Plugin>>(boost::shared_ptr<Core>(new Core(seed, streamIndex, true)));
+      std::make_unique<Own<Plugin>>(boost::shared_ptr<Core>(new Core(seed, streamIndex, true)));
   if (plugin->checkNumStreams(numStreams) != tfl_rng::ok) {
     errors::raise(typename Errors::TooManyStreams());
   }

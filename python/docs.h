@@ -165,8 +165,8 @@ True
 
 inline constexpr char const* kAdvance = R"(advance(n)
 
-Passes over n draws. Generators with substreams jump, which takes microseconds for any n below
-2^64; the others draw and discard.
+Passes over n draws, any number below 2^64. Every generator jumps: in microseconds, the two twisters
+in some tens of milliseconds.
 
 >>> s, t = tv.RandStream('philox'), tv.RandStream('philox')
 >>> s.advance(10)

@@ -4,7 +4,7 @@
 #include <cstddef>
 #include <cstdint>
 
-#include "plugin_rng/clone.h"
+#include "plugin_rng/own_plugin.h"
 #include "rng/in_use.h"
 #include "rng/mr_functions.h"
 #include "rng/stream_factory.h"
@@ -29,20 +29,20 @@ std::unique_ptr<randstream> remade(randstream const& original, unsigned long sub
 
 std::unique_ptr<randstream> randstream::clone() const {
   const InUse inUse(*this);
-  if (!cloneView_) {
+  if (!ownView_) {
     auto copy = remade(*this, getSubstream());
     copy->pendingNormalValid_ = pendingNormalValid_;
     copy->pendingNormal_ = pendingNormal_;
     copy->counts_ = counts_;
     return copy;
   }
-  plugin_rng::IPluginRNGClone::Views const views = cloneView_->clone();
+  plugin_rng::IOwnPluginRNG::Views const views = ownView_->clone();
   PluginOwner plugin(views.plugin);
   std::unique_ptr<randstream> copy(new randstream(*this));
   copy->plugin_ = plugin.release();
   copy->normalView_ = views.normals;
   copy->substreamView_ = copy->jumpView_ = views.substreams;
-  copy->cloneView_ = views.clone;
+  copy->ownView_ = views.own;
   return copy;
 }
 

@@ -9,7 +9,7 @@
 #include "host/allocator.h"
 #include "host/ascii_case.h"
 #include "host/strings.h"
-#include "plugin_rng/clone.h"
+#include "plugin_rng/own_plugin.h"
 #include "rng/chunks.h"
 #include "rng/guard.h"
 #include "rng/in_use.h"
@@ -26,7 +26,7 @@ randstream::randstream(char const* generatorType, unsigned int seed, plugin_rng:
       normalView_(dynamic_cast<plugin_rng::IPluginRNGRandn*>(plugin)),
       substreamView_(dynamic_cast<plugin_rng::IPluginRNGSubstreams*>(plugin)),
       jumpView_(substreamView_),
-      cloneView_(dynamic_cast<plugin_rng::IPluginRNGClone*>(plugin)) {
+      ownView_(dynamic_cast<plugin_rng::IOwnPluginRNG*>(plugin)) {
   utStrncpy(generatorType_, generatorType, kNameSize - 1);
   char const* algorithm = "Ziggurat";
   if (normalView_) algorithm = guarded([&] { return normalView_->getDefaultRandnAlg(); });
@@ -92,8 +92,8 @@ unsigned long randstream::getSubstream() const {
 void randstream::advance(unsigned long n) {
   const InUse inUse(*this);
   guarded([&] {
-    if (jumpView_) {
-      jumpView_->advance(n);
+    if (jumpView_ || ownView_) {
+      jumpView_ ? jumpView_->advance(n) : ownView_->jump(n);
       counts_.passedOver += n;
       drawsInThread += n;
       return;

@@ -17,7 +17,7 @@
 #include "rng/one_user.h"
 
 namespace plugin_rng {
-class IPluginRNGClone;
+class IOwnPluginRNG;
 }
 class UniformSource;
 
@@ -81,7 +81,8 @@ class TV_EXPORT randstream {
   // set:SubstreamsNotSupported.
   void setSubstream(unsigned long k);
   unsigned long getSubstream() const;
-  // Leaves the generator where n draws would; draws and discards them where it cannot jump.
+  // Leaves the generator where n draws would. The generators of this library jump, in milliseconds
+  // at most; a plug-in from elsewhere that has no substreams draws and discards.
   void advance(unsigned long n);
   void setFullPrecision(bool on);
   // Chooses the method for normals, ignoring case: one that the generator brings itself, else
@@ -95,9 +96,8 @@ class TV_EXPORT randstream {
   unsigned int seed() const noexcept { return seed_; }
   // Whether a normal of the Polar method waits for the next call.
   bool pendingNormal() const noexcept { return pendingNormalValid_; }
-  // Whether the generator has substreams, and jumps instead of drawing when it advances.
+  // Whether the generator has substreams.
   bool hasSubstreams() const noexcept { return substreamView_ != nullptr; }
-  bool canJump() const noexcept { return jumpView_ != nullptr; }
   unsigned long numStreams() const noexcept { return numStreams_; }
   unsigned long streamIndex() const noexcept { return streamIndex_; }  // from 0
   bool antithetic() const noexcept { return antithetic_; }
@@ -137,8 +137,8 @@ class TV_EXPORT randstream {
   // up to 32 bits. Draws n uniforms. Errors, also for n = 0: those of checkRandiLimits.
   template <class T>
   void randiFcn(double lo, double hi, T* out, unsigned long n);
-  // A permutation of 1..n: the order of n uniforms. Draws n uniforms, also when the host's sort then
-  // fails for lack of memory.
+  // A permutation of 1..n: the order of n uniforms. Draws n uniforms, also when the host's sort
+  // then fails for lack of memory.
   template <class T>
   void randpermFcn(T* out, unsigned long n);
   // k distinct values of 1..n in random order; T double. Draws n-1 uniforms for k = n, k for
@@ -192,7 +192,7 @@ class TV_EXPORT randstream {
   bool pendingNormalValid_ = false;
   OneUser user_;  // in all builds, so that they lay streams out alike
   double pendingNormal_ = 0;
-  plugin_rng::IPluginRNGClone const* cloneView_;
+  plugin_rng::IOwnPluginRNG* ownView_;
   DrawCounts counts_;
 };
 

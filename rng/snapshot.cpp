@@ -10,8 +10,8 @@
 #include <optional>
 
 #include "errors/keys.h"
-#include "plugin_rng/clone.h"
 #include "plugin_rng/legacy_plugin.h"
+#include "plugin_rng/own_plugin.h"
 #include "rng/element_bits.h"
 #include "rng/generator_names.h"
 #include "rng/mr_functions.h"
@@ -202,9 +202,8 @@ void readComponent(Lines& lines, StateClass const& elementClass, std::size_t len
 std::unique_ptr<randstream> newStream(std::string const& generator, std::uint32_t seed,
                                       std::uint64_t numStreams, std::uint64_t streamIndex) {
   if (generator == kLegacy)
-    return makeStream(kLegacy, seed,
-                      PluginOwner(new plugin_rng::Cloning<plugin_rng::legacy_plugin>), numStreams,
-                      streamIndex);
+    return makeStream(kLegacy, seed, PluginOwner(new plugin_rng::Own<plugin_rng::legacy_plugin>),
+                      numStreams, streamIndex);
   return std::unique_ptr<randstream>(
       mrCreateRNGStream(generator.c_str(), numStreams, streamIndex, seed, nullptr, 0));
 }

@@ -5,7 +5,6 @@
 #include "embedded_host/dispatcher.h"
 #include "embedded_host/object_system.h"
 #include "rng/mr_functions.h"
-#include "shell/long_advance.h"
 
 namespace shell {
 
@@ -40,9 +39,7 @@ Function watched(std::string name, Function function, CallWatch* const* watch, b
     randstream const* const source = *watch ? streamOf(nrhs, prhs, isMethod) : nullptr;
     auto const before = source ? source->drawCounts() : randstream::DrawCounts();
     bool const pending = source && source->pendingNormal();
-    if (!(name == "advance" && nlhs == 0 && advancedSlowly(nrhs, prhs))) {
-      function(nlhs, plhs, nrhs, prhs);
-    }
+    function(nlhs, plhs, nrhs, prhs);
     if (!*watch) return;
     // Another stream than before: the call has put it in the place of the global one.
     if (randstream const* const stream = streamOf(nrhs, prhs, isMethod))

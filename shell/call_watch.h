@@ -30,9 +30,8 @@ class CallWatch {
 // `object` is null.
 randstream* streamBehind(txArray const* object) noexcept;
 
-// Passes the calls of a VM by `*watch` from now on, when that is not null, and makes long advances
-// of generators that cannot jump with a line of progress and so that an interrupt leaves the stream
-// where it was. `watch` outlives the VM's calls.
+// Passes the calls of a VM by `*watch` from now on, when that is not null. `watch` outlives the
+// VM's calls.
 void watchCalls(embedded_host::VmContext& vm, CallWatch* const* watch);
 
 }  // namespace shell

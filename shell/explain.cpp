@@ -115,8 +115,7 @@ void Explanation::called(Call const& call) {
   std::uint64_t const passed = now.passedOver - call.before.passedOver;
   std::string what;
   if (call.name == "advance") {
-    what = passed || drawn == 0 ? fmt::format("jumped over {}", counted(passed, "draw"))
-                                : fmt::format("drew and discarded {}", counted(drawn, "uniform"));
+    what = fmt::format("jumped over {}", counted(passed, "draw"));
   } else if (call.name == "reset") {
     what = "went back to the start of its seed";
   } else if (drawn == 0 && normals == 0 && !call.hadPendingNormal) {

@@ -31,11 +31,7 @@ void mcg16807::randuStreaming(double* out, std::size_t n) {
 }
 
 errorID mcg16807::advance(std::uint64_t n) noexcept {
-  uint128 steps = uint128{n} * (fullPrecision() ? 2 : 1);
-  for (std::uint32_t power = kMinimalStandardFactor; steps > 0; steps /= 2) {
-    if (steps % 2 != 0) word_ = minimalStandardStep(word_, power);
-    power = minimalStandardStep(power, power);
-  }
+  word_ = minimalStandardAhead(word_, uint128{n} * (fullPrecision() ? 2 : 1));
   return ok;
 }
 

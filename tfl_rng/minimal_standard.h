@@ -6,6 +6,8 @@
 
 #include <cstdint>
 
+#include "tfl_rng/uint128.h"
+
 namespace tfl_rng {
 
 inline constexpr std::uint32_t kMinimalStandardModulus = 0x7fffffff;
@@ -25,6 +27,15 @@ inline std::uint32_t minimalStandardStep(std::uint32_t word,
   const auto sum =
       static_cast<std::uint32_t>((product & kMinimalStandardModulus) + (product >> 31));
   return sum < kMinimalStandardModulus ? sum : sum - kMinimalStandardModulus;
+}
+
+// The word `steps` steps on.
+inline std::uint32_t minimalStandardAhead(std::uint32_t word, uint128 steps) noexcept {
+  for (std::uint32_t power = kMinimalStandardFactor; steps > 0; steps /= 2) {
+    if (steps % 2 != 0) word = minimalStandardStep(word, power);
+    power = minimalStandardStep(power, power);
+  }
+  return word;
 }
 
 // The uniform of a word.

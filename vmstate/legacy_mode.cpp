@@ -6,8 +6,8 @@
 #include "errors/argument_counts.h"
 #include "errors/keys.h"
 #include "host/allocator.h"
-#include "plugin_rng/clone.h"
 #include "plugin_rng/legacy_plugin.h"
+#include "plugin_rng/own_plugin.h"
 #include "plugin_rng/saved_state.h"
 #include "rng/stream_handle.h"
 #include "tfl_rng/convert.h"
@@ -38,7 +38,7 @@ struct HostAllocator {
 };
 
 std::shared_ptr<randstream> makeLegacyStream() {
-  auto plugin = std::make_unique<plugin_rng::Cloning<legacy_plugin>>();
+  auto plugin = std::make_unique<plugin_rng::Own<legacy_plugin>>();
   auto stream = std::allocate_shared<randstream>(HostAllocator<randstream>(), "legacy", 0u,
                                                  plugin.get(), 1ul, 0ul);
   std::ignore = plugin.release();  // the stream's from here on

@@ -49,6 +49,20 @@ TEST_P(Clone, IsTheStreamOverAgainAndAStreamOfItsOwn) {
   EXPECT_EQ(normals(*another, 20), next);
 }
 
+TEST_P(Clone, AdvancesToWhereDrawingLeads) {
+  Stream const drawn = make(GetParam());
+  Stream const jumped = drawn->clone();
+  std::vector<double> uniforms(300'007);
+  drawn->randuFcn(uniforms.data(), uniforms.size());
+  jumped->advance(uniforms.size());
+  EXPECT_EQ(takeSnapshot(*jumped), takeSnapshot(*drawn));
+  EXPECT_EQ(jumped->drawCounts().passedOver, uniforms.size());
+  jumped->advance(~0UL - 5);
+  drawn->advance(1UL << 63);
+  drawn->advance(~0UL - 5 - (1UL << 63));
+  EXPECT_EQ(takeSnapshot(*jumped), takeSnapshot(*drawn));
+}
+
 constexpr char const* kNames[] = {
 #define TFL_GENERATOR(name, ...) #name,
 #include "tfl_rng/generators.def"

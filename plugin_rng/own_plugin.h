@@ -1,7 +1,8 @@
 #pragma once
 
-// How the generators of this library copy themselves. A plug-in from elsewhere knows nothing of it;
-// its streams are copied by way of a factory and the state.
+// What the generators of this library offer their streams beyond the interface: copies of
+// themselves, and jumps whether they have substreams or not. A plug-in from elsewhere knows nothing
+// of it; its streams are copied by way of a factory and the state, and advance by drawing.
 
 #include <type_traits>
 
@@ -9,7 +10,7 @@
 
 namespace plugin_rng {
 
-class IPluginRNGClone {
+class IOwnPluginRNG {
  public:
   // A plug-in as a stream keeps it: with its extensions, null for those that it lacks, so that a
   // copy need not search for them.
@@ -17,31 +18,35 @@ class IPluginRNGClone {
     IPluginRNG* plugin;
     IPluginRNGRandn* normals;
     IPluginRNGSubstreams* substreams;
-    IPluginRNGClone const* clone;
+    IOwnPluginRNG* own;
   };
 
   // A new plug-in that goes on as this one will: generator state, substream and precision. Its
   // caller owns it and releases it through destroy().
   virtual Views clone() const = 0;
+  // Moves forward by n draws without making them.
+  virtual void jump(std::size_t n) = 0;
 
  protected:
-  ~IPluginRNGClone() = default;
+  ~IOwnPluginRNG() = default;
 };
 
-// A plug-in whose copy constructor makes a generator of its own, with the interface above.
+// A plug-in whose copy constructor makes a generator of its own and which can advance, with the
+// interface above.
 template <class Plugin>
-class Cloning final : public Plugin, public IPluginRNGClone {
+class Own final : public Plugin, public IOwnPluginRNG {
  public:
   using Plugin::Plugin;
 
   Views clone() const override {
-    auto* const copy = new Cloning(*this);
+    auto* const copy = new Own(*this);
     return {copy, view<IPluginRNGRandn>(copy), view<IPluginRNGSubstreams>(copy), copy};
   }
+  void jump(std::size_t n) override { this->advance(n); }
 
  private:
   template <class Extension>
-  static Extension* view(Cloning* plugin) noexcept {
+  static Extension* view(Own* plugin) noexcept {
     if constexpr (std::is_base_of_v<Extension, Plugin>)
       return plugin;
     else
