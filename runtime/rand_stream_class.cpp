@@ -69,13 +69,21 @@ txArray const& requireHandle(txArray const& object) {
   return *handle;
 }
 
-// Lets go of the stream behind a handle, which is no longer the global stream then.
+// Whether only one owner is left beside the handle. Where that is the record of the global stream,
+// nothing else stands for the stream: no other object, neither the default nor the legacy stream.
+bool hasOneOtherOwner(txArray const& handle) noexcept {
+  auto const* const owner =
+      reinterpret_cast<std::shared_ptr<randstream> const*>(*handle.dataAs<std::uint64_t>());
+  return owner->use_count() == 2;
+}
+
+// Lets go of the stream behind a handle. It goes on as the global stream while others own it too.
 void dropStream(Loaded& loaded, txArray const& handle) noexcept {
   if (loaded.vm) {
     try {
       embedded_host::EnterVm const inside(*loaded.vm);
       txArray const* args[] = {&handle};
-      clearGlobalRandStreamIfMatches(0, nullptr, 1, args);
+      if (hasOneOtherOwner(handle)) clearGlobalRandStreamIfMatches(0, nullptr, 1, args);
     } catch (...) {
       // Another thread is in the VM; its global stream stays what it is.
     }
