@@ -52,6 +52,9 @@ std::optional<Output> parsePrototype(Grammar const& grammar, int nlhs, txArrayPt
   }
   if (!grammar.canFill(values->classID())) grammar.prototypeClass(prototype, position);
   if (values->isSparse()) grammar.sparsePrototype(position);
+  // A class without a constructor: the prototype is none to build on.
+  if (!output.castThrough.empty() && !Tdispatcher::has(output.castThrough))
+    grammar.objectPrototype(position);
   output.classID = values->classID();
   if (values->isComplex()) output.complexity = txComplexity::complex;
   return output;
@@ -106,12 +109,11 @@ Dimensions parseSizes(Grammar const& grammar, Arguments const& sizes) {
   return Dimensions(arrays.view());
 }
 
-txArrayPtr finish(Grammar const& grammar, Output const& output, txArrayPtr result) {
+txArrayPtr finish(Output const& output, txArrayPtr result) {
   if (output.castThrough.empty()) return result;
   txArray const* const filled = result.get();
   txArrayPtr cast;
-  // An object's class without a constructor: the prototype was none to build on.
-  if (!Tdispatcher::call(output.castThrough, 1, &cast, {&filled, 1})) grammar.objectPrototype(0);
+  Tdispatcher::call(output.castThrough, 1, &cast, {&filled, 1});
   return cast;
 }
 

@@ -28,7 +28,7 @@ struct Grammar {
   // Raises for a class name that is refused before any class is asked; null: there is none.
   void (*checkName)(std::u16string_view name, int position);
   RaiseAt unknownClass;
-  RaiseAt objectPrototype;  // an object around nothing numeric
+  RaiseAt objectPrototype;  // an object around nothing numeric, or of a class that makes none
   void (*prototypeClass)(txArray const& prototype, int position);
   RaiseAt sparsePrototype;
   RaiseAt inputType;
@@ -64,7 +64,7 @@ std::optional<Output> parseOutput(Grammar const& grammar, int nlhs, txArrayPtr* 
 Dimensions parseSizes(Grammar const& grammar, Arguments const& sizes);
 
 // The filled result, passed through the prototype's class where the output says so.
-txArrayPtr finish(Grammar const& grammar, Output const& output, txArrayPtr result);
+txArrayPtr finish(Output const& output, txArrayPtr result);
 
 inline bool isNumericOrLogical(txArray const& array) noexcept {
   return array.isNumeric() || array.isLogical();

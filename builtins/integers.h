@@ -58,7 +58,7 @@ void sampleIntegers(int nlhs, txArrayPtr* plhs, int nrhs, txArray const** prhs) 
   checkRange(limits, args.position(0));
   txArrayPtr result = txCreateUninitialized(dimensions.view(), output->classID, output->complexity);
   fillIntegers(*source.acquire(), limits, *result, drawsFor(*result));
-  plhs[0] = finish(kGrammar, *output, std::move(result));
+  plhs[0] = finish(*output, std::move(result));
 }
 
 }  // namespace builtins

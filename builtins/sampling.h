@@ -88,7 +88,7 @@ void sample(int nlhs, txArrayPtr* plhs, int nrhs, txArray const** prhs) {
   Dimensions const dimensions = parseSizes(kGrammar, args.subrange(0, output->argumentsBefore));
   txArrayPtr result = txCreateUninitialized(dimensions.view(), output->classID, output->complexity);
   fill<Distribution>(*source.acquire(), *result);
-  plhs[0] = finish(kGrammar, *output, std::move(result));
+  plhs[0] = finish(*output, std::move(result));
 }
 
 // The same for native callers, who give the size as a number or a row of numbers.

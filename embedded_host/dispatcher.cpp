@@ -46,7 +46,7 @@ bool dispatch(std::string_view name, int nlhs, txArrayPtr* plhs,
               std::span<txArray const* const> args) {
   for (txArray const* argument : args) {
     ClassPtr const definition = classOf(*argument);
-    if (!definition) continue;
+    if (!definition || (definition->objectFirst && argument != args.front())) continue;
     auto const method = definition->methods.find(name);
     if (method == definition->methods.end()) continue;
     callFunction(method->second, nlhs, plhs, args);
@@ -57,17 +57,33 @@ bool dispatch(std::string_view name, int nlhs, txArrayPtr* plhs,
 
 }  // namespace embedded_host
 
+namespace {
+
+using namespace embedded_host;
+
+struct Callee {
+  Function const* function = nullptr;  // null: there is none
+  ClassPtr owner = nullptr;            // of a constructor, which lives as long as its class
+};
+
+// What a name alone calls in the current VM.
+Callee findCallee(std::string_view name) {
+  VmContext* const vm = VmContext::current();
+  if (!vm) return {};
+  if (Function const* const function = vm->functions().find(name)) return {function};
+  ClassPtr definition = vm->classes().find(name);
+  if (!definition || !definition->constructor) return {};
+  return {&definition->constructor, definition};
+}
+
+}  // namespace
+
+bool Tdispatcher::has(std::string_view name) { return findCallee(name).function != nullptr; }
+
 bool Tdispatcher::call(std::string_view name, int nlhs, txArrayPtr* plhs,
                        std::span<txArray const* const> args) {
-  using namespace embedded_host;
-  VmContext* const vm = VmContext::current();
-  if (!vm) return false;
-  if (Function const* const function = vm->functions().find(name)) {
-    callFunction(*function, nlhs, plhs, args);
-    return true;
-  }
-  ClassPtr const definition = vm->classes().find(name);
-  if (!definition || !definition->constructor) return false;
-  callFunction(definition->constructor, nlhs, plhs, args);
+  Callee const callee = findCallee(name);
+  if (!callee.function) return false;
+  callFunction(*callee.function, nlhs, plhs, args);
   return true;
 }

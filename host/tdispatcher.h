@@ -14,4 +14,6 @@ class TV_EXPORT Tdispatcher {
   // nothing called, when there is none; errors raised by the function reach the caller.
   static bool call(std::string_view name, int nlhs, txArrayPtr* plhs,
                    std::span<txArray const* const> args);
+  // Whether there is such a function.
+  static bool has(std::string_view name);
 };

@@ -109,30 +109,45 @@ TEST_F(ClassDispatch, PrototypeWithoutMethodsHasResultBuiltAndCast) {
 }
 
 TEST_F(ClassDispatch, WhatTheClassCannotStandForIsRefused) {
-  defineLength({});
   struct Row {
+    Offers offers;
     txBuiltin builtin;
     Args arguments;
     char const* identifier;
     char const* texts = "";
   };
+  constexpr Offers kCast{}, kNothing{.constructor = false};
+  defineLength({});
   Row rows[] = {
-      {rand, args("like", length(typed<bool>(1))), "TALVOR:rand:invalidPrototype"},
-      {rand, args("like", length(typed<int>(1))), "TALVOR:rand:invalidPrototype"},
-      {rand, args("like", length(nullptr)), "TALVOR:rand:invalidPrototype"},
-      {rand, args("like", length(sparseScalar(1))), "TALVOR:rand:sparsePrototype"},
-      {randi, args(6, "like", length(typed<std::int64_t>(1))), "TALVOR:randi:invalidOutputType",
-       "Length"},
-      {randi, args(6, "like", length(nullptr)), "TALVOR:randi:invalidPrototype"},
-      {randi, args(6, "like", length(toArgument("text"))), "TALVOR:randi:invalidPrototype"},
-      {rand, args(2, "Length"), "TALVOR:rand:invalidOutputType"},
-      {randi, args(2, "Length"), "TALVOR:randi:invalidClassname"},
+      {kCast, rand, args("like", length(typed<bool>(1))), "TALVOR:rand:invalidPrototype"},
+      {kCast, rand, args("like", length(typed<int>(1))), "TALVOR:rand:invalidPrototype"},
+      {kCast, rand, args("like", length(nullptr)), "TALVOR:rand:invalidPrototype"},
+      {kCast, rand, args("like", length(sparseScalar(1))), "TALVOR:rand:sparsePrototype"},
+      {kCast, randi, args(6, "like", length(typed<std::int64_t>(1))),
+       "TALVOR:randi:invalidOutputType", "Length"},
+      {kCast, randi, args(6, "like", length(nullptr)), "TALVOR:randi:invalidPrototype"},
+      {kCast, randi, args(6, "like", length(toArgument("text"))), "TALVOR:randi:invalidPrototype"},
+      {kCast, rand, args(2, "Length"), "TALVOR:rand:invalidOutputType"},
+      {kCast, randi, args(2, "Length"), "TALVOR:randi:invalidClassname"},
+      // Nothing to pass a result through.
+      {kNothing, rand, args(2, "like", length(row({1}))), "TALVOR:rand:invalidPrototype"},
+      {kNothing, randn, args("like", length(typed<float>(1))), "TALVOR:randn:invalidPrototype"},
+      {kNothing, randi, args(6, "like", length(typed<bool>(1))), "TALVOR:randi:invalidPrototype"},
+      {kNothing, rand, args("like", length(sparseScalar(1))), "TALVOR:rand:sparsePrototype"},
   };
   std::size_t const before = globalState();
   for (Row const& row : rows) {
     SCOPED_TRACE(&row - rows);
-    EXPECT_EQ(identifierOf([&] { call(row.builtin, row.arguments); }), row.identifier);
-    EXPECT_EQ(argumentsOf([&] { call(row.builtin, row.arguments); }), row.texts);
+    defineLength(row.offers);
+    try {
+      call(row.builtin, row.arguments);
+      ADD_FAILURE() << "accepted";
+    } catch (foundation::core::except::AnyException const& error) {
+      auto const& id = error.GetBaseMsgIDObj();
+      EXPECT_EQ(error.GetID(), row.identifier);
+      EXPECT_EQ(argumentsOf(id), row.texts);
+      EXPECT_EQ(id.faultyArgument(), static_cast<int>(row.arguments.size()));
+    }
   }
   EXPECT_EQ(globalState(), before);
 }
