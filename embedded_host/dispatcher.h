@@ -38,8 +38,9 @@ TV_EXPORT void callFunction(Function const& function, int nlhs, txArrayPtr* plhs
                             std::span<txArray const* const> args);
 
 // What a call name(args...) in the host language means: the method of the first argument that is an
-// object whose class has that method, else the function, else the constructor of the class of that
-// name. Returns false, with nothing called, when there is none.
+// object whose class has that method and takes the call (ClassDefinition::objectFirst), else the
+// function, else the constructor of the class of that name. Returns false, with nothing called,
+// when there is none.
 TV_EXPORT bool dispatch(std::string_view name, int nlhs, txArrayPtr* plhs,
                         std::span<txArray const* const> args);
 

@@ -33,6 +33,9 @@ struct ClassDefinition {
   // Instances are handles: shares of an object are the same object, and a change through one is
   // seen through all. Otherwise an instance is a value, copied when it is changed.
   bool handle = false;
+  // A call is one of a method where its first argument is an instance. Otherwise an instance
+  // anywhere among the arguments makes it one.
+  bool objectFirst = false;
   // Makes an instance; called for name(args...).
   Function constructor = {};
   // Called with the object among the arguments.

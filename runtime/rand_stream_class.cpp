@@ -292,7 +292,8 @@ void list(int nlhs, txArrayPtr* plhs, int nrhs, txArray const** /*prhs*/) {
 }  // namespace
 
 void addRandStreamClass(SharedLoaded const& loaded) {
-  ClassDefinition definition{.name = kClassName, .handle = true};
+  // An object behind the first argument is one of the builtin's, such as rand(2,'like',s).
+  ClassDefinition definition{.name = kClassName, .handle = true, .objectFirst = true};
   definition.constructor = [loaded](int nlhs, txArrayPtr* plhs, int nrhs, txArray const** prhs) {
     constructor(*loaded, nlhs, plhs, std::span(prhs, static_cast<std::size_t>(nrhs)));
   };

@@ -198,4 +198,23 @@ TEST_F(Methods, DispatchPrefersMethodThenFunctionThenConstructor) {
   EXPECT_FALSE(dispatch("minus", 1, &result_, one));
 }
 
+TEST_F(Methods, OfAnObjectInFrontLeaveOtherCallsToFunctions) {
+  vm_.classes().add({.name = "Meter", .objectFirst = true, .methods = {{"plus", counter(500)}}});
+  txArrayPtr const meter = makeObject(vm_.classes().find("Meter"));
+  std::vector<txArray const*> const inFront{meter.get(), number_.get()};
+  std::vector<txArray const*> const behind{number_.get(), meter.get()};
+  EXPECT_TRUE(dispatch("plus", 1, &result_, inFront));
+  EXPECT_EQ(result_->scalarAsDouble(), 502);
+  EXPECT_TRUE(dispatch("plus", 1, &result_, behind));
+  EXPECT_EQ(result_->scalarAsDouble(), 2);
+}
+
+TEST_F(Methods, NamesThatCanBeCalledAreKnownBeforehand) {
+  vm_.classes().add({.name = "Abstract"});
+  EXPECT_TRUE(Tdispatcher::has("plus"));
+  EXPECT_TRUE(Tdispatcher::has("Gauge"));
+  EXPECT_FALSE(Tdispatcher::has("Abstract"));
+  EXPECT_FALSE(Tdispatcher::has("minus"));
+}
+
 }  // namespace
