@@ -32,10 +32,6 @@ constexpr ComponentType kTypes[legacy_plugin::kComponents] = {
 
 }  // namespace
 
-char const* legacy_plugin::normalName(std::uint32_t normalSelector) noexcept {
-  return normalSelector == kV4 ? "V4 (polar)" : "V5 (ziggurat)";
-}
-
 std::uint32_t legacy_plugin::v4Seeded(std::uint32_t seed) noexcept {
   const std::uint32_t word = exchangeHalves(seed);
   if (word == 0) return tfl_rng::kMinimalStandardDefault;
@@ -138,13 +134,13 @@ void legacy_plugin::setFullPrecision(bool /*on*/) {
 bool legacy_plugin::setRandnAlg(char const* algorithm) {
   const std::uint32_t selector = generators_.normalSelector;
   const bool matches = (selector == kV4 || selector == kV5) &&
-                       ascii_case::equal(algorithm ? algorithm : "", normalName(selector));
+                       ascii_case::equal(algorithm ? algorithm : "", getDefaultRandnAlg());
   if (!matches) errors::raise(TALVOR::RandStream::set::LegacyNormalTransform());
   return true;
 }
 
 char const* legacy_plugin::getDefaultRandnAlg() const {
-  return normalName(generators_.normalSelector);
+  return generators_.normalSelector == kV4 ? "V4 (polar)" : "V5 (ziggurat)";
 }
 
 }  // namespace plugin_rng

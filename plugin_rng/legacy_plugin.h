@@ -26,6 +26,9 @@ class legacy_plugin : public IPluginRNGRandn {
 
   enum Selector : std::uint32_t { kV4 = 1, kV5 = 2, kTwister = 3 };
 
+  // The type of its streams.
+  static constexpr char kType[] = "legacy";
+
   // The components of the state.
   enum Component : std::size_t {
     kSelectors,       // 2 uint32: uniform, normal
@@ -36,10 +39,6 @@ class legacy_plugin : public IPluginRNGRandn {
     kV5Normal,        // 2 doubles: congruential and shift-register word
     kComponents,
   };
-
-  // The name of a normal generator as a method for normals: "V4 (polar)" for kV4, else
-  // "V5 (ziggurat)".
-  static char const* normalName(std::uint32_t normalSelector) noexcept;
 
   // Twister and V5 normals selected, every generator seeded as by seed 0.
   legacy_plugin() = default;
@@ -64,6 +63,7 @@ class legacy_plugin : public IPluginRNGRandn {
   void setFullPrecision(bool on) override;
   // Accepts the name of the selected normal generator. Error: set:LegacyNormalTransform.
   bool setRandnAlg(char const* algorithm) override;
+  // That name: "V4 (polar)", else "V5 (ziggurat)".
   char const* getDefaultRandnAlg() const override;
   void destroy() override { delete this; }
 

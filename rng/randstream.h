@@ -113,8 +113,8 @@ class TV_EXPORT randstream {
                               unsigned long* lengths) const;
   // Copies component i to dest[i]. Errors: get:InvalidNumStateComponents.
   void getStateComponents(unsigned long count, void* const* dest) const;
-  // Loads all components, or none. Errors: set:InvalidNumStateComponents and the generator's
-  // InvalidState.
+  // Loads all components, or none; the method for normals of a legacy stream is the one that its
+  // state selects. Errors: set:InvalidNumStateComponents and the generator's InvalidState.
   void setStateComponents(unsigned long count, void const* const* src);
   unsigned long getStateBufLen() const;  // in bytes
   // Errors: get:InvalidStateBufLen.

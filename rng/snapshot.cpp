@@ -25,7 +25,6 @@ namespace {
 constexpr std::string_view kMagic = "tvmathrng-snapshot ";
 constexpr std::string_view kVersion = "1";
 constexpr std::string_view kChecksumLine = "\ncrc32 ";
-constexpr char kLegacy[] = "legacy";
 constexpr std::size_t kLineBytes = 32;  // of elements in a line of the state
 
 // CRC-32 as of gzip and zlib: polynomial 0x04C11DB7 reflected, all ones before and after.
@@ -141,11 +140,6 @@ class Lines {
 // What the operations of a stream do not show of it.
 class StreamContents {
  public:
-  // The method that makes the normals now: a native one that follows from the generator's state may
-  // have another name than the one last set.
-  static char const* normals(randstream const& s) {
-    return s.nativeNormals_ ? s.normalView_->getDefaultRandnAlg() : s.getRandnAlg();
-  }
   static std::optional<double> pending(randstream const& s) {
     return s.pendingNormalValid_ ? std::optional(s.pendingNormal_) : std::nullopt;
   }
@@ -201,8 +195,9 @@ void readComponent(Lines& lines, StateClass const& elementClass, std::size_t len
 
 std::unique_ptr<randstream> newStream(std::string const& generator, std::uint32_t seed,
                                       std::uint64_t numStreams, std::uint64_t streamIndex) {
-  if (generator == kLegacy)
-    return makeStream(kLegacy, seed, PluginOwner(new plugin_rng::Own<plugin_rng::legacy_plugin>),
+  using plugin_rng::legacy_plugin;
+  if (generator == legacy_plugin::kType)
+    return makeStream(legacy_plugin::kType, seed, PluginOwner(new plugin_rng::Own<legacy_plugin>),
                       numStreams, streamIndex);
   return std::unique_ptr<randstream>(
       mrCreateRNGStream(generator.c_str(), numStreams, streamIndex, seed, nullptr, 0));
@@ -263,7 +258,7 @@ std::string takeSnapshot(randstream const& stream) {
   line("substream", std::to_string(stream.getSubstream() + 1));
   line("antithetic", truth(stream.antithetic()));
   line("full-precision", truth(stream.fullPrecision()));
-  line("normals", StreamContents::normals(stream));
+  line("normals", stream.getRandnAlg());
   line("pending",
        pending ? toHex(std::bit_cast<std::uint64_t>(*pending), sizeof *pending) : "none");
   line("components", std::to_string(components.count()));

@@ -1,8 +1,11 @@
 // Saving and restoring the state of a stream's generator.
 
 #include <cstddef>
+#include <string_view>
 
 #include "errors/keys.h"
+#include "host/strings.h"
+#include "plugin_rng/legacy_plugin.h"
 #include "rng/guard.h"
 #include "rng/in_use.h"
 #include "rng/randstream.h"
@@ -47,6 +50,10 @@ void randstream::setStateComponents(unsigned long count, void const* const* src)
     errors::raise(set::InvalidNumStateComponents(generatorType()));
   guarded([&] { plugin_->setStateComponents(src); });
   ++counts_.moves;
+  // The legacy generators have their method for normals in their state.
+  if (ownView_ && normalView_ &&
+      std::string_view(generatorType_) == plugin_rng::legacy_plugin::kType)
+    utStrncpy(randnAlg_, normalView_->getDefaultRandnAlg(), kNameSize - 1);
 }
 
 unsigned long randstream::getStateBufLen() const {

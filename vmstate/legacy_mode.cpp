@@ -39,8 +39,8 @@ struct HostAllocator {
 
 std::shared_ptr<randstream> makeLegacyStream() {
   auto plugin = std::make_unique<plugin_rng::Own<legacy_plugin>>();
-  auto stream = std::allocate_shared<randstream>(HostAllocator<randstream>(), "legacy", 0u,
-                                                 plugin.get(), 1ul, 0ul);
+  auto stream = std::allocate_shared<randstream>(HostAllocator<randstream>(), legacy_plugin::kType,
+                                                 0u, plugin.get(), 1ul, 0ul);
   std::ignore = plugin.release();  // the stream's from here on
   return stream;
 }
@@ -103,7 +103,6 @@ void activate(LegacyGenerator generator, LegacyState& state,
   const bool normal = isNormal(generator);
   (normal ? state.selectors.normal : state.selectors.uniform) = selectorOf(generator);
   state.store(*legacy);
-  if (normal) legacy->setRandnAlg(legacy_plugin::normalName(state.selectors.normal));
   if (findGlobalRandStream() == legacy) return;
   setGlobalRandStream(legacy);
   txWarningMsgId(TALVOR::RandStream::ActivatingLegacyGenerators(normal ? "RANDN" : "RAND",
