@@ -50,6 +50,7 @@ Source generatorSource(Generator const& generator, bool full) {
 class LegacyVm {
  public:
   LegacyVm(char const* keyword, std::uint32_t seed) : inside_(vm_.context()) {
+    vm_.context().useSettingsFile({});
     vm_.context().setWarningSink([](auto const&, std::string const&) {});
     vm_.call("rand", {txCreateText(keyword).get(), txCreateDouble(seed).get()}, 0);
   }

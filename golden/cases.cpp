@@ -130,7 +130,7 @@ unsigned familyOf(std::string_view generator) {
 void computeDraws(std::string_view generator, TakeRow const& take) {
   unsigned const family = familyOf(generator);
   runtime::Vm vm;
-  vm.context().useSettingsFile("/");  // no file: what the user has set is of no account
+  vm.context().useSettingsFile({});  // what the user has set is of no account
   vm.context().setWarningSink([](auto const&, std::string const&) {});
   vm.evaluate("type = '" + std::string(generator) + "';");
   for (Case const& row : kCases) {

@@ -67,6 +67,7 @@ Traits legacyTraits() {
 // The legacy stream belongs to a virtual machine, which lives as long as the stream is used.
 std::shared_ptr<randstream> legacyStream(std::uint32_t seed) {
   auto const vm = std::make_shared<runtime::Vm>();
+  vm->context().useSettingsFile({});  // what the user has set is of no account
   // It warns of the switch, which is what is wanted here.
   vm->context().setWarningSink([](auto const&, std::string const&) {});
   vm->evaluate(fmt::format("rand('{0}',{1}); randn('{0}',{1});", kLegacyKeyword, seed));

@@ -100,10 +100,12 @@ bool drawsGlobally(LegacyGenerator generator, LegacyState const& state,
 // Selects `generator`, whose component is in place, in the legacy stream and makes that global.
 void activate(LegacyGenerator generator, LegacyState& state,
               std::shared_ptr<randstream> const& legacy) {
+  // A machine whose global stream cannot be made is in no mode at all.
+  const bool entering = acquireGlobalRandStream() != legacy;
   const bool normal = isNormal(generator);
   (normal ? state.selectors.normal : state.selectors.uniform) = selectorOf(generator);
   state.store(*legacy);
-  if (findGlobalRandStream() == legacy) return;
+  if (!entering) return;
   setGlobalRandStream(legacy);
   txWarningMsgId(TALVOR::RandStream::ActivatingLegacyGenerators(normal ? "RANDN" : "RAND",
                                                                 legacyKeyword(generator)));

@@ -37,7 +37,7 @@ std::shared_ptr<randstream> acquireLegacyRandStream();
 
 // Each of these sets one generator, makes it the one that draws its distribution, and enters legacy
 // mode; entering issues the warning "TALVOR:RandStream:ActivatingLegacyGenerators". A failure
-// changes nothing.
+// changes nothing; that of making the global stream, where there is none yet, is one.
 
 // Seeds the generator: the "seed" ones with the value itself, the others with its low 32 bits.
 void seedLegacyGenerator(LegacyGenerator generator, double seed);
