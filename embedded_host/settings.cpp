@@ -3,10 +3,10 @@
 #include <toml++/toml.h>
 
 #include <cstdlib>
-#include <fstream>
 
 #include "embedded_host/embedded_text.h"
 #include "embedded_host/messages.h"
+#include "embedded_host/settings_file.h"
 #include "embedded_host/text.h"
 #include "embedded_host/vm_context.h"
 
@@ -29,7 +29,7 @@ class Group final : public settings::core::Settings {
 
   std::shared_ptr<Settings> getSettingsByFullName(std::string_view name) const override {
     std::string const full = name_.empty() ? std::string(name) : name_ + '.' + std::string(name);
-    if (!tableOf(levels_->factory, full) && !tableOf(levels_->user, full)) return nullptr;
+    if (!tableOf(levels_->factory, full)) return nullptr;
     return std::make_shared<Group>(levels_, full);
   }
 
@@ -70,40 +70,25 @@ class Group final : public settings::core::Settings {
   std::string name_;
 };
 
-toml::table readUserFile(std::filesystem::path const& file) {
-  std::error_code status;
-  if (!std::filesystem::exists(file, status)) return {};
-  // Asked for first: opening a folder succeeds, opening a pipe waits.
-  std::ifstream stream;
-  if (std::filesystem::is_regular_file(file, status)) stream.open(file, std::ios::binary);
-  if (!stream.is_open()) raiseHostError("TALVOR:settings:UnreadableFile", file.string());
-  try {
-    return toml::parse(stream, file.string());
-  } catch (toml::parse_error const& error) {
-    auto const& at = error.source().begin;
-    raiseHostError("TALVOR:settings:BrokenFile", file.string(), at.line, at.column,
-                   error.description());
-  }
-}
-
 }  // namespace
 
-std::optional<std::filesystem::path> userSettingsFile() {
+std::optional<UserSettingsFile> userSettingsFile() {
   auto const variable = [](char const* name) -> std::optional<std::filesystem::path> {
     char const* const value = std::getenv(name);
     return value && *value ? std::optional<std::filesystem::path>(value) : std::nullopt;
   };
-  if (auto file = variable("TVRNG_SETTINGS")) return file;
-  if (auto const folder = variable("XDG_CONFIG_HOME")) return *folder / "tvrng/settings.toml";
-  if (auto const home = variable("HOME")) return *home / ".config/tvrng/settings.toml";
+  constexpr char kFile[] = "tvrng/settings.toml";
+  if (auto const file = variable("TVRNG_SETTINGS")) return UserSettingsFile{*file, true};
+  if (auto const folder = variable("XDG_CONFIG_HOME")) return UserSettingsFile{*folder / kFile};
+  if (auto const home = variable("HOME")) return UserSettingsFile{*home / ".config" / kFile};
   return std::nullopt;
 }
 
 std::shared_ptr<settings::core::Settings> readSettings(
-    std::optional<std::filesystem::path> const& userFile) {
+    std::optional<UserSettingsFile> const& userFile) {
   auto levels = std::make_shared<Levels>();
   levels->factory = toml::parse(kFactorySettings);
-  if (userFile) levels->user = readUserFile(*userFile);
+  if (userFile) levels->user = readSettingsFile(*userFile, levels->factory);
   return std::make_shared<Group>(std::move(levels), "");
 }
 

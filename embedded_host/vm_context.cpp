@@ -52,7 +52,7 @@ struct VmContext::State {
   Records records;
   Functions functions;
   Classes classes;
-  std::optional<std::filesystem::path> settingsFile;
+  std::optional<UserSettingsFile> settingsFile;
   std::shared_ptr<settings::core::Settings> settings;
   WarningSink warningSink;
   // The thread that is in the VM, by the address of a variable of its own, and how many times.
@@ -82,7 +82,7 @@ std::shared_ptr<settings::core::Settings> VmContext::settings() {
 }
 
 void VmContext::useSettingsFile(std::filesystem::path file) {
-  state_->settingsFile = std::move(file);
+  state_->settingsFile = UserSettingsFile{std::move(file)};
   reloadSettings();
 }
 

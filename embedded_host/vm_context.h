@@ -37,7 +37,8 @@ class TV_EXPORT VmContext {
   // The settings, read at their first use in this VM and kept. A broken user file is an error of
   // each use until it is mended.
   std::shared_ptr<settings::core::Settings> settings();
-  // Uses this user file from now on instead of the one that the environment names.
+  // Uses this user file from now on instead of the one that the environment names; one that is
+  // missing, such as an empty path, leaves the settings as shipped.
   void useSettingsFile(std::filesystem::path file);
   // Reads the settings again at their next use.
   void reloadSettings() noexcept;

@@ -28,9 +28,11 @@ class Runner:
     def __init__(self, tvrng):
         self.tvrng = pathlib.Path(tvrng).resolve()
         self.home = tempfile.TemporaryDirectory()
+        settings = pathlib.Path(self.home.name, "settings.toml")
+        settings.touch()
         self.environment = dict(os.environ, COLUMNS="80", HOME=self.home.name, LC_ALL="C.UTF-8",
                                 EXAMPLES=str(ROOT / "examples"),
-                                TVRNG_SETTINGS=self.home.name + "/settings.toml",
+                                TVRNG_SETTINGS=str(settings),
                                 PATH=f"{self.tvrng.parent}:{os.environ['PATH']}")
 
     def run(self, arguments, text=""):
