@@ -26,6 +26,15 @@ std::optional<std::u16string> classNamedBy(txArray const& value) {
   return name ? name : tcos::namedClass(value);
 }
 
+// The class of this name in small letters, when it can be filled; "" otherwise.
+std::string fillableInSmallLetters(Grammar const& grammar, std::u16string name) {
+  std::ranges::transform(name, name.begin(), [](char16_t c) {
+    return c >= u'A' && c <= u'Z' ? static_cast<char16_t>(c - u'A' + u'a') : c;
+  });
+  bool const canFill = grammar.canFill(tcos::builtinClass(name));
+  return canFill ? std::string(name.begin(), name.end()) : std::string();
+}
+
 bool prototypeTakesCall(Grammar const& grammar, int nlhs, txArrayPtr* plhs,
                         txArray const& prototype, Arguments const& before) {
   InlineBuffer<txArray const*> withPrototype(before.size() + 1);
@@ -70,7 +79,7 @@ std::optional<Output> parseClassName(Grammar const& grammar, int nlhs, txArrayPt
       tcos::callStaticMethod(name, grammar.method, nlhs, plhs,
                              args.subrange(0, output.argumentsBefore).values))
     return std::nullopt;
-  grammar.unknownClass(position);
+  grammar.unknownClass(position, fillableInSmallLetters(grammar, std::u16string(name)));
   return std::nullopt;
 }
 
@@ -84,7 +93,7 @@ std::optional<Output> parseOutput(Grammar const& grammar, int nlhs, txArrayPtr* 
     txArray const& last = *args.values.back();
     if (std::optional<std::u16string> const name = classNamedBy(last))
       return parseClassName(grammar, nlhs, plhs, args, *name);
-    if (last.isText()) grammar.unknownClass(args.position(args.size() - 1));
+    if (last.isText()) grammar.unknownClass(args.position(args.size() - 1), "");
   }
   return Output{args.size()};
 }

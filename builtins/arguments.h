@@ -27,7 +27,8 @@ struct Grammar {
   bool (*canFill)(txClassID);
   // Raises for a class name that is refused before any class is asked; null: there is none.
   void (*checkName)(std::u16string_view name, int position);
-  RaiseAt unknownClass;
+  // Raises for a class that cannot be filled; `meant` is one that can, or empty.
+  void (*unknownClass)(int position, std::string_view meant);
   RaiseAt objectPrototype;  // an object around nothing numeric, or of a class that makes none
   void (*prototypeClass)(txArray const& prototype, int position);
   RaiseAt sparsePrototype;

@@ -27,7 +27,7 @@ constexpr Grammar integerGrammar() {
                 if (name == u"uint64")
                   errors::raise(typename Keys::invalidOutputType(u"uint64"), position);
               },
-          .unknownClass = raiseAt<typename Keys::unknownClass>,
+          .unknownClass = raiseUnknownClass<typename Keys::unknownClass>,
           .objectPrototype = raiseAt<typename Keys::invalidPrototype>,
           .prototypeClass =
               [](txArray const& prototype, int position) {

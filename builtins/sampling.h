@@ -37,6 +37,12 @@ void raiseAt(int position) {
   errors::raise(Key(), position);
 }
 
+template <class Key>
+void raiseUnknownClass(int position, std::string_view meant) {
+  if (meant.empty()) errors::raise(Key(), position);
+  errors::raiseAsking(Key(), position, meant);
+}
+
 template <class Distribution, class Entry>
 constexpr Grammar realGrammar() {
   using Keys = typename Entry::Keys;
@@ -47,7 +53,7 @@ constexpr Grammar realGrammar() {
       .leading = 0,
       .canFill = [](txClassID id) { return id == txClassDouble || id == txClassSingle; },
       .checkName = nullptr,
-      .unknownClass = raiseAt<typename Keys::unknownClass>,
+      .unknownClass = raiseUnknownClass<typename Keys::unknownClass>,
       .objectPrototype = raiseAt<typename Keys::invalidPrototype>,
       .prototypeClass = [](txArray const&,
                            int position) { raiseAt<typename Keys::invalidPrototype>(position); },

@@ -8,6 +8,7 @@
 #include <cstdint>
 #include <string>
 #include <string_view>
+#include <utility>
 
 #include "host/messages.h"
 
@@ -55,6 +56,16 @@ template <class K>
 [[noreturn]] void raise(K key, int faultyArgument = 0) {
   key.setFaultyArgument(faultyArgument);
   txErrMsgId(key);
+}
+
+// The same, its text followed by the question whether `meant` was meant.
+template <class K>
+[[noreturn]] void raiseAsking(K key, int faultyArgument, std::string_view meant) {
+  key.setFaultyArgument(faultyArgument);
+  std::string text = renderMessage(key);
+  text.append(" Did you mean '").append(meant).append("'?");
+  throw foundation::core::except::Exception<K, std::exception, void>(std::move(key),
+                                                                     std::move(text));
 }
 
 }  // namespace errors
