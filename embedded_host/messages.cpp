@@ -6,6 +6,7 @@
 
 #include <algorithm>
 #include <charconv>
+#include <cmath>
 #include <functional>
 #include <map>
 
@@ -98,13 +99,20 @@ class Catalogue {
   std::map<std::string, Message, std::less<>> rows_;
 };
 
+// An argument as users write it.
+std::string written(Argument const& argument) {
+  if (auto const* const text = std::get_if<std::string>(&argument)) return *text;
+  double const number = std::get<double>(argument);
+  if (std::isnan(number)) return "NaN";
+  if (std::isinf(number)) return number < 0 ? "-Inf" : "Inf";
+  return fmt::format("{}", number);
+}
+
 // Fills {0}, {1}, ... with the arguments and {family} with the last part of the path: the function,
 // generator or method that the identifier belongs to. Needs all arguments that the pattern has.
 std::string fillIn(std::string const& pattern, MessageId const& id) {
   fmt::dynamic_format_arg_store<fmt::format_context> values;
-  for (Argument const& argument : id.arguments()) {
-    std::visit([&](auto const& value) { values.push_back(value); }, argument);
-  }
+  for (Argument const& argument : id.arguments()) values.push_back(written(argument));
   std::string const family = id.path().substr(id.path().rfind(':') + 1);
   values.push_back(fmt::arg("family", family));
   return fmt::vformat(pattern, values);
@@ -115,7 +123,7 @@ std::string bareText(MessageId const& id) {
   std::string text = "There is no text for \"" + id.identifier() + "\"";
   for (std::size_t i = 0; i < id.arguments().size(); ++i) {
     text += i == 0 ? " with " : ", ";
-    std::visit([&](auto const& value) { text += fmt::format("{}", value); }, id.arguments()[i]);
+    text += written(id.arguments()[i]);
   }
   return text + '.';
 }
