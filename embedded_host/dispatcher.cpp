@@ -31,6 +31,15 @@ std::vector<std::string> Functions::names() const {
   return result;
 }
 
+void Functions::addAdvice(std::string name, std::string advice) {
+  advice_.insert_or_assign(std::move(name), std::move(advice));
+}
+
+std::string Functions::adviceFor(std::string_view name) const {
+  auto const found = advice_.find(name);
+  return found == advice_.end() ? std::string() : found->second;
+}
+
 void callFunction(Function const& function, int nlhs, txArrayPtr* plhs,
                   std::span<txArray const* const> args) {
   // The builtin signature lets a callee replace its argument pointers, so it gets its own.

@@ -29,8 +29,14 @@ class TV_EXPORT Functions {
   // In alphabetical order.
   std::vector<std::string> names() const;
 
+  // What those who call a name that is no function are told to write instead; "" where nothing was
+  // added for the name.
+  void addAdvice(std::string name, std::string advice);
+  std::string adviceFor(std::string_view name) const;
+
  private:
   std::map<std::string, Function, std::less<>> functions_;
+  std::map<std::string, std::string, std::less<>> advice_;
 };
 
 // Calls with the arguments in the form that the builtin signature wants.

@@ -15,9 +15,11 @@ bool Evaluator::isVariable(std::string const& name) const {
 }
 
 void Evaluator::unknownName(std::string const& name, SourceSpan span) const {
+  std::string hint = session_.vm_.functions().adviceFor(name);
   std::string const closest = embedded_host::closestName(name, session_.knownNames());
+  if (hint.empty() && !closest.empty()) hint = "did you mean " + closest + "?";
   raiseFaultAt(span, "unknownName", "There is no variable or function '" + name + "'.",
-               closest.empty() ? "" : "did you mean " + closest + "?");
+               std::move(hint));
 }
 
 void Evaluator::unknownMember(txArray const& object, Member const& node) const {

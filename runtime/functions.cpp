@@ -29,6 +29,10 @@ constexpr Row kBuiltins[] = {
     {"setDefaultRandStream", setDefaultRandStream},
 };
 
+// Names that users of other systems try.
+constexpr char const* kSeeding[] = {"rng", "seed", "srand", "setseed"};
+constexpr char kHowToSeed[] = "to seed the global stream: reset(RandStream.global(),5)";
+
 // [a, b, ...] = convertSizeArgToDouble(a, b, ...): objects whose class has a method "double" are
 // converted by it, everything else is handed back. Text is no size, so it stays text.
 void convertSizeArgToDouble(int nlhs, txArrayPtr* plhs, int nrhs, txArray const** prhs) {
@@ -43,6 +47,7 @@ void convertSizeArgToDouble(int nlhs, txArrayPtr* plhs, int nrhs, txArray const*
 void addFunctions(std::shared_ptr<Loaded> const& loaded) {
   embedded_host::Functions& functions = loaded->vm->functions();
   for (Row const& row : kBuiltins) functions.add(row.name, row.builtin);
+  for (char const* const name : kSeeding) functions.addAdvice(name, kHowToSeed);
   functions.add("talvor.internal.builtinhelper.convertSizeArgToDouble", convertSizeArgToDouble);
 }
 
