@@ -3,6 +3,7 @@
 #include <gmock/gmock.h>
 
 #include "builtins/builtins.h"
+#include "embedded_host/allocator.h"
 #include "embedded_host/messages.h"
 #include "embedded_host/object_system.h"
 #include "tests/support/calls.h"
@@ -179,6 +180,20 @@ TEST_F(ClassDispatch, ObjectsWithDoubleMethodAreConvertedTogether) {
   EXPECT_EQ(shapeOf(*call(rand, args(2, roman()))), "2x4 double");
   EXPECT_EQ(shapeOf(*call(randi, args(6, roman(), 2, "int8"))), "4x2 int8");
   EXPECT_EQ(identifierOf([&] { call(randn, args(roman(), "x", 1)); }), "TALVOR:randn:inputType");
+}
+
+// Nine sizes are kept in host memory while they are converted.
+TEST_F(ClassDispatch, ConvertedSizesLeaveNothingBehind) {
+  Args const sizes = args(1, 1, 1, 1, 1, 1, 1, "2", 1);
+  mrGetGlobalStream();
+  vm.context().functions().add("talvor.internal.builtinhelper.convertSizeArgToDouble",
+                               [](int nlhs, txArrayPtr* plhs, int, txArray const**) {
+                                 for (int i = 0; i < nlhs; ++i) plhs[i] = row({2});
+                               });
+  auto const blocks = [] { return embedded_host::allocationCounts().liveBlocks; };
+  auto const before = blocks();
+  EXPECT_EQ(numbers(*call(rand, sizes)).size(), 512U);
+  EXPECT_EQ(blocks(), before);
 }
 
 // A host without the conversion leaves such sizes as they are.

@@ -26,6 +26,7 @@ TEST(Text, IllFormedUtf8BecomesTheReplacementCharacter) {
   EXPECT_EQ(utf8ToUtf16("\xE0\x80\x80"), u"\uFFFD\uFFFD\uFFFD");  // overlong
   EXPECT_EQ(utf8ToUtf16("\xED\xA0\x80"), u"\uFFFD\uFFFD\uFFFD");  // surrogate
   EXPECT_EQ(utf8ToUtf16("\xF5z"), u"\uFFFDz");                    // beyond Unicode
+  EXPECT_EQ(utf8ToUtf16("\xF4\x90\x80\x80"), u"\uFFFD\uFFFD\uFFFD\uFFFD");
   EXPECT_EQ(utf8ToUtf16("\xE2\x82z"), u"\uFFFD\uFFFDz");
 }
 

@@ -96,6 +96,24 @@ TEST_F(Records, DestroyersFindTheirVmWithTheOlderRecordsStillThere) {
   EXPECT_TRUE(found);
 }
 
+TEST_F(Records, DestroyersMayAddAndEraseRecords) {
+  static std::size_t added, erased;
+  added = Store::getNextID(typeid(A));
+  erased = b;
+  VmContext vm;
+  EnterVm const inside(vm);
+  Store::findOrInsert(a, typeid(A), makeRecord, [](void* record) noexcept {
+    destroyRecord(record);
+    Store::findOrInsert(added, typeid(A), makeRecord, destroyRecord);
+    Store::erase(erased, typeid(B));
+  });
+  Store::findOrInsert(b, typeid(B), makeRecord, destroyRecord);
+  Store::erase(a, typeid(A));
+  EXPECT_THAT(destroyed, ElementsAre(1, 2));
+  EXPECT_EQ(Store::find(a, typeid(A)), nullptr);
+  EXPECT_NE(Store::find(added, typeid(A)), nullptr);
+}
+
 TEST_F(Records, WithoutAVmThereAreNone) {
   EXPECT_EQ(Store::find(a, typeid(A)), nullptr);
   Store::erase(a, typeid(A));
@@ -138,6 +156,7 @@ TEST(Vm, MovesBetweenThreadsButServesOneAtATime) {
   std::string whileInside, afterwards;
   {
     EnterVm const inside(vm);
+    { EnterVm const again(vm); }
     std::thread([&] { whileInside = identifierOf([&] { EnterVm const other(vm); }); }).join();
   }
   std::thread([&] { afterwards = identifierOf([&] { EnterVm const other(vm); }); }).join();

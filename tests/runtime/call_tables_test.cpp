@@ -108,6 +108,7 @@ class CallTable : public VmTest, public testing::WithParamInterface<Block> {
     functions.add("native_deletefcn", RandStream::deletefcn);
     functions.add("native_getset", RandStream::getset);
     functions.add("native_reset", RandStream::resetFcn);
+    functions.add("native_restore", RandStream::restoreFcn);
     functions.add("native_advance", RandStream::advance);
     functions.add("native_rand", RandStream::randstreamRand);
     functions.add("native_randn", RandStream::randn);

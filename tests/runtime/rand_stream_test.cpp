@@ -173,6 +173,19 @@ TEST_F(RandStreamClass, SourceTextOutOfMemoryIsASourceError) {
   EXPECT_GT(k, 10U);
 }
 
+TEST_F(RandStreamClass, OnlyObjectsOfTheClassBecomeTheGlobalStream) {
+  vm.context().classes().add({.name = "Other", .properties = {{.name = "StreamID"}}});
+  txArrayPtr const other = embedded_host::makeObject(vm.context().classes().find("Other"));
+  setProperty(*other, "StreamID", *txGetProperty(*make("mrg32k3a"), "StreamID"));
+  EXPECT_EQ(identifierOf([&] { run("RandStream.global", args(txShare(*other)), 0); }),
+            "TALVOR:RandStream:InvalidHandle");
+}
+
+TEST_F(RandStreamClass, CallsGiveOneOutputAtLeast) {
+  for (auto const& [nlhs, outputs] : {std::pair(0, 1U), {1, 1U}})
+    EXPECT_EQ(vm.call("rand", std::span<txArray const* const>(), nlhs).size(), outputs);
+}
+
 TEST_F(RandStreamClass, UnknownFunctionIsAnIdentifiedError) {
   EXPECT_EQ(identifierOf([&] { run("ramd"); }), "TALVOR:UndefinedFunction");
   EXPECT_EQ(identifierOf([&] { run("RandStream.ramd"); }), "TALVOR:UndefinedFunction");
