@@ -10,8 +10,7 @@ Limits parseLimits(txArray const& limits, void (*invalid)(int position), int pos
   if (!isNumericOrLogical(limits) || limits.isComplex()) invalid(position);
   if (limits.isScalar()) return {1, limits.scalarAsDouble()};
   if (limits.numel() != 2) invalid(position);
-  txArrayPtr const full = txToFull(limits);
-  txArrayPtr const values = txToDouble(*full);
+  txArrayPtr const values = txToDouble(limits);
   double const* const pair = values->dataAs<double>();
   return {pair[0], pair[1]};
 }

@@ -34,8 +34,7 @@ std::uint64_t checkSelected(PermutationErrors const& errors, double k, double n,
 }  // namespace
 
 std::uint64_t parsePermutationLength(txArray const& n, int position) {
-  txArrayPtr const full = txToFull(n);
-  txArrayPtr const asDouble = txToDouble(*full);
+  txArrayPtr const asDouble = txToDouble(n);
   return txArgMustBeIndices(*asDouble, position);
 }
 
