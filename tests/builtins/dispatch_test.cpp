@@ -182,6 +182,29 @@ TEST_F(ClassDispatch, ObjectsWithDoubleMethodAreConvertedTogether) {
   EXPECT_EQ(identifierOf([&] { call(randn, args(roman(), "x", 1)); }), "TALVOR:randn:inputType");
 }
 
+TEST_F(ClassDispatch, ConversionsThatGiveNothingLeaveTheObjectAsItIs) {
+  ClassDefinition definition{.name = "Roman"};
+  definition.methods["double"] = [](int, txArrayPtr*, int, txArray const**) {};
+  vm.context().classes().add(std::move(definition));
+  auto const roman = [&](txArrayPtr underlying) {
+    return embedded_host::makeObject(vm.context().classes().find("Roman"), std::move(underlying));
+  };
+  // The cell, which has no method, makes all sizes be converted.
+  try {
+    call(rand, args(roman(row({4})), cellOf(nullptr)));
+    ADD_FAILURE() << "accepted";
+  } catch (foundation::core::except::AnyException const& error) {
+    EXPECT_EQ(error.GetBaseMsgIDObj().faultyArgument(), 2);
+  }
+}
+
+TEST_F(ClassDispatch, SizesThatAreNumbersAreNotConverted) {
+  vm.context().functions().add("talvor.internal.builtinhelper.convertSizeArgToDouble",
+                               noting("convert"));
+  call(rand, args(2, typed<std::int8_t>(3), typed<bool>(1), sparseScalar(2)));
+  EXPECT_EQ(note, "");
+}
+
 // Nine sizes are kept in host memory while they are converted.
 TEST_F(ClassDispatch, ConvertedSizesLeaveNothingBehind) {
   Args const sizes = args(1, 1, 1, 1, 1, 1, 1, "2", 1);

@@ -37,6 +37,7 @@ TEST_F(Variants, DrawWhatTheHostLanguageDraws) {
       {[] { return mathrng::randVariant(3); }, "rand(3)"},
       {[] { return mathrng::randVariant(0.0); }, "rand(0)"},
       {[] { return mathrng::randVariant(-3); }, "rand(0)"},
+      {[] { return mathrng::randVariant(2, -0.5); }, "rand(2,0)"},
       {[] { return mathrng::randVariant(2, -1); }, "rand(2,0)"},
       {[] { return mathrng::randVariant(&kSizes); }, "rand(2,3,2)"},
       {[] { return mathrng::randnVariant(2); }, "randn(2)"},

@@ -47,7 +47,7 @@ TEST(Allocator, CountsLiveBlocksAndPeak) {
 
 #ifndef __SANITIZE_ADDRESS__
 TEST(Allocator, ReleasedLargeBlocksServeTheNextRequestOfTheirSize) {
-  constexpr std::size_t kBytes = 9 << 20;
+  constexpr std::size_t kBytes = 41 << 20;
   void* const first = txMallocEx(kBytes);
   EXPECT_EQ(reinterpret_cast<std::uintptr_t>(first) % (2 << 20), 0u);
   void* const second = txMallocEx(kBytes);
@@ -55,12 +55,23 @@ TEST(Allocator, ReleasedLargeBlocksServeTheNextRequestOfTheirSize) {
   std::memset(first, 'x', kBytes);
   txFreeEx(first);
   // A much smaller request must not tie up a large block.
-  void* const small = txMallocEx(4 << 20);
+  void* const small = txMallocEx(16 << 20);
   EXPECT_NE(small, first);
   void* const again = txMallocEx(kBytes - 4096);
   EXPECT_EQ(again, first);
   std::memset(again, 'y', kBytes - 4096);
   for (void* block : {second, small, again}) txFreeEx(block);
+}
+
+// As often as the blocks that are kept would fill all room for them.
+TEST(Allocator, LargeBlocksThatServeAgainAreNoLongerKept) {
+  void* const first = txMallocEx(64 << 20);
+  txFreeEx(first);
+  for (int i = 0; i < 20; ++i) {
+    void* const again = txMallocEx(64 << 20);
+    EXPECT_EQ(again, first) << i;
+    txFreeEx(again);
+  }
 }
 #endif
 

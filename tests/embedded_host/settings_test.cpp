@@ -135,6 +135,7 @@ TEST_F(Settings, WhatIsWrongWithAFileIsToldWithItsPlace) {
       {"[talvor.general]\nrandomnumbers = 7", "UnknownSetting", "general.randomnumbers\"", all},
       {group + "Generator = 7", "UnknownSetting", "randomnumbers.Generator\"", all},
       {"[own]", "UnknownSetting", "\"own\"", all},
+      {"x = \"\"\"\n\n\"\"\"\ny = " + std::string(40, '['), "TooDeep", "line 4"},
   };
   for (Row const& row : rows) {
     SCOPED_TRACE(row.text);
@@ -175,6 +176,7 @@ TEST_F(Settings, SizeAndDepthOfAFileAreBounded) {
            // What looks like the end of a text or comment, and is none.
            "x = \"\\\"\" # \"\ny = [\"\"\"\"\"\"\"\", {" + times(kFits, "a.") + "a = 1",
            "x = ['''a''''', {" + times(kFits, "a.") + "a = 1",
+           "x = ['\\', {" + times(kFits, "a.") + "a = 1",
        })
     EXPECT_EQ(told(deep), "TALVOR:settings:TooDeep") << deep.substr(0, 40);
   // Points within texts and comments, in other statements, and no more than the bound.
