@@ -16,8 +16,7 @@ constexpr char upper(char c) noexcept {
 
 // Equality without regard to case; a character beyond ASCII matches nothing but itself.
 constexpr bool equal(std::string_view a, std::string_view b) noexcept {
-  return std::equal(a.begin(), a.end(), b.begin(), b.end(),
-                    [](char x, char y) { return lower(x) == lower(y); });
+  return std::ranges::equal(a, b, {}, lower, lower);
 }
 
 }  // namespace ascii_case
