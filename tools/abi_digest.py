@@ -12,7 +12,7 @@ import re
 import sys
 import xml.etree.ElementTree as ElementTree
 
-HEADERS = re.compile(r"(?:\.\./)*(?:host/\w+|plugin_rng/interfaces|rng/randstream)\.h")
+HEADERS = re.compile(r"(?:.*/)?(?:host/\w+|plugin_rng/interfaces|rng/randstream)\.h")
 
 
 def type_names(tree):
@@ -53,7 +53,7 @@ def digest(tree):
             inner = [*scope, element.get("name") or "(unnamed)"]
         if element.tag in ("class-decl", "union-decl", "enum-decl"):
             whole = element.get("is-declaration-only") != "yes"
-            # Paths are relative to the build tree.
+            # Paths are relative to the build tree, or whole, as compiler and cache will have it.
             if whole and HEADERS.fullmatch(element.get("filepath") or "") and "<" not in inner[-1]:
                 entries["::".join(inner)] = list(describe(element, name))
         for child in element:
