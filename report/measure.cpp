@@ -3,6 +3,7 @@
 #include <cmath>
 #include <exception>
 #include <mutex>
+#include <system_error>
 #include <thread>
 
 #include "report/chances.h"
@@ -40,7 +41,11 @@ std::vector<Result> measureAll(Subject const& subject, Progress const& progress)
   };
   {
     std::vector<std::jthread> workers;
-    for (unsigned i = 1; i < std::thread::hardware_concurrency(); ++i) workers.emplace_back(work);
+    try {
+      for (unsigned i = 1; i < std::thread::hardware_concurrency(); ++i) workers.emplace_back(work);
+    } catch (std::system_error const&) {
+      // Fewer threads do the same work.
+    }
     work();
   }
   if (failure) std::rethrow_exception(failure);
