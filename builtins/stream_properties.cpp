@@ -163,7 +163,7 @@ bool isNamed(Property const& property, std::u16string_view given) {
   auto const lower = [](char16_t c) {
     return c >= u'A' && c <= u'Z' ? static_cast<char16_t>(c - u'A' + u'a') : c;
   };
-  return given.size() >= property.fewestCharacters && given.size() <= property.name.size() &&
+  return given.size() >= property.fewestCharacters &&
          std::ranges::equal(given, property.name.substr(0, given.size()), {}, lower);
 }
 

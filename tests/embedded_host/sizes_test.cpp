@@ -31,6 +31,12 @@ TEST(Sizes, LookThroughObjectsToTheirArray) {
     EXPECT_EQ(identifierOf([&] { countDims(wrong, dims); }), "TALVOR:size:NotNumeric");
 }
 
+TEST(Sizes, NoneMeanAScalar) {
+  std::uint64_t dims[2] = {7, 7};
+  EXPECT_EQ(txGetDims(0, nullptr, dims, 2), 2u);
+  EXPECT_THAT(dims, ElementsAre(1, 1));
+}
+
 TEST(Sizes, ErrorNamesTheArgumentAtFault) {
   std::uint64_t dims[2];
   try {
