@@ -2,6 +2,7 @@
 
 #include "language/fault.h"
 #include "language/indexing.h"
+#include "language/strings.h"
 
 namespace language {
 
@@ -9,12 +10,6 @@ namespace {
 
 [[noreturn]] void badIndex(std::string const& what, int position) {
   raiseFault("index", what, "indices are whole numbers from 1 up, a logical mask, or :", position);
-}
-
-std::string indexText(double value) {
-  char buffer[40];
-  std::snprintf(buffer, sizeof buffer, "%.15g", value);
-  return buffer;
 }
 
 }  // namespace
@@ -47,7 +42,7 @@ Subscript::Subscript(txArray const* index, int position) : whole_(!index), posit
           whole = whole && from[i] == std::floor(from[i]) && from[i] < T(0x1p63);
         }
         if (!whole) {
-          badIndex(indexText(static_cast<double>(from[i])) + " is no index.", position);
+          badIndex(numberText(static_cast<double>(from[i]), 15) + " is no index.", position);
         }
         at_[i] = static_cast<std::uint64_t>(from[i]) - 1;
       }
