@@ -18,6 +18,7 @@ add_custom_command(OUTPUT whole COMMAND ${{CMAKE_COMMAND}} -E cat ${{parts}} >wh
 add_custom_target(parts ALL DEPENDS whole)
 # What the Python package sees of the tree around it.
 include(GNUInstallDirs)
+include({root}/cmake/TvRooms.cmake)
 foreach(library tvmathrng tvhost tfl_rng)
   add_library(${{library}} INTERFACE)
 endforeach()

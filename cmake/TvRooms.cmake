@@ -1,0 +1,38 @@
+# Rooms and what is put together from them. A room is a folder of the source tree; its sources are
+# all .cpp files in it and in its kernels/, so that a new file needs no line here.
+
+# The sources of the current folder, but not the files named after `result`.
+function(tv_sources result)
+  file(GLOB sources CONFIGURE_DEPENDS *.cpp kernels/*.cpp)
+  list(TRANSFORM ARGN PREPEND ${CMAKE_CURRENT_SOURCE_DIR}/ OUTPUT_VARIABLE left_out)
+  list(REMOVE_ITEM sources ${left_out})
+  set(${result} ${sources} PARENT_SCOPE)
+endfunction()
+
+# tv_add_room(NAME [EXCEPT file...] [MORE file...] [LIBRARIES library...])
+# The current folder as the static library room_NAME: shared libraries take in all of it, programs
+# and tests what they need of it.
+function(tv_add_room name)
+  cmake_parse_arguments(ARG "" "" "EXCEPT;MORE;LIBRARIES" ${ARGN})
+  tv_sources(sources ${ARG_EXCEPT})
+  add_library(room_${name} STATIC ${sources} ${ARG_MORE})
+  target_link_libraries(room_${name} PUBLIC ${ARG_LIBRARIES})
+  if(NOT name MATCHES "^(tfl_rng|language)$")
+    set_target_properties(room_${name} PROPERTIES
+      CXX_VISIBILITY_PRESET hidden VISIBILITY_INLINES_HIDDEN ON)
+  endif()
+  # Calls inside a library need no detour by which another library could replace them.
+  target_compile_options(room_${name} PRIVATE -fno-semantic-interposition)
+endfunction()
+
+# tv_add_library(NAME ROOMS room... [LIBRARIES library...])
+# A shared library of whole rooms, over other shared libraries.
+function(tv_add_library name)
+  cmake_parse_arguments(ARG "" "" "ROOMS;LIBRARIES" ${ARGN})
+  list(TRANSFORM ARG_ROOMS PREPEND room_)
+  list(TRANSFORM ARG_ROOMS REPLACE "(.+)" "$<TARGET_OBJECTS:\\1>" OUTPUT_VARIABLE objects)
+  add_library(${name} SHARED ${objects})
+  # What the rooms themselves link comes with them.
+  target_link_libraries(${name} PUBLIC ${ARG_LIBRARIES} PRIVATE ${ARG_ROOMS})
+  target_link_options(${name} PRIVATE -Wl,-z,defs)
+endfunction()
