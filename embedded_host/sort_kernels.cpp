@@ -5,8 +5,6 @@
 #include <limits>
 #include <utility>
 
-// Vectors whose size is unknown to the compiler cannot stand in an array.
-#define HWY_DISABLED_TARGETS (HWY_SVE | HWY_SVE2 | HWY_SVE_256 | HWY_SVE2_128 | HWY_RVV)
 #undef HWY_TARGET_INCLUDE
 #define HWY_TARGET_INCLUDE "embedded_host/sort_kernels.cpp"
 #include <hwy/foreach_target.h>  // IWYU pragma: keep
