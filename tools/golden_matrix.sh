@@ -44,7 +44,7 @@ configure() { # name compiler flags
   esac
   # A build type without flags of its own. At -O3 compilers warn of what is none.
   cmake -S . -B "$(tree_of "$1")" -G Ninja -DCMAKE_CXX_COMPILER="$2" -DCMAKE_BUILD_TYPE=Golden \
-    -DCMAKE_CXX_FLAGS="$3" -DTV_EVERY_TARGET=$every_target -DTV_TESTS=OFF -DTV_WERROR=OFF
+    -DCMAKE_CXX_FLAGS="$3" -DTV_EVERY_TARGET=$every_target -DTV_TESTS=OFF
 }
 
 check() { # name, what is told of it, setting of the environment
