@@ -9,12 +9,23 @@ function(tv_sources result)
   set(${result} ${sources} PARENT_SCOPE)
 endfunction()
 
-# tv_add_room(NAME [EXCEPT file...] [MORE file...] [LIBRARIES library...])
+# Sources are compiled several at a time (CMAKE_UNITY_BUILD), which saves reading headers; not so
+# those that match the patterns here, because they give a meaning of their own to a name.
+function(tv_compile_alone)
+  if(ARGN)
+    file(GLOB alone CONFIGURE_DEPENDS ${ARGN})
+    set_source_files_properties(${alone} PROPERTIES SKIP_UNITY_BUILD_INCLUSION ON)
+  endif()
+endfunction()
+
+# tv_add_room(NAME [EXCEPT file...] [MORE file...] [ALONE file...] [LIBRARIES library...])
 # The current folder as the static library room_NAME: shared libraries take in all of it, programs
-# and tests what they need of it.
+# and tests what they need of it. Kernels are compiled alone: they include themselves once for each
+# instruction set.
 function(tv_add_room name)
-  cmake_parse_arguments(ARG "" "" "EXCEPT;MORE;LIBRARIES" ${ARGN})
+  cmake_parse_arguments(ARG "" "" "EXCEPT;MORE;ALONE;LIBRARIES" ${ARGN})
   tv_sources(sources ${ARG_EXCEPT})
+  tv_compile_alone(kernels/*.cpp ${ARG_ALONE})
   add_library(room_${name} STATIC ${sources} ${ARG_MORE})
   target_link_libraries(room_${name} PUBLIC ${ARG_LIBRARIES})
   if(NOT name MATCHES "^(tfl_rng|language)$")

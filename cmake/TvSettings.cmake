@@ -4,6 +4,7 @@ option(TV_TESTS "Build the tests" ON)
 option(TV_BENCHMARKS "Build the benchmarks and their peers" OFF)
 option(TV_FUZZ "Build the fuzzing programs with libFuzzer (clang)" OFF)
 option(TV_WERROR "Treat warnings as errors" OFF)
+option(CMAKE_UNITY_BUILD "Compile several sources of a room at a time" ON)
 set(TV_SANITIZE "" CACHE STRING "Sanitizers, for example address;undefined")
 
 if(NOT CMAKE_BUILD_TYPE AND NOT CMAKE_CONFIGURATION_TYPES)
