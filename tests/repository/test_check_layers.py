@@ -43,6 +43,7 @@ class CheckLayers(unittest.TestCase):
             ("builtins/a.cpp", "runtime/b.h", '"runtime/b.h"'),
             ("shell/a.cpp", "vmstate/b.h", '"vmstate/b.h"'),
             ("rng/a.cpp", "tests/b.h", '"tests/b.h"'),
+            ("tests/second_host/a.cpp", "embedded_host/b.h", '"embedded_host/b.h"'),
             ("rng/a.cpp", "rng/b.h", '"b.h"'),
             ("plugin_rng/other.h", "rng/b.h", "<tbb/parallel_for.h>"),
             ("rng/a.h", "rng/b.h", "<boost/shared_ptr.hpp>"),
@@ -58,6 +59,7 @@ class CheckLayers(unittest.TestCase):
         status, out = run_check({
             "plugin_rng/parallel_fill.h": "#include <tbb/parallel_for.h>\n",
             "embedded_host/settings.cpp": "#include <toml++/toml.h>\n",
+            "tests/second_host/a_test.cpp": "#include <gtest/gtest.h>\n",
         })
         self.assertEqual(status, 0, out)
 
