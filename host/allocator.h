@@ -1,7 +1,7 @@
 #pragma once
 
 // The host's allocator. Everything that crosses the border between the host and the library
-// (arrays, streams, strings) comes from it and goes back to it.
+// (arrays, streams, strings) comes from it and goes back to it, on any thread, in a VM or not.
 
 #include <cstddef>
 #include <limits>

@@ -1,7 +1,8 @@
 #pragma once
 
 // The host's exception framework. An error is a message identifier with arguments; its text comes
-// from the host's message catalogue (host/messages.h).
+// from the host's message catalogue (host/messages.h). The host defines the two destructors, and
+// with them the types that errors are caught by.
 
 #include <exception>
 #include <memory>

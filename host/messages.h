@@ -9,7 +9,7 @@
 #include "host/export.h"
 
 // The text of a message: the catalogue's, with the arguments filled in. Never throws for an
-// unknown identifier; its text then says so.
+// unknown identifier; its text then says so. Called on any thread, in a VM or not.
 TV_EXPORT std::string renderMessage(foundation::core::except::MessageId const& id);
 
 // Raises the error of a key.

@@ -134,7 +134,7 @@ TV_EXPORT std::u16string txArrayToU16String(txArray const& array);
 
 // Properties.
 
-// A copy of property `name` of an object; null when `object` has no such property.
+// A copy of property `name` of an object; null when `object` has no such property or is none.
 TV_EXPORT txArrayPtr txGetProperty(txArray const& object, std::string_view name);
 
 // Sizes and indices as arguments; the host owns their rules and errors.
