@@ -50,6 +50,7 @@ list(APPEND headers
   tfl_rng/convert.h
   tfl_rng/core_rng.h
   tfl_rng/elementary.h
+  tfl_rng/export.h
   tfl_rng/generator_catalogue.h
   tfl_rng/generators.def
   tfl_rng/normal_quantile.h

@@ -28,10 +28,6 @@ function(tv_add_room name)
   tv_compile_alone(kernels/*.cpp ${ARG_ALONE})
   add_library(room_${name} STATIC ${sources} ${ARG_MORE})
   target_link_libraries(room_${name} PUBLIC ${ARG_LIBRARIES})
-  if(NOT name MATCHES "^(tfl_rng|language)$")
-    set_target_properties(room_${name} PROPERTIES
-      CXX_VISIBILITY_PRESET hidden VISIBILITY_INLINES_HIDDEN ON)
-  endif()
   # Calls inside a library need no detour by which another library could replace them.
   target_compile_options(room_${name} PRIVATE -fno-semantic-interposition)
 endfunction()

@@ -8,13 +8,14 @@
 #include <vector>
 
 #include "host/except.h"
+#include "host/export.h"
 #include "language/token.h"
 
 namespace language {
 
 // The identifier of an error of the language: "TALVOR:language:<key>". Its text is made where it is
 // raised, where the names and sizes are known; `hint` says what would work.
-class Fault final : public foundation::core::except::MessageId {
+class TV_EXPORT Fault final : public foundation::core::except::MessageId {
  public:
   explicit Fault(std::string key, std::string hint = {})
       : MessageId("TALVOR:language", std::move(key)), hint_(std::move(hint)) {}
@@ -24,14 +25,14 @@ class Fault final : public foundation::core::except::MessageId {
   std::string hint_;
 };
 
-[[noreturn]] void raiseFault(char const* key, std::string message, std::string hint = {},
-                             int faultyArgument = 0);
+[[noreturn]] TV_EXPORT void raiseFault(char const* key, std::string message, std::string hint = {},
+                                       int faultyArgument = 0);
 
 // An error raised by a program with an identifier of its own.
 [[noreturn]] void raiseUserError(std::string identifier, std::string message);
 
 // Any host error, with the part of the source that it belongs to.
-class SourceError final : public std::exception {
+class TV_EXPORT SourceError final : public std::exception {
  public:
   // `whole` is the failing call or operation; `spot` the part at fault, the same when not known.
   SourceError(SourceSpan whole, SourceSpan spot,

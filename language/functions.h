@@ -6,6 +6,7 @@
 #include <string_view>
 #include <vector>
 
+#include "host/export.h"
 #include "host/tx_array.h"
 #include "language/session.h"
 #include "language/values.h"
@@ -55,7 +56,7 @@ FunctionTable statisticsFunctions();
 FunctionTable sortingFunctions();
 FunctionTable programFunctions();
 
-std::vector<FunctionTable> functionTables();
+TV_EXPORT std::vector<FunctionTable> functionTables();
 
 void registerFunctions(Session& session);
 void unregisterFunctions(Session& session) noexcept;

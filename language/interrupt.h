@@ -1,8 +1,10 @@
 #pragma once
 
+#include "host/export.h"
+
 namespace language {
 
 // True once after requestInterrupt (language/session.h).
-bool takeInterrupt() noexcept;
+TV_EXPORT bool takeInterrupt() noexcept;
 
 }  // namespace language

@@ -12,6 +12,7 @@
 #include <vector>
 
 #include "embedded_host/vm_context.h"
+#include "host/export.h"
 #include "host/tx_array.h"
 #include "language/fault.h"
 
@@ -31,7 +32,7 @@ class Output {
 
 // Adds the language's own functions to the VM's dispatcher, where they stay until the session ends.
 // The VM must be entered during every call and outlive the session.
-class Session {
+class TV_EXPORT Session {
  public:
   using Variables = std::map<std::string, txArrayPtr, std::less<>>;
 
@@ -91,6 +92,6 @@ class Session {
 
 // Ends the running program of this process at its next statement with the error
 // "TALVOR:language:interrupted"; may be called from a signal handler. Cleared by the next run.
-void requestInterrupt() noexcept;
+TV_EXPORT void requestInterrupt() noexcept;
 
 }  // namespace language

@@ -2,6 +2,7 @@
 
 // String arrays under the operators.
 
+#include "host/export.h"
 #include "language/operators.h"
 
 namespace language {
@@ -14,8 +15,8 @@ txArrayPtr applyToStrings(Operator op, txArray const& left, txArray const& right
 txArrayPtr toStrings(txArray const& value);
 
 // A number as text: up to `digits` significant ones, no trailing zeros; NaN, Inf, -Inf.
-std::string numberText(double value, int digits);
+TV_EXPORT std::string numberText(double value, int digits);
 // Element `index` of a full array of numbers, logicals or characters as text, complex ones too.
-std::string elementText(txArray const& value, std::uint64_t index, int digits);
+TV_EXPORT std::string elementText(txArray const& value, std::uint64_t index, int digits);
 
 }  // namespace language

@@ -15,6 +15,7 @@
 #include <vector>
 
 #include "embedded_host/array.h"
+#include "host/export.h"
 #include "host/tx_array.h"
 
 namespace language {
@@ -23,9 +24,9 @@ using embedded_host::Dims;
 using Shape = std::vector<std::uint64_t>;
 
 // "RandStream", "double", ...
-std::string classText(txArray const& value);
+TV_EXPORT std::string classText(txArray const& value);
 // "2x3"
-std::string sizeText(Dims dims);
+TV_EXPORT std::string sizeText(Dims dims);
 // "2x3 double"
 std::string describe(txArray const& value);
 std::string elementCountText(std::uint64_t count);  // "1 element", "3 elements"
@@ -117,30 +118,30 @@ To castElement(From value) {
 
 // The value as a full array of another class with elements; shares the data when nothing changes.
 // A complex value stays complex only in a float class; elsewhere it is an error.
-txArrayPtr convertClass(txArray const& value, txClassID target);
+TV_EXPORT txArrayPtr convertClass(txArray const& value, txClassID target);
 // The same value stored as complex.
 txArrayPtr toComplex(txArray const& value);
 // The same value stored as real when every imaginary part is 0.
 txArrayPtr dropZeroImaginary(txArrayPtr value);
 
 txArrayPtr makeDouble(double value);
-txArrayPtr emptyDouble();  // 0-by-0
+TV_EXPORT txArrayPtr emptyDouble();  // 0-by-0
 txArrayPtr makeText(std::string_view utf8);
 
 // Arguments of functions; `position` counts from 1 and goes into the error.
-std::string textArgument(txArray const& value, int position);
-double numberArgument(txArray const& value, int position);
+TV_EXPORT std::string textArgument(txArray const& value, int position);
+TV_EXPORT double numberArgument(txArray const& value, int position);
 // A whole number from `lowest` up.
-std::uint64_t countArgument(txArray const& value, int position, std::uint64_t lowest = 0);
+TV_EXPORT std::uint64_t countArgument(txArray const& value, int position, std::uint64_t lowest = 0);
 // Raises unless the value is numeric, logical or char; sparse ones come back full.
-txArrayPtr elementsArgument(txArray const& value, int position);
+TV_EXPORT txArrayPtr elementsArgument(txArray const& value, int position);
 // The same as numbers: text and logicals become double.
 txArrayPtr numbersArgument(txArray const& value, int position);
 // The same as double or single.
 txArrayPtr floatArgument(txArray const& value, int position);
 
 // The text of a char row or string scalar in UTF-8; empty text for every other value.
-bool isScalarText(txArray const& value);
-std::string utf8Of(txArray const& value);
+TV_EXPORT bool isScalarText(txArray const& value);
+TV_EXPORT std::string utf8Of(txArray const& value);
 
 }  // namespace language

@@ -5,6 +5,8 @@
 #include <cstddef>
 #include <cstdint>
 
+#include "tfl_rng/export.h"
+
 namespace tfl_rng {
 
 // Outcome of an operation that moves a core.
@@ -17,7 +19,7 @@ enum errorID : int {
 
 // A generator of uniform doubles. A draw is one double in the current precision mode and takes a
 // fixed number of raw outputs. Used by one thread at a time; copies are independent.
-class CoreRNG {
+class TFL_EXPORT CoreRNG {
  public:
   virtual ~CoreRNG() = default;
 
@@ -39,7 +41,7 @@ class CoreRNG {
 };
 
 // A core with its own method for normals.
-class CoreNormalRNG : public CoreRNG {
+class TFL_EXPORT CoreNormalRNG : public CoreRNG {
  public:
   // Fills out[0, n) with standard normals; the consumption is the core's own, independent of the
   // precision mode.
@@ -50,7 +52,7 @@ class CoreNormalRNG : public CoreRNG {
 };
 
 // A core with independent streams, each cut into substreams, and jump-ahead.
-class CoreStreamRNG : public CoreRNG {
+class TFL_EXPORT CoreStreamRNG : public CoreRNG {
  public:
   // Moves forward by n draws; afterwards the core stands where n draws would have left it.
   // On a status other than ok nothing has moved. The reported substream stays.

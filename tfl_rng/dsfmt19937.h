@@ -15,11 +15,12 @@
 #include <cstdint>
 
 #include "tfl_rng/core_rng.h"
+#include "tfl_rng/export.h"
 #include "tfl_rng/kernels/dsfmt19937.h"
 
 namespace tfl_rng {
 
-class dsfmt19937 final : public CoreNormalRNG {
+class TFL_EXPORT dsfmt19937 final : public CoreNormalRNG {
  public:
   static constexpr std::size_t kOutputs = dsfmt::kWords;  // of one regeneration
 

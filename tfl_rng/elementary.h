@@ -6,16 +6,18 @@
 
 #include <cstddef>
 
+#include "tfl_rng/export.h"
+
 namespace tfl_rng {
 
 // exp(x) for -708 <= x <= 708. Largest error seen: 0.533 ulp.
-double pinnedExp(double x) noexcept;
+TFL_EXPORT double pinnedExp(double x) noexcept;
 
 // Natural logarithm of a positive, normal x. Largest error seen: 0.534 ulp.
 // (Both over 2 * 10^7 arguments in each of several intervals, tools/measure_elementary.cpp.)
-double pinnedLog(double x) noexcept;
+TFL_EXPORT double pinnedLog(double x) noexcept;
 
 // Replaces each of values[0, n) by its pinnedLog.
-void pinnedLogInPlace(double* values, std::size_t n) noexcept;
+TFL_EXPORT void pinnedLogInPlace(double* values, std::size_t n) noexcept;
 
 }  // namespace tfl_rng

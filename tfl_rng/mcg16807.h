@@ -14,10 +14,11 @@
 #include <utility>
 
 #include "tfl_rng/core_rng.h"
+#include "tfl_rng/export.h"
 
 namespace tfl_rng {
 
-class mcg16807 final : public CoreNormalRNG {
+class TFL_EXPORT mcg16807 final : public CoreNormalRNG {
  public:
   mcg16807(std::uint32_t seed, bool fullPrecision);
 
@@ -43,6 +44,6 @@ class mcg16807 final : public CoreNormalRNG {
 // Two independent standard normals by the polar method: pairs of uniforms, one step each, until
 // the point (2 u1 - 1, 2 u2 - 1) lies in the unit circle. `word` moves on and must be a state.
 // Source: G. Marsaglia and T. A. Bray, SIAM Review 6 (1964) 260-264.
-std::pair<double, double> minimalStandardNormalPair(std::uint32_t& word) noexcept;
+TFL_EXPORT std::pair<double, double> minimalStandardNormalPair(std::uint32_t& word) noexcept;
 
 }  // namespace tfl_rng

@@ -36,10 +36,11 @@
 #include <cstdint>
 
 #include "tfl_rng/core_rng.h"
+#include "tfl_rng/export.h"
 
 namespace tfl_rng {
 
-class mlfg6331_64 final : public CoreStreamRNG {
+class TFL_EXPORT mlfg6331_64 final : public CoreStreamRNG {
  public:
   static constexpr std::size_t kLag = 63;
   static constexpr std::size_t kShortLag = 31;

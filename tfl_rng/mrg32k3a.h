@@ -25,10 +25,11 @@
 #include <cstdint>
 
 #include "tfl_rng/core_rng.h"
+#include "tfl_rng/export.h"
 
 namespace tfl_rng {
 
-class mrg32k3a final : public CoreStreamRNG {
+class TFL_EXPORT mrg32k3a final : public CoreStreamRNG {
  public:
   static constexpr std::uint32_t kModulus1 = 4294967087;
   static constexpr std::uint32_t kModulus2 = 4294944443;

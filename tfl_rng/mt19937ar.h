@@ -15,12 +15,13 @@
 #include <cstdint>
 
 #include "tfl_rng/core_rng.h"
+#include "tfl_rng/export.h"
 #include "tfl_rng/kernels/mt19937.h"
 #include "tfl_rng/uint128.h"
 
 namespace tfl_rng {
 
-class mt19937ar final : public CoreNormalRNG {
+class TFL_EXPORT mt19937ar final : public CoreNormalRNG {
  public:
   static constexpr std::size_t kWords = mt19937::kWords;
 

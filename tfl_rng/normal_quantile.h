@@ -6,12 +6,14 @@
 
 #include <cstddef>
 
+#include "tfl_rng/export.h"
+
 namespace tfl_rng {
 
 // The normal quantile of u in (0,1), to about 16 digits.
-double normalQuantile(double u) noexcept;
+TFL_EXPORT double normalQuantile(double u) noexcept;
 
 // Replaces each of values[0, n) by its normal quantile.
-void normalQuantileInPlace(double* values, std::size_t n) noexcept;
+TFL_EXPORT void normalQuantileInPlace(double* values, std::size_t n) noexcept;
 
 }  // namespace tfl_rng

@@ -19,12 +19,13 @@
 
 #include "tfl_rng/core_rng.h"
 #include "tfl_rng/counter_blocks.h"
+#include "tfl_rng/export.h"
 #include "tfl_rng/kernels/philox4x32.h"
 #include "tfl_rng/uint128.h"
 
 namespace tfl_rng {
 
-class philox4x32 final : public CoreStreamRNG {
+class TFL_EXPORT philox4x32 final : public CoreStreamRNG {
  public:
   using Counter = std::array<std::uint32_t, 4>;  // low word first
   using Key = std::array<std::uint32_t, 2>;      // low word first

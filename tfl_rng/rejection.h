@@ -5,12 +5,14 @@
 
 #include <exception>
 
+#include "tfl_rng/export.h"
+
 namespace tfl_rng {
 
 inline constexpr int kMaxRejections = 1'000'000;
 
 // Thrown after kMaxRejections rejections in a row; values drawn before stay written.
-class __attribute__((visibility("default"))) RejectionLimit : public std::exception {
+class TFL_EXPORT RejectionLimit : public std::exception {
  public:
   char const* what() const noexcept override { return "no candidate was accepted"; }
 };

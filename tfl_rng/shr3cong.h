@@ -18,12 +18,13 @@
 //             more where the first candidate lies at a layer's edge or in the tail.
 
 #include "tfl_rng/core_rng.h"
+#include "tfl_rng/export.h"
 
 namespace tfl_rng {
 
 struct Ziggurat128;
 
-class shr3cong final : public CoreNormalRNG {
+class TFL_EXPORT shr3cong final : public CoreNormalRNG {
  public:
   static constexpr std::uint32_t kCongruentialStart = 362436069;
   static constexpr std::uint32_t kFactor = 69069;

@@ -24,10 +24,11 @@
 #include <array>
 
 #include "tfl_rng/core_rng.h"
+#include "tfl_rng/export.h"
 
 namespace tfl_rng {
 
-class swb2712 final : public CoreRNG {
+class TFL_EXPORT swb2712 final : public CoreRNG {
  public:
   static constexpr std::size_t kLags = 32;
 

@@ -17,11 +17,12 @@
 
 #include "tfl_rng/core_rng.h"
 #include "tfl_rng/counter_blocks.h"
+#include "tfl_rng/export.h"
 #include "tfl_rng/kernels/threefry4x64.h"
 
 namespace tfl_rng {
 
-class threefry4x64 final : public CoreStreamRNG {
+class TFL_EXPORT threefry4x64 final : public CoreStreamRNG {
  public:
   using Block = std::array<std::uint64_t, 4>;  // as counter and key: low word first
 

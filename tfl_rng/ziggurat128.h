@@ -10,6 +10,8 @@
 #include <array>
 #include <cstdint>
 
+#include "tfl_rng/export.h"
+
 namespace tfl_rng {
 
 struct Ziggurat128 {
@@ -20,7 +22,7 @@ struct Ziggurat128 {
   std::array<double, 128> width;          // x[i] * 2^-31
   std::array<double, 128> height;         // f(x[i]); 1 at the top, i = 0
 
-  static Ziggurat128 const& tables();
+  TFL_EXPORT static Ziggurat128 const& tables();
 };
 
 }  // namespace tfl_rng

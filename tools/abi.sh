@@ -5,8 +5,8 @@
 #                          classes; fails when there is one
 #   tools/abi.sh --write   takes over the layouts as they are now
 #
-# The functions stand in tests/exported_symbols.txt, which ./test holds too, the layouts in
-# tests/abi_layouts.txt. Builds the library with debugging information in out/abi, its kernels in
+# The functions stand in tests/exported_symbols/tvmathrng.txt, which ./test holds too, the layouts
+# in tests/abi_layouts.txt. Builds the library with debugging information in out/abi, its kernels in
 # their scalar form alone, which changes nothing of the interface.
 set -eu
 
@@ -26,6 +26,6 @@ library=$(readlink -f $tree/lib/libtvmathrng.so)
 abidw --out-file $tree/abi.xml "$library"
 python3 tools/abi_digest.py $tree/abi.xml >$now
 [ "${1-}" != --write ] || cp $now $kept
-python3 tests/builtins/check_exported_symbols.py nm "$library" tests/exported_symbols.txt
+python3 tests/exported_symbols/check.py nm "$library" tests/exported_symbols/tvmathrng.txt
 diff -u $kept $now
 echo "The binary interface is the one that is kept."

@@ -5,7 +5,7 @@
 
 Lists each class and enumeration that a header of the interface defines: size, data
 members with offset in bits and type, virtual functions in the order of their table, enumerators.
-Which functions are exported stands in tests/exported_symbols.txt.
+Which functions are exported stands in tests/exported_symbols/tvmathrng.txt.
 """
 
 import re
