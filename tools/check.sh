@@ -1,8 +1,10 @@
 #!/bin/sh
 # All checks of the source tree, or the named ones:
 #
-#   tools/check.sh                 everything but tsan, packages and browser
-#   tools/check.sh format layers   these steps only
+#   tools/check.sh                 format layers gcc clang tidy asan
+#   tools/check.sh ci              what a change has to pass: gcc format layers clang tidy_changed
+#                                  asan_quick, below 40 minutes on two cores
+#   tools/check.sh format tsan     these steps; there are packages and browser too
 #
 # Installs the packages it needs. Each step runs to its end whatever became of the one before; the
 # table at the end tells how they went. Build trees are kept in out/.
@@ -12,6 +14,7 @@ set -u
 root=$(cd "$(dirname "$0")/.." && pwd)
 cd "$root" || exit 2
 all_steps="format layers gcc clang tidy asan"
+ci_steps="gcc format layers clang tidy_changed asan_quick"
 
 sources() { git ls-files '*.h' '*.cpp'; }
 
@@ -19,8 +22,10 @@ configure_and_build() { # preset
   cmake --preset "$1" >/dev/null && ninja --quiet -C "out/$1"
 }
 
-run_tests() { # preset
-  ctest --test-dir "out/$1" --output-on-failure -j "$(nproc)"
+run_tests() { # preset, options of ctest
+  tree=out/$1
+  shift
+  ctest --test-dir "$tree" --output-on-failure -j "$(nproc)" "$@"
 }
 
 step_format() {
@@ -30,12 +35,12 @@ step_format() {
 step_layers() { python3 tools/check_layers.py; }
 # The tree of ./run and ./test, where from now on warnings are errors.
 step_gcc() { cmake --preset release -DTV_WERROR=ON >/dev/null && ./test; }
-step_clang() { configure_and_build clang && run_tests clang; }
-step_tidy() {
+# Statistics are the same whatever compiler: one build runs them.
+step_clang() { configure_and_build clang && run_tests clang -E '^(battery|report)'; }
+tidy() { # pattern of sources
   # The examples see the headers as they are installed.
   cmake --preset clang >/dev/null && ninja --quiet -C out/clang installed_headers || return 1
-  if run-clang-tidy -quiet -p out/clang -j "$(nproc)" "^$root/(?!benchmarks/|tests/)" \
-    >out/clang/tidy.log 2>&1; then
+  if run-clang-tidy -quiet -p out/clang -j "$(nproc)" "$1" >out/clang/tidy.log 2>&1; then
     return 0
   fi
   # A finding in a header comes once for each source that includes it.
@@ -43,10 +48,45 @@ step_tidy() {
   echo "The whole output is in out/clang/tidy.log"
   return 1
 }
-step_asan() {
-  configure_and_build asan &&
-    ASAN_OPTIONS=detect_stack_use_after_return=1:strict_string_checks=1 \
-      UBSAN_OPTIONS=print_stacktrace=1 run_tests asan
+step_tidy() { tidy "^$root/(?!benchmarks/|tests/)"; }
+# The files that differ from where this branch left main, on main from the commit before.
+changed_files() {
+  head=$(git rev-parse HEAD) || return 1
+  for main in origin/main main; do
+    base=$(git merge-base HEAD "$main" 2>/dev/null) && [ "$base" != "$head" ] && break
+    base=$(git rev-parse --verify --quiet HEAD~1)
+  done
+  [ -n "$base" ] && git diff --name-only "$base"
+}
+# The changed sources, and for each changed header one that includes it. All when git does not tell.
+step_tidy_changed() {
+  if ! changed=$(changed_files); then
+    step_tidy
+    return
+  fi
+  files=$(for file in $changed; do
+    case $file in
+      benchmarks/* | tests/*) ;;
+      *.cpp) echo "$file" ;;
+      *.h) git grep -lF "#include \"$file\"" -- '*.cpp' ':!benchmarks' ':!tests' | head -n 1 ;;
+    esac
+  done | sort -u)
+  [ -n "$files" ] || return 0
+  tidy "^$root/($(echo "$files" | tr '\n' '|' | sed 's/|$//; s/[.+]/\\&/g'))\$"
+}
+asan_tests() { # options of ctest
+  ASAN_OPTIONS=detect_stack_use_after_return=1:strict_string_checks=1 \
+    UBSAN_OPTIONS=print_stacktrace=1 run_tests asan "$@"
+}
+step_asan() { configure_and_build asan && asan_tests; }
+# The programs that test libraries; what is written in the language runs through them as well.
+step_asan_quick() {
+  rooms="embedded_host plugin_rng rng rng_kernels builtins cpp runtime second_host faults threads"
+  inputs="arguments settings_file snapshots stream_states"
+  # shellcheck disable=SC2046,SC2086  # lists of words
+  cmake --preset asan >/dev/null &&
+    ninja --quiet -C out/asan test_c $(printf 'test_%s ' $rooms) $(printf 'fuzz_%s ' $inputs) &&
+    asan_tests -R "^(c|$(echo $rooms | tr ' ' '|')|fuzz_($(echo $inputs | tr ' ' '|')))\$"
 }
 # Debian packages, installed into a scratch root.
 step_packages() { tools/packages.sh --check; }
@@ -64,23 +104,26 @@ step_tsan() {
       ctest --test-dir out/tsan --output-on-failure -R "^($(echo $rooms | tr ' ' '|'))\$"
 }
 
+# shellcheck disable=SC2086
+case ${1-all} in
+  all) set -- $all_steps ;;
+  ci) set -- $ci_steps ;;
+esac
 for step in "$@"; do
   if ! command -v "step_$step" >/dev/null; then
-    echo "check.sh: no step '$step'; there are: $all_steps tsan packages browser" >&2
+    echo "check.sh: no step '$step'; there are: $all_steps tidy_changed asan_quick tsan packages browser" >&2
     exit 2
   fi
 done
-tools/install_packages.sh build check || exit 1
+tools/install_packages.sh build check python mpi || exit 1
 
 failed=0
 table=
-# shellcheck disable=SC2086
-[ $# -gt 0 ] || set -- $all_steps
 for step in "$@"; do
   printf '\n== %s\n' "$step"
   start=$(date +%s)
   if "step_$step"; then outcome=ok; else outcome=FAILED; failed=1; fi
-  table="$table$(printf '%-8s %-7s %5d s' "$step" $outcome $(($(date +%s) - start)))
+  table="$table$(printf '%-12s %-7s %5d s' "$step" $outcome $(($(date +%s) - start)))
 "
 done
 printf '\n%s' "$table"
