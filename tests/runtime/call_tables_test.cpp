@@ -26,6 +26,7 @@
 #include "tests/support/calls.h"
 #include "tests/support/data_folder.h"
 #include "tests/support/identifiers.h"
+#include "tests/support/scratch_folder.h"
 #include "tests/support/streams.h"
 #include "vmstate/global_stream.h"
 #include "vmstate/legacy_mode.h"
@@ -118,7 +119,7 @@ class CallTable : public VmTest, public testing::WithParamInterface<Block> {
     functions.add("getsetGlobalRandStream", getsetGlobalRandStream);
     functions.add("clearGlobalRandStreamIfMatches", clearGlobalRandStreamIfMatches);
     functions.add("settings", [this](int, txArrayPtr*, int, txArray const** prhs) {
-      std::string const file = testing::TempDir() + "tvmathrng_settings.toml";
+      std::string const file = folder_.path() / "settings.toml";
       std::ofstream(file) << textOf(*prhs[0]);
       vm.context().useSettingsFile(file);
       call(clearGlobalRandStream, {}, 0);
@@ -218,6 +219,7 @@ class CallTable : public VmTest, public testing::WithParamInterface<Block> {
     vm.evaluate(line);
   }
 
+  ScratchFolder folder_;
   std::string warnings_;
 };
 
