@@ -117,6 +117,8 @@ def test_integers_reach_both_limits_in_every_type(stream):
         bounds = np.iinfo(dtype)
         values = stream.randi((int(bounds.min), int(bounds.max)), 5000, dtype=dtype)
         assert (values.min(), values.max()) == (bounds.min, bounds.max)
+    for dtype, limit in (("f4", 2**24), ("f8", 2**53 - 1), ("i8", 2**53 - 1)):
+        assert stream.randi((limit, limit), 3, dtype=dtype).tolist() == [limit] * 3
 
 
 def test_positions_fit_every_type(stream):
@@ -125,6 +127,7 @@ def test_positions_fit_every_type(stream):
     out = np.empty(3, np.int32)
     assert stream.randperm(9, 3, out=out) is out and len(set(out.tolist())) == 3
     assert stream.randperm(0).shape == (0,)
+    assert stream.randperm(2**31, 3, dtype="i4").min() >= 0
 
 
 def test_module_functions_draw_from_the_global_stream(stream):

@@ -2,6 +2,7 @@
 
 import copy
 import pickle
+import signal
 import threading
 
 import numpy as np
@@ -96,6 +97,9 @@ def test_reset_takes_a_seed_or_keeps_it():
 def test_generators_have_several_spellings(spelling):
     assert tv.RandStream(spelling).generator == "philox4x32_10"
     assert repr(tv.RandStream(spelling, seed=7)) == "RandStream('philox4x32_10', seed=7)"
+    for family in (2, 5):
+        stream = tv.RandStream(spelling, stream_index=1, num_streams=family)
+        assert repr(stream) == f"RandStream('philox4x32_10', seed=0, stream_index=1, num_streams={family})"
 
 
 def test_names_of_generators_make_streams():
@@ -138,6 +142,34 @@ def test_a_stream_locked_for_numpy_is_in_use(stream):
         for call in (stream.rand, stream.snapshot, lambda: stream.randi(6), lambda: stream.substream):
             with pytest.raises(tv.TvThreadError):
                 call()
+    assert stream.rand() == tv.RandStream("philox", seed=7).rand()
+
+
+def test_a_lock_is_left_as_often_as_it_was_entered(stream):
+    lock = stream.bit_generator().lock
+    with lock:
+        pass
+    with pytest.raises(tv.TvThreadError) as caught:
+        lock.__exit__(None, None, None)
+    assert caught.value.identifier == "TALVOR:python:NotLocked"
+
+
+def test_waiting_for_a_stream_ends_with_a_signal(stream):
+    def give_up(number, frame):
+        raise TimeoutError
+
+    lock, other = stream.bit_generator().lock, stream.bit_generator().lock
+    before = signal.signal(signal.SIGALRM, give_up)
+    late = threading.Timer(20, lock.__exit__, [None, None, None])
+    try:
+        with lock:
+            late.start()
+            signal.setitimer(signal.ITIMER_REAL, 0.05)
+            with pytest.raises(TimeoutError):
+                other.__enter__()
+            late.cancel()
+    finally:
+        signal.signal(signal.SIGALRM, before)
     assert stream.rand() == tv.RandStream("philox", seed=7).rand()
 
 

@@ -43,6 +43,8 @@ TEST_P(EveryGenerator, DrawsWhatTheBuiltinsDraw) {
   stream_.reset();
   EXPECT_EQ(stream_.normal(5), builtin<double>("randn(s,1,5)"));
   stream_.reset();
+  EXPECT_EQ(stream_.normal<float>(5), builtin<float>("randn(s,1,5,'single')"));
+  stream_.reset();
   EXPECT_EQ(stream_.normal<std::complex<float>>(3),
             builtin<std::complex<float>>("randn(s,1,3,'like',single(1i))"));
   stream_.reset();
@@ -59,6 +61,45 @@ TEST_P(EveryGenerator, DrawsWhatTheBuiltinsDraw) {
   stream_.reset(Seed{8});
   stream_.advance(3);
   EXPECT_EQ(stream_.uniform(2), builtin<double>("rand(s,1,2)", "reset(s,8); advance(s,3);"));
+}
+
+// Integers of 64 bits come as doubles, in parts.
+TEST_P(EveryGenerator, IntegersOf64BitsAreTheDoublesInAnyNumber) {
+  constexpr Limits<double> kLimits = {-5, 0x1p53 - 7};
+  for (std::size_t const n : {1U, 2U, 255U, 256U, 257U, 511U, 512U, 513U, 1000U}) {
+    stream_.reset();
+    auto const wide = stream_.integers<std::int64_t>({-5, (1LL << 53) - 7}, n);
+    double const next = stream_.uniform();
+    stream_.reset();
+    EXPECT_EQ(std::vector<double>(wide.begin(), wide.end()), stream_.integers<double>(kLimits, n));
+    EXPECT_EQ(stream_.uniform(), next) << n;
+  }
+}
+
+TEST_P(EveryGenerator, TellsWhatWasSetAndCanBeSetBack) {
+  std::vector<double> const before = stream_.uniform(20);
+  for (bool const on : {true, false}) {
+    stream_.set_antithetic(on);
+    stream_.set_full_precision(!on);
+    stream_.set_normal_method(on ? "polar" : "inversion");
+    EXPECT_EQ(stream_.antithetic(), on);
+    EXPECT_EQ(stream_.full_precision(), !on);
+    EXPECT_EQ(stream_.normal_method(), on ? "Polar" : "Inversion");
+  }
+  stream_.reset();
+  EXPECT_EQ(stream_.uniform(20), before);
+  EXPECT_EQ(stream_.generator(), GetParam());
+  EXPECT_EQ(stream_.seed(), Seed{7});
+}
+
+TEST(Places, AreTold) {
+  Stream stream("philox4x32_10", Seed{9}, StreamIndex{3}, StreamCount{5});
+  EXPECT_EQ(stream.index(), StreamIndex{3});
+  EXPECT_EQ(stream.count(), StreamCount{5});
+  stream.set_substream(Substream{6});
+  EXPECT_EQ(stream.substream(), Substream{6});
+  EXPECT_EQ(stream.at_substream(Substream{4}).substream(), Substream{4});
+  EXPECT_EQ(stream.copy().index(), StreamIndex{3});
 }
 
 TEST_P(EveryGenerator, SubstreamsKeepTheSettingsAndLeaveTheirStreamAlone) {

@@ -20,12 +20,14 @@ namespace {
 std::atomic<long> liveBlocks = 0;
 thread_local long requests = 0;
 thread_local long failsAt = 0;  // the request of this thread that fails, 0 for none
+thread_local bool failsStrangely = false;
 
 }  // namespace
 
 // Not inlined: g++ warns of a free that it sees behind a delete.
 [[gnu::noinline]] void* operator new(std::size_t bytes) {
-  if (++requests == failsAt) throw std::bad_alloc();
+  if (++requests == failsAt && failsStrangely) throw 7;
+  if (requests == failsAt) throw std::bad_alloc();
   void* const memory = std::malloc(bytes > 0 ? bytes : 1);
   if (!memory) throw std::bad_alloc();
   ++liveBlocks;
@@ -174,8 +176,8 @@ INSTANTIATE_TEST_SUITE_P(
                     Call{"RandStream.global", "{}"}, Call{"RandStream.list", "{}"}),
     [](auto const& row) { return "Row" + std::to_string(row.index); });
 
-// Memory of the host, then of the standard library.
-TEST(OutOfMemoryInC, HasAStatusOfItsOwn) {
+// Memory of the host, then of the standard library, then an exception that nobody knows.
+TEST(FailuresInC, NeverPassAndHaveAStatus) {
   auto const attempt = [] {
     tvrng_stream* stream = nullptr;
     tvrng_status status = tvrng_create("mrg32k3a", 1, 0, 1, &stream);
@@ -185,18 +187,22 @@ TEST(OutOfMemoryInC, HasAStatusOfItsOwn) {
     return status;
   };
   EXPECT_EQ(attempt(), TVRNG_OK);
-  for (const bool ofHost : {true, false}) {
+  enum { ofHost, ofLibrary, strange };
+  for (auto const kind : {ofHost, ofLibrary, strange}) {
+    failsStrangely = kind == strange;
     long request = 1;
     for (;; ++request) {
       requests = 0;
-      failsAt = ofHost ? 0 : request;
-      embedded_host::FailingAllocation const failing(ofHost ? request : 0);
+      failsAt = kind == ofHost ? 0 : request;
+      embedded_host::FailingAllocation const failing(kind == ofHost ? request : 0);
       tvrng_status const status = attempt();
       failsAt = 0;
       if (status == TVRNG_OK) break;
-      ASSERT_EQ(status, TVRNG_OUT_OF_MEMORY) << request;
-      ASSERT_STREQ(tvrng_error_identifier(), "TALVOR:nomem");
+      ASSERT_EQ(status, kind == strange ? TVRNG_ERROR : TVRNG_OUT_OF_MEMORY) << request;
+      ASSERT_STREQ(tvrng_error_identifier(),
+                   kind == strange ? "TALVOR:RandStream:UnexpectedPluginError" : "TALVOR:nomem");
     }
+    failsStrangely = false;
     EXPECT_GT(request, 2);
   }
 }

@@ -134,6 +134,26 @@ TEST_F(RandStreamClass, ResetWithoutASeedOfItsOwnSaysSo) {
   }
 }
 
+// A number in a property of that name is no stream of ours.
+TEST_F(RandStreamClass, ObjectsOfOtherClassesHaveNoStream) {
+  vm.context().classes().add({.name = "Posing", .properties = {{.name = "StreamID"}}});
+  txArrayPtr const object = embedded_host::makeObject(vm.context().classes().find("Posing"));
+  embedded_host::setStoredProperty(*object, "StreamID",
+                                   embedded_host::makeScalar<std::uint64_t>(64));
+  EXPECT_EQ(identifierOf([&] { run("RandStream.global", args(txShare(*object)), 0); }),
+            "TALVOR:RandStream:InvalidHandle");
+}
+
+// Outputs without an argument of their own stay empty.
+TEST_F(RandStreamClass, SizesAreConvertedOneForOne) {
+  txArrayPtr const size = toArgument(3.0);
+  txArray const* const given[] = {size.get()};
+  auto const outputs = vm.call("talvor.internal.builtinhelper.convertSizeArgToDouble", given, 3);
+  EXPECT_EQ(numbers(*outputs[0]), std::vector{3.0});
+  EXPECT_EQ(outputs[1], nullptr);
+  EXPECT_EQ(outputs[2], nullptr);
+}
+
 TEST_F(RandStreamClass, CloneOutOfMemoryIsNotKept) {
   run("RandStream.default", args(make("mrg32k3a")), 0);
   for (std::uint64_t k = 1;; ++k) {
