@@ -4,6 +4,8 @@
 
 #include <algorithm>
 
+#include "shell/options.h"
+
 namespace shell {
 
 char const kUsage[] =
@@ -46,44 +48,30 @@ bool isCommand(std::string_view word) { return findCommand(word) != nullptr; }
 
 Invocation parseCommandLine(std::vector<std::string> const& words, bool inputIsTerminal) {
   Invocation invocation;
-  bool onlyFiles = false;
   if (Command const* const command = words.empty() ? nullptr : findCommand(words.front())) {
     invocation.action = command->action;
     invocation.rest.assign(words.begin() + 1, words.end());
     return invocation;
   }
-  for (std::size_t i = 0; i < words.size(); ++i) {
-    std::string const& word = words[i];
-    bool const isOption = !onlyFiles && word.size() > 1 && word[0] == '-';
-    if (!isOption) {
-      if (!invocation.file.empty()) {
-        throw UsageError(
-            fmt::format("one program file at a time: {} or {}", invocation.file, word));
-      }
-      invocation.file = word;
-    } else if (word == "--") {
-      onlyFiles = true;
-    } else if (word == "-e" || word == "--eval") {
-      if (i + 1 == words.size()) throw UsageError(fmt::format("{} needs a text", word));
-      invocation.texts.push_back(words[++i]);
-    } else if (word == "-i" || word == "--interactive") {
-      invocation.interactive = true;
-    } else if (word == "--json") {
-      invocation.json = true;
-    } else if (word == "--quiet" || word == "-q") {
-      invocation.quiet = true;
-    } else if (word == "--long") {
-      invocation.longNumbers = true;
-    } else if (word == "--version") {
-      invocation.action = Invocation::Action::version;
-      return invocation;
-    } else if (word == "--help" || word == "-h") {
-      invocation.action = Invocation::Action::help;
-      return invocation;
-    } else {
-      throw UsageError(fmt::format("there is no option {}", word));
-    }
+  bool version = false;
+  bool help = false;
+  Option const rows[] = {
+      {"--eval", "-e", [&](std::string const& text) { invocation.texts.push_back(text); }},
+      {"--interactive", "-i", &invocation.interactive},
+      {"--json", "", &invocation.json},
+      {"--quiet", "-q", &invocation.quiet},
+      {"--long", "", &invocation.longNumbers},
+      {"--version", "", &version},
+      {"--help", "-h", &help}};
+  std::vector<std::string> const files = readOptions("tvrng", words, rows);
+  if (version || help) {
+    invocation.action = version ? Invocation::Action::version : Invocation::Action::help;
+    return invocation;
   }
+  if (files.size() > 1) {
+    throw UsageError(fmt::format("one program file at a time: {} or {}", files[0], files[1]));
+  }
+  if (!files.empty()) invocation.file = files[0];
   if (invocation.interactive) {
     if (!invocation.texts.empty() || !invocation.file.empty() || invocation.json) {
       throw UsageError("--interactive goes with no program and no --json");

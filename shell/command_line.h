@@ -2,18 +2,11 @@
 
 // What the words behind `tvrng` mean.
 
-#include <optional>
-#include <stdexcept>
 #include <string>
 #include <string_view>
 #include <vector>
 
 namespace shell {
-
-// Wrong use of the command; exit status 2.
-struct UsageError : std::runtime_error {
-  using std::runtime_error::runtime_error;
-};
 
 struct Invocation {
   enum class Action { prompt, script, text, stream, report, doctor, version, help };

@@ -10,7 +10,7 @@
 #include "golden/cases.h"
 #include "golden/check.h"
 #include "golden/table.h"
-#include "shell/command_line.h"
+#include "shell/options.h"
 
 namespace shell {
 
@@ -168,14 +168,15 @@ void showTable() {
 int runDoctorCommand(std::vector<std::string> const& words) {
   bool json = false;
   bool table = false;
-  for (std::string const& word : words) {
-    if (word == "--help" || word == "-h") {
-      std::fputs(kDoctorUsage, stdout);
-      return 0;
-    }
-    if (word != "--json" && word != "--table")
-      throw UsageError(fmt::format("tvrng doctor has no option {}", word));
-    (word == "--json" ? json : table) = true;
+  bool help = false;
+  Option const rows[] = {{"--json", "", &json}, {"--table", "", &table}, {"--help", "-h", &help}};
+  std::vector<std::string> const others = readOptions("tvrng doctor", words, rows);
+  if (help) {
+    std::fputs(kDoctorUsage, stdout);
+    return 0;
+  }
+  if (!others.empty()) {
+    throw UsageError(fmt::format("tvrng doctor takes options only, not {}", others.front()));
   }
   if (json && table) throw UsageError("--json and --table do not go together");
   if (table) {

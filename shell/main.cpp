@@ -10,6 +10,7 @@
 #include "shell/command_line.h"
 #include "shell/doctor_command.h"
 #include "shell/interpreter.h"
+#include "shell/options.h"
 #include "shell/prompt.h"
 #include "shell/report_command.h"
 #include "shell/stream_command.h"

@@ -10,8 +10,8 @@
 
 #include "host/except.h"
 #include "report/report.h"
-#include "shell/command_line.h"
 #include "shell/error_text.h"
+#include "shell/options.h"
 #include "shell/progress.h"
 #include "tfl_rng/generator_catalogue.h"
 
@@ -39,44 +39,23 @@ struct ReportOptions {
   bool help = false;
 };
 
-std::uint32_t seedFrom(std::string const& text) {
-  try {
-    std::size_t used = 0;
-    unsigned long long const value = std::stoull(text, &used);
-    if (used == text.size() && text[0] != '-' && value <= 0xFFFFFFFF) {
-      return static_cast<std::uint32_t>(value);
-    }
-  } catch (std::logic_error const&) {
-    // told below
-  }
-  throw UsageError(fmt::format("--seed takes a whole number from 0 to 4294967295, not {}", text));
-}
-
 ReportOptions parse(std::vector<std::string> const& words) {
   ReportOptions options;
-  for (std::size_t i = 0; i < words.size(); ++i) {
-    std::string const& word = words[i];
-    auto const value = [&] {
-      if (i + 1 == words.size()) throw UsageError(fmt::format("{} needs a value", word));
-      return words[++i];
-    };
-    if (word == "--help" || word == "-h") {
-      options.help = true;
-    } else if (word == "--all") {
-      options.all = true;
-    } else if (word == "-o" || word == "--output") {
-      options.output = value();
-    } else if (word == "--seed") {
-      options.seed = seedFrom(value());
-    } else if (word.starts_with('-') && word.size() > 1) {
-      throw UsageError(fmt::format("tvrng report has no option {}", word));
-    } else if (!options.generator.empty()) {
-      throw UsageError(fmt::format("one generator at a time: {} or {}", options.generator, word));
-    } else {
-      options.generator = word;
-    }
-  }
+  Option const rows[] = {
+      {"--all", "", &options.all},
+      {"--output", "-o", [&](std::string const& v) { options.output = v; }},
+      {"--seed", "",
+       [&](std::string const& v) {
+         options.seed = static_cast<std::uint32_t>(wholeNumber("--seed", v, 0, 0xFFFFFFFFu));
+       }},
+      {"--help", "-h", &options.help}};
+  std::vector<std::string> const generators = readOptions("tvrng report", words, rows);
   if (options.help) return options;
+  if (generators.size() > 1) {
+    throw UsageError(
+        fmt::format("one generator at a time: {} or {}", generators[0], generators[1]));
+  }
+  if (!generators.empty()) options.generator = generators[0];
   if (options.all && !options.generator.empty()) {
     throw UsageError(fmt::format("--all is all of them, not {}", options.generator));
   }

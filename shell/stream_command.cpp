@@ -18,8 +18,8 @@
 #include "language/values.h"
 #include "rng/create_stream.h"
 #include "rng/randstream.h"
-#include "shell/command_line.h"
 #include "shell/error_text.h"
+#include "shell/options.h"
 #include "shell/progress.h"
 #include "shell/stream_options.h"
 

@@ -2,13 +2,11 @@
 
 #include <fmt/format.h>
 
-#include <algorithm>
 #include <cmath>
-#include <functional>
-#include <optional>
+#include <type_traits>
 
 #include "language/values.h"
-#include "shell/command_line.h"
+#include "shell/options.h"
 
 namespace shell {
 
@@ -32,31 +30,6 @@ char const kStreamUsage[] =
     "  --help             this text\n";
 
 namespace {
-
-std::uint64_t wholeNumber(std::string const& option, std::string const& text, std::uint64_t low,
-                          std::uint64_t high) {
-  // Digits are read exactly; 1e9 is read as a double.
-  bool const digits = !text.empty() && text.find_first_not_of("0123456789") == std::string::npos;
-  std::optional<std::uint64_t> value;
-  try {
-    std::size_t used = 0;
-    if (digits) {
-      value = std::stoull(text);
-    } else {
-      double const number = std::stod(text, &used);
-      if (used == text.size() && number >= 0 && number < 0x1p63 && number == std::floor(number)) {
-        value = static_cast<std::uint64_t>(number);
-      }
-    }
-  } catch (std::exception const&) {
-    value.reset();
-  }
-  if (!value || *value < low || *value > high) {
-    throw UsageError(
-        fmt::format("{} takes a whole number from {} to {}, not {}", option, low, high, text));
-  }
-  return *value;
-}
 
 struct TypeRow {
   char const* name;
@@ -127,70 +100,59 @@ StreamOptions parseStreamOptions(std::vector<std::string> const& words) {
   StreamOptions options;
   bool typeGiven = false;
   bool rangeGiven = false;
-  using Set = std::function<void(std::string const& option, std::string const& value)>;
-  struct Row {
-    char const* name;
-    Set set;
+  using Text = std::string const&;
+  auto const number = [](char const* name, auto& target, std::uint64_t low, std::uint64_t high) {
+    return [=, &target](Text v) {
+      target =
+          static_cast<std::remove_reference_t<decltype(target)>>(wholeNumber(name, v, low, high));
+    };
   };
-  Row const rows[] = {
-      {"--generator", [&](auto&, auto& v) { options.generator = v; }},
-      {"--seed",
-       [&](auto& o, auto& v) {
-         options.seed = static_cast<std::uint32_t>(wholeNumber(o, v, 0, 0xFFFFFFFFu));
-       }},
-      {"--streams", [&](auto& o, auto& v) { options.streams = wholeNumber(o, v, 1, kMost); }},
-      {"--stream", [&](auto& o, auto& v) { options.stream = wholeNumber(o, v, 1, kMost); }},
-      {"--substream", [&](auto& o, auto& v) { options.substream = wholeNumber(o, v, 1, kMost); }},
-      {"--method", [&](auto&, auto& v) { options.method = v; }},
-      {"--type",
-       [&](auto&, auto& v) {
-         options.type = typeNamed(v);
-         typeGiven = true;
-       }},
-      {"--range",
-       [&](auto&, auto& v) {
-         setRange(options, v);
-         rangeGiven = true;
-       }},
-      {"--count",
-       [&](auto& o, auto& v) {
-         options.count = v == "endless" ? StreamOptions::kEndless : wholeNumber(o, v, 0, kMost - 1);
-       }},
-      {"--dist", [&](auto&, auto& v) {
-         if (v == "uniform" || v == "single") {
-           options.distribution = Distribution::uniform;
-           if (v == "single") options.type = txClassSingle;
-         } else if (v == "normal") {
-           options.distribution = Distribution::normal;
-         } else if (v == "integers") {
-           options.distribution = Distribution::integers;
-         } else {
-           throw UsageError(
-               fmt::format("--dist takes uniform, single, normal or integers, not {}", v));
-         }
-       }}};
-  struct Flag {
-    char const* name;
-    bool& value;
-  };
-  Flag const flags[] = {{"--raw", options.raw},
-                        {"--antithetic", options.antithetic},
-                        {"--reduced", options.reducedPrecision},
-                        {"--help", options.help},
-                        {"-h", options.help}};
-  for (std::size_t i = 0; i < words.size() && !options.help; ++i) {
-    std::string const& word = words[i];
-    auto const flag = std::ranges::find_if(flags, [&](Flag const& f) { return word == f.name; });
-    if (flag != std::end(flags)) {
-      flag->value = true;
-      continue;
-    }
-    auto const row = std::ranges::find_if(rows, [&](Row const& r) { return word == r.name; });
-    if (row == std::end(rows)) throw UsageError(fmt::format("tvrng stream has no option {}", word));
-    if (i + 1 == words.size()) throw UsageError(fmt::format("{} needs a value", word));
-    row->set(word, words[++i]);
+  Option const rows[] = {{"--generator", "", [&](Text v) { options.generator = v; }},
+                         {"--seed", "", number("--seed", options.seed, 0, 0xFFFFFFFFu)},
+                         {"--streams", "", number("--streams", options.streams, 1, kMost)},
+                         {"--stream", "", number("--stream", options.stream, 1, kMost)},
+                         {"--substream", "", number("--substream", options.substream, 1, kMost)},
+                         {"--method", "", [&](Text v) { options.method = v; }},
+                         {"--type", "",
+                          [&](Text v) {
+                            options.type = typeNamed(v);
+                            typeGiven = true;
+                          }},
+                         {"--range", "",
+                          [&](Text v) {
+                            setRange(options, v);
+                            rangeGiven = true;
+                          }},
+                         {"--count", "",
+                          [&](Text v) {
+                            options.count = v == "endless"
+                                                ? StreamOptions::kEndless
+                                                : wholeNumber("--count", v, 0, kMost - 1);
+                          }},
+                         {"--dist", "",
+                          [&](Text v) {
+                            if (v == "uniform" || v == "single") {
+                              options.distribution = Distribution::uniform;
+                              if (v == "single") options.type = txClassSingle;
+                            } else if (v == "normal") {
+                              options.distribution = Distribution::normal;
+                            } else if (v == "integers") {
+                              options.distribution = Distribution::integers;
+                            } else {
+                              throw UsageError(fmt::format(
+                                  "--dist takes uniform, single, normal or integers, not {}", v));
+                            }
+                          }},
+                         {"--raw", "", &options.raw},
+                         {"--antithetic", "", &options.antithetic},
+                         {"--reduced", "", &options.reducedPrecision},
+                         {"--help", "-h", &options.help}};
+  std::vector<std::string> const others = readOptions("tvrng stream", words, rows);
+  if (options.help) return options;
+  if (!others.empty()) {
+    throw UsageError(fmt::format("tvrng stream takes options only, not {}", others.front()));
   }
-  if (!options.help) complete(options, typeGiven, rangeGiven);
+  complete(options, typeGiven, rangeGiven);
   return options;
 }
 
