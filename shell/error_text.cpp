@@ -62,6 +62,11 @@ Excerpt excerpt(std::string_view source, SourceSpan spot, std::size_t width) {
   return found;
 }
 
+std::string hintOf(language::SourceError const& error) {
+  std::string const own = error.hint();
+  return own.empty() ? embedded_host::renderHint(error.cause().GetBaseMsgIDObj()) : own;
+}
+
 std::string underline(Excerpt const& found) {
   return std::string(found.caret, ' ') + '^' + std::string(found.length - 1, '~');
 }
@@ -113,7 +118,6 @@ std::string wrap(std::string const& text, std::size_t indent, std::size_t width)
 
 std::string describeError(language::SourceError const& error, ErrorPlace const& place,
                           std::optional<bool> drawn) {
-  auto const& id = error.cause().GetBaseMsgIDObj();
   std::size_t const width = static_cast<std::size_t>(std::max(place.width, 40)) - 1;
   Excerpt const found = excerpt(place.source, error.spot(), width - 4);
   bool const interrupted = error.identifier() == "TALVOR:language:interrupted";
@@ -124,8 +128,7 @@ std::string describeError(language::SourceError const& error, ErrorPlace const& 
   bool const named = name.empty() || message.find(name) != std::string::npos;
   if (message.size() > kLongestMessage) message = message.substr(0, kLongestMessage) + " ...";
   std::string out = wrap(where + (named ? "" : name + ": ") + message, 2, width);
-  std::string hint = error.hint();
-  if (hint.empty()) hint = embedded_host::renderHint(id);
+  std::string const hint = hintOf(error);
   if (!place.source.empty()) {
     out += "    " + found.text + "\n    " + underline(found);
     bool const fits = 4 + found.caret + found.length + 3 + displayWidth(hint) <= width;
@@ -146,6 +149,17 @@ std::string describeError(foundation::core::except::AnyException const& error) {
   std::string text = std::string("  ") + error.text() + '\n';
   if (!hint.empty()) text += "    " + hint + '\n';
   return text + "  [" + error.GetID() + "]\n";
+}
+
+ErrorFacts factsOf(language::SourceError const& error, std::string_view source, bool drawn) {
+  ErrorFacts facts{error.identifier(), error.what(), hintOf(error), drawn};
+  std::string_view const before = source.substr(0, error.spot().begin);
+  if (!source.empty()) {
+    auto const lines = static_cast<std::size_t>(std::count(before.begin(), before.end(), '\n'));
+    std::string_view const ofLine = before.substr(before.rfind('\n') + 1);  // npos + 1 is 0
+    facts.place = {lines + 1, displayWidth(ofLine) + 1};
+  }
+  return facts;
 }
 
 std::string describeWarning(foundation::core::except::MessageId const& id, std::string const& text,

@@ -9,6 +9,7 @@
 
 #include "host/except.h"
 #include "language/fault.h"
+#include "shell/json.h"
 
 namespace shell {
 
@@ -25,6 +26,9 @@ std::string describeError(language::SourceError const& error, ErrorPlace const& 
 
 // The same without a program that it stands in: for the commands of tvrng.
 std::string describeError(foundation::core::except::AnyException const& error);
+
+// The same for programs. `source` may be empty.
+ErrorFacts factsOf(language::SourceError const& error, std::string_view source, bool drawn);
 
 std::string describeWarning(foundation::core::except::MessageId const& id, std::string const& text,
                             ErrorPlace const& place, std::optional<language::SourceSpan> call);

@@ -2,6 +2,8 @@
 
 #include <unistd.h>
 
+#include <cstdio>
+
 #include "embedded_host/object_system.h"
 #include "language/fault.h"
 #include "shell/error_text.h"
@@ -39,6 +41,7 @@ Interpreter::Outcome Interpreter::run(std::string_view source, std::string const
     std::string const text =
         describeError(error, {source, fileName, terminalWidth(STDERR_FILENO)}, drawnBefore(error));
     std::fwrite(text.data(), 1, text.size(), stderr);
+    if (json_) write(toJson(factsOf(error, source, drawnBefore(error).value_or(false))) + '\n');
     return Outcome::failed;
   }
 }
@@ -102,7 +105,7 @@ void Interpreter::show(std::string_view name, txArray const& value) {
 }
 
 void Interpreter::print(std::string_view utf8) {
-  std::fwrite(utf8.data(), 1, utf8.size(), printTarget_);
+  std::fwrite(utf8.data(), 1, utf8.size(), json_ ? stderr : stdout);
 }
 
 void Interpreter::printValue(txArray const& value) { print(displayValue("", value, style_)); }

@@ -2,7 +2,6 @@
 
 // A virtual machine with a session of the language, its output on the terminal or as JSON.
 
-#include <cstdio>
 #include <optional>
 #include <set>
 #include <string>
@@ -41,8 +40,9 @@ class Interpreter final : private language::Output {
   // Writes the last value as a line of JSON; `null` without one.
   void showLastAsJson();
 
-  // Text of print goes to standard error from now on: standard output is for the JSON line.
-  void printToStandardError() { printTarget_ = stderr; }
+  // Standard output is for one line of JSON from now on: text of print goes to standard error, and
+  // an error is told on both.
+  void answerInJson() { json_ = true; }
 
   DisplayStyle& style() noexcept { return style_; }
   language::Session& session() noexcept { return session_; }
@@ -61,7 +61,7 @@ class Interpreter final : private language::Output {
 
   Echo echo_;
   DisplayStyle style_;
-  std::FILE* printTarget_ = stdout;
+  bool json_ = false;
   runtime::Vm vm_;
   embedded_host::EnterVm entered_;
   language::Session session_;

@@ -29,6 +29,10 @@ void appendText(std::string& out, std::u16string_view text) {
   out += '"';
 }
 
+void appendText(std::string& out, std::string_view utf8) {
+  appendText(out, embedded_host::utf8ToUtf16(utf8));
+}
+
 void appendNumber(std::string& out, double x) {
   if (std::isnan(x)) {
     out += "\"NaN\"";
@@ -104,7 +108,7 @@ void appendProperties(std::string& out, txArray const& value) {
       if (!content) continue;
       if (!first) out += ',';
       first = false;
-      appendText(out, embedded_host::utf8ToUtf16(property.name));
+      appendText(out, property.name);
       out += ':';
       append(out, *content);
     }
@@ -114,7 +118,7 @@ void appendProperties(std::string& out, txArray const& value) {
 
 void append(std::string& out, txArray const& value) {
   out += "{\"class\":";
-  appendText(out, embedded_host::utf8ToUtf16(language::classText(value)));
+  appendText(out, language::classText(value));
   out += ",\"size\":[";
   bool first = true;
   for (std::uint64_t const extent : value.dims()) {
@@ -151,6 +155,20 @@ std::string toJson(txArray const& value) {
   std::string out;
   append(out, value);
   return out;
+}
+
+std::string toJson(ErrorFacts const& error) {
+  std::string out = "{\"error\":{\"identifier\":";
+  appendText(out, error.identifier);
+  out += ",\"message\":";
+  appendText(out, error.message);
+  out += ",\"hint\":";
+  error.hint.empty() ? void(out += "null") : appendText(out, error.hint);
+  out += error.drawn ? ",\"drawn\":true" : ",\"drawn\":false";
+  out += error.place
+             ? fmt::format(",\"line\":{},\"column\":{}", error.place->line, error.place->column)
+             : ",\"line\":null,\"column\":null";
+  return out + "}}";
 }
 
 }  // namespace shell

@@ -2,14 +2,18 @@
 
 #include <unistd.h>
 
+#include <algorithm>
 #include <cerrno>
 #include <cstdio>
 #include <cstring>
+#include <span>
 
+#include "host/except.h"
 #include "language/limits.h"
 #include "shell/command_line.h"
 #include "shell/doctor_command.h"
 #include "shell/interpreter.h"
+#include "shell/json.h"
 #include "shell/options.h"
 #include "shell/prompt.h"
 #include "shell/report_command.h"
@@ -49,7 +53,7 @@ int runPrograms(Invocation const& invocation) {
   if (isScript) sources.push_back(readProgram(invocation.file));
   Interpreter interpreter(echoes ? Interpreter::Echo::all : Interpreter::Echo::none);
   if (invocation.longNumbers) interpreter.style().digits = 15;
-  if (invocation.json) interpreter.printToStandardError();
+  if (invocation.json) interpreter.answerInJson();
   std::string const name = !isScript                ? ""
                            : invocation.file == "-" ? "standard input"
                                                     : invocation.file;
@@ -92,25 +96,37 @@ int runInvocation(Invocation const& invocation) {
   }
 }
 
+// Whether a program reads the answer: also known where the words make no sense.
+bool wantsJson(std::span<std::string const> words) {
+  auto const end = std::ranges::find(words, "--");
+  return std::find(words.begin(), end, "--json") != end;
+}
+
+void tell(shell::ErrorFacts const& error, bool json) {
+  std::fprintf(stderr, "tvrng: %s\n", error.message.c_str());
+  if (!error.hint.empty()) std::fprintf(stderr, "       %s\n", error.hint.c_str());
+  if (json) std::puts(toJson(error).c_str());
+}
+
 }  // namespace
 
-int main(int count, char** words) {
+int main(int count, char** arguments) {
+  std::vector<std::string> const words(arguments + (count > 0 ? 1 : 0), arguments + count);
   try {
-    int const status = runInvocation(shell::parseCommandLine(
-        std::vector<std::string>(words + (count > 0 ? 1 : 0), words + count),
-        isatty(STDIN_FILENO)));
+    int const status = runInvocation(shell::parseCommandLine(words, isatty(STDIN_FILENO)));
     if (std::fflush(stdout) != 0 || std::ferror(stdout)) {
       if (errno != EPIPE) std::fprintf(stderr, "tvrng: cannot write: %s\n", std::strerror(errno));
       return kProgramError;
     }
     return status;
   } catch (shell::UsageError const& error) {
-    bool const ofCommand = count > 1 && shell::isCommand(words[1]);
-    std::fprintf(stderr, "tvrng: %s\n       tvrng %s%s--help tells what there is\n", error.what(),
-                 ofCommand ? words[1] : "", ofCommand ? " " : "");
+    bool const ofCommand = !words.empty() && shell::isCommand(words[0]);
+    std::string const help = "tvrng " + (ofCommand ? words[0] + ' ' : "") + "--help";
+    tell({"TALVOR:command:usage", error.what(), help + " tells what there is"}, wantsJson(words));
     return kWrongUse;
   } catch (std::exception const& error) {
-    std::fprintf(stderr, "tvrng: %s\n", error.what());
+    auto const* known = dynamic_cast<foundation::core::except::AnyException const*>(&error);
+    tell({known ? known->GetID() : "TALVOR:command:failed", error.what()}, wantsJson(words));
     return kProgramError;
   }
 }
