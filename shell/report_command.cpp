@@ -3,16 +3,14 @@
 #include <fmt/format.h>
 #include <unistd.h>
 
-#include <cerrno>
 #include <cstdio>
-#include <cstring>
-#include <fstream>
 
 #include "host/except.h"
 #include "report/report.h"
 #include "shell/error_text.h"
 #include "shell/options.h"
 #include "shell/progress.h"
+#include "shell/replace_file.h"
 #include "tfl_rng/generator_catalogue.h"
 
 namespace shell {
@@ -66,21 +64,8 @@ ReportOptions parse(std::vector<std::string> const& words) {
   return options;
 }
 
-// An empty name is standard output.
-void write(std::string const& page, std::string const& file) {
-  if (file.empty()) {
-    std::fwrite(page.data(), 1, page.size(), stdout);
-    return;
-  }
-  std::ofstream out(file, std::ios::binary);
-  out << page << std::flush;
-  if (!out)
-    throw std::runtime_error(fmt::format("cannot write {}: {}", file, std::strerror(errno)));
-}
-
 std::string singlePage(ReportOptions const& options) {
   report::Subject const subject = report::subjectNamed(options.generator, options.seed);
-  write("", options.output);  // a file that cannot be written is told before the work
   Progress progress;
   auto const results = report::measureAll(
       subject, [&](double share, std::string_view what) { progress.draw(share, what); });
@@ -88,7 +73,6 @@ std::string singlePage(ReportOptions const& options) {
 }
 
 std::string comparison(ReportOptions const& options) {
-  write("", options.output);
   Progress progress;
   std::vector<report::Entry> entries;
   auto const generators = tfl_rng::generatorNames();
@@ -113,9 +97,15 @@ int runReportCommand(std::vector<std::string> const& words) {
     std::fputs(kReportUsage, stdout);
     return 0;
   }
+  // What cannot be written is told before the work.
+  if (!options.output.empty()) checkReplaceable(options.output);
   try {
     std::string const page = options.all ? comparison(options) : singlePage(options);
-    write(page, options.output);
+    if (options.output.empty()) {
+      std::fwrite(page.data(), 1, page.size(), stdout);
+    } else {
+      replaceFile(options.output, page);
+    }
   } catch (foundation::core::except::AnyException const& error) {
     std::fputs(describeError(error).c_str(), stderr);
     return 1;

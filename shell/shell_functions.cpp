@@ -3,10 +3,8 @@
 #include <fmt/format.h>
 
 #include <algorithm>
-#include <cerrno>
-#include <cstring>
-#include <fstream>
 #include <numeric>
+#include <system_error>
 
 #include "embedded_host/array.h"
 #include "host/messages.h"
@@ -16,6 +14,7 @@
 #include "shell/generators_table.h"
 #include "shell/help.h"
 #include "shell/interpreter.h"
+#include "shell/replace_file.h"
 
 namespace shell {
 
@@ -95,27 +94,37 @@ std::vector<double> doublesOf(txArray const& value, int position) {
   return {data, data + elements->numel()};
 }
 
-// Splits off the name of a file, the last argument when that is a text.
-std::string fileArgument(Arguments& arguments) {
-  if (arguments.empty() || !language::isScalarText(*arguments.back())) return "";
-  std::string file = language::utf8Of(*arguments.back());
-  arguments = arguments.first(arguments.size() - 1);
+// Splits off the name of a file, the last argument when that is a text. Of the others, `fewest` to
+// `most` remain.
+std::string fileArgument(Arguments& arguments, std::size_t fewest, std::size_t most,
+                         char const* usage) {
+  std::string file;
+  if (!arguments.empty() && language::isScalarText(*arguments.back())) {
+    file = language::utf8Of(*arguments.back());
+    arguments = arguments.first(arguments.size() - 1);
+  }
+  if (arguments.size() < fewest) matrix::detail::error_minrhs();
+  if (arguments.size() > most) {
+    language::raiseFault(
+        "text",
+        "The last input is the name of a file, not a " + language::describe(*arguments[most]) + ".",
+        usage, static_cast<int>(most) + 1);
+  }
   return file;
 }
 
 void writeFile(std::string const& file, std::string const& content) {
-  std::ofstream out(file, std::ios::binary);
-  out << content << std::flush;
-  if (!out) {
-    language::raiseFault("file", fmt::format("Cannot write {}: {}.", file, std::strerror(errno)),
-                         "");
+  try {
+    replaceFile(file, content);
+  } catch (std::system_error const& error) {
+    language::raiseFault("file", fmt::format("Cannot write {}: {}.", file, error.code().message()));
   }
 }
 
 // histogram(x), histogram(x,file)
 void histogram(Interpreter& interpreter, Arguments arguments) {
-  std::string const file = fileArgument(arguments);
-  if (arguments.size() != 1) matrix::detail::error_minrhs();
+  std::string const file = fileArgument(
+      arguments, 1, 1, "histogram(x) chooses its bins; histogram(x,'x.svg') draws to a file");
   auto const values = doublesOf(*arguments[0], 1);
   if (!file.empty()) return writeFile(file, report::histogramFile(values));
   interpreter.write(report::histogramText(values, interpreter.style().width));
@@ -123,8 +132,7 @@ void histogram(Interpreter& interpreter, Arguments arguments) {
 
 // chart(y), chart(x,y), and with a file
 void chart(Interpreter& interpreter, Arguments arguments) {
-  std::string const file = fileArgument(arguments);
-  if (arguments.empty()) matrix::detail::error_minrhs();
+  std::string const file = fileArgument(arguments, 1, 2, "chart(x,y,'xy.svg') draws to a file");
   auto const y = doublesOf(*arguments.back(), static_cast<int>(arguments.size()));
   std::vector<double> x(y.size());
   std::iota(x.begin(), x.end(), 1.0);
