@@ -1,19 +1,19 @@
 #include "shell/line_source.h"
 
 #include <histedit.h>
+#include <locale.h>
 #include <unistd.h>
 
 #include <cstdlib>
 #include <filesystem>
 
 #include "shell/completion.h"
+#include "shell/history.h"
 #include "shell/terminal.h"
 
 namespace shell {
 
 namespace {
-
-constexpr int kHistoryLines = 2000;
 
 char const* promptText(bool continues) { return continues ? ". " : "> "; }
 
@@ -25,44 +25,49 @@ std::filesystem::path historyFile() {
   return std::filesystem::path(home) / ".local" / "state" / "tvrng" / "history";
 }
 
+// Characters are those of UTF-8 for the editor, whatever the locale's name says: the language's
+// text is UTF-8. Everything else knows bytes, and is left in the locale it is in.
+class InUtf8 {
+ public:
+  InUtf8() : before_(uselocale(utf8())) {}
+  ~InUtf8() { uselocale(before_); }
+  InUtf8(InUtf8 const&) = delete;
+  InUtf8& operator=(InUtf8 const&) = delete;
+
+ private:
+  // Null, which changes nothing, where there is no such locale.
+  static locale_t utf8() {
+    static locale_t const made = newlocale(LC_CTYPE_MASK, "C.UTF-8", nullptr);
+    static locale_t const found = made ? made : newlocale(LC_CTYPE_MASK, "", nullptr);
+    return found;
+  }
+
+  locale_t before_;
+};
+
 class LineEditor final : public LineSource {
  public:
   explicit LineEditor(language::Session const& session)
-      : session_(session),
-        edit_(el_init("tvrng", stdin, stdout, stderr)),
-        history_(history_init()) {
-    HistEvent event;
-    history(history_.get(), &event, H_SETSIZE, kHistoryLines);
-    history(history_.get(), &event, H_SETUNIQUE, 1);
-    file_ = historyFile();
-    if (!file_.empty()) history(history_.get(), &event, H_LOAD, file_.c_str());
+      : session_(session), edit_(el_init("tvrng", stdin, stdout, stderr)), history_(historyFile()) {
     EditLine* const edit = edit_.get();
+    InUtf8 const inUtf8;  // which keys are letters is asked here
     el_set(edit, EL_CLIENTDATA, this);
     el_set(edit, EL_PROMPT, &LineEditor::prompt);
     el_set(edit, EL_EDITOR, "emacs");
-    el_set(edit, EL_HIST, ::history, history_.get());
+    el_set(edit, EL_HIST, ::history, history_.inMemory());
     el_set(edit, EL_ADDFN, "tv-complete", "completes names", &LineEditor::onTab);
     el_set(edit, EL_BIND, "^I", "tv-complete", nullptr);
     el_set(edit, EL_ADDFN, "tv-cancel", "drops the input", &LineEditor::onCancel);
     el_set(edit, EL_BIND, "^C", "tv-cancel", nullptr);
     el_set(edit, EL_BIND, "^R", "em-inc-search-prev", nullptr);
     el_set(edit, EL_SETTY, "-d", "-isig", nullptr);
-    el_source(edit, nullptr);  // the user's own key bindings
+    el_source(edit, nullptr);    // the user's own key bindings
   }
-
-  ~LineEditor() override {
-    if (file_.empty()) return;
-    std::error_code ignored;  // a history that cannot be kept is no reason to complain
-    std::filesystem::create_directories(file_.parent_path(), ignored);
-    HistEvent event;
-    history(history_.get(), &event, H_SAVE, file_.c_str());
-  }
-  LineEditor(LineEditor const&) = delete;
-  LineEditor& operator=(LineEditor const&) = delete;
 
   Input read(bool continues, std::string& line) override {
     prompt_ = promptText(continues);
     cancelled_ = false;
+    InUtf8 const inUtf8;
     int count = 0;
     char const* const text = el_gets(edit_.get(), &count);
     if (cancelled_) return Input::cancelled;
@@ -73,8 +78,7 @@ class LineEditor final : public LineSource {
 
   void remember(std::string const& source) override {
     if (source.find_first_not_of(" \t\n") == std::string::npos) return;
-    HistEvent event;
-    history(history_.get(), &event, H_ENTER, source.c_str());
+    history_.add(source);
   }
 
  private:
@@ -90,7 +94,7 @@ class LineEditor final : public LineSource {
     self(edit).cancelled_ = true;
     std::fputs("^C\n", stdout);
     std::fflush(stdout);
-    LineInfo const* const line = el_line(edit);
+    LineInfoW const* const line = el_wline(edit);
     el_cursor(edit, static_cast<int>(line->lastchar - line->cursor));
     el_deletestr(edit, static_cast<int>(line->lastchar - line->buffer));
     return CC_EOF;
@@ -134,14 +138,10 @@ class LineEditor final : public LineSource {
   struct EndEdit {
     void operator()(EditLine* edit) const { el_end(edit); }
   };
-  struct EndHistory {
-    void operator()(History* history) const { history_end(history); }
-  };
 
   language::Session const& session_;
   std::unique_ptr<EditLine, EndEdit> edit_;
-  std::unique_ptr<History, EndHistory> history_;
-  std::filesystem::path file_;
+  StatementHistory history_;
   std::string prompt_;
   bool cancelled_ = false;
 };

@@ -25,10 +25,10 @@ ESCAPE = re.compile(rb"\x1b(\[[0-9;?]*[A-Za-z]|[=>])")
 class Session:
     """tvrng on a terminal of its own."""
 
-    def __init__(self, home):
+    def __init__(self, home, locale="C.UTF-8"):
         self.process, self.terminal = pty.fork()
         if self.process == 0:
-            environment = dict(os.environ, HOME=home, TERM="xterm", LC_ALL="C.UTF-8",
+            environment = dict(os.environ, HOME=home, TERM="xterm", LC_ALL=locale,
                                XDG_STATE_HOME="", TVRNG_SETTINGS="/dev/null")
             os.execve(TVRNG, [TVRNG], environment)
         self.unread = b""
@@ -61,6 +61,10 @@ class Session:
                 raise AssertionError(f"tvrng ended before {text!r}: {self.unread.decode()!r}")
             self.unread = ESCAPE.sub(b"", self.unread + came)
         self.unread = self.unread[self.unread.index(wanted) + len(wanted):]
+        return self
+
+    def signal(self, number):
+        os.kill(self.process, number)
         return self
 
     def end(self):
@@ -122,13 +126,88 @@ class Terminal(unittest.TestCase):
         session.type("format long\npi\n").expect("3.14159265358979")
         session.type("help randperm\n").expect("randperm(n,k)")
 
+    def test_letters_beyond_ascii(self):
+        for locale in ("C.UTF-8", "C"):
+            with self.subTest(locale):
+                session = Session(self.home.name, locale)
+                session.type("double('a\u00e9\u00e2\u20ac\U0001f3b2b')\n")
+                session.expect("97    233    226   8364  55356  57266     98")
+                # Deleted, passed over and dropped character by character.
+                session.type("numel('\u00e9\u00fc\u20ac')\x1b[D\x1b[D\x7f\x7f\n").expect("ans = 1")
+                session.type("'\u00e9\u00e9\u00e9\u00e9\u00e9\u00e9'\x03").expect("^C")
+                session.type("1+1\n").expect("ans = 2")
+                session.type("\x04")
+                self.assertEqual(session.end(), 0)
+                # They come back from the file as well.
+                session = Session(self.home.name, locale)
+                session.type("\x1b[A\x1b[A\x1b[A\n").expect("57266     98")
+                session.type("\x04")
+                self.assertEqual(session.end(), 0)
+
+
+class Histories(unittest.TestCase):
+    def setUp(self):
+        self.home = tempfile.TemporaryDirectory()
+        self.addCleanup(self.home.cleanup)
+        self.file = pathlib.Path(self.home.name, ".local/state/tvrng/history")
+
+    def session(self):
+        return Session(self.home.name)
+
+    def kept(self):
+        return [re.sub(r"\\(\d{3})", lambda m: chr(int(m[1], 8)), line).rstrip("\n")
+                for line in self.file.read_text().splitlines()[1:]]
+
     def test_lines_are_remembered(self):
-        self.session.type("40+2\n").expect("ans = 42").type("\x04")
-        self.assertEqual(self.session.end(), 0)
-        kept = pathlib.Path(self.home.name, ".local/state/tvrng/history").read_text()
-        self.assertIn("40+2", kept.replace(r"\040", " "))
-        self.session = Session(self.home.name)
-        self.session.type("\x1b[A\n").expect("ans = 42")
+        session = self.session()
+        session.type("40+2\n").expect("ans = 42").type("'a\\b'\n").expect("ans = 'a").type("\x04")
+        self.assertEqual(session.end(), 0)
+        self.assertEqual(self.kept(), ["40+2", "'a\\b'"])
+        self.assertEqual(self.file.stat().st_mode & 0o777, 0o600)
+        session = self.session()
+        session.type("\x1b[A\n").expect("ans = 'a\\b'").type("\x1b[A\x1b[A\n").expect("ans = 42")
+        session.type("40+2\n").expect("ans = 42").type("\x04")
+        session.end()
+        self.assertEqual(self.kept(), ["40+2", "'a\\b'", "40+2"])  # none twice in a row
+
+    def test_prompts_side_by_side_keep_each_others_lines(self):
+        one, other = self.session(), self.session()
+        one.type("1+1\n").expect("ans = 2").expect("> ")
+        other.type("1+2\n").expect("ans = 3").expect("> ")
+        one.type("1+3\n")
+        for session in (one, other):
+            session.type("\x04")
+            self.assertEqual(session.end(), 0)
+        self.assertEqual(self.kept(), ["1+1", "1+2", "1+3"])
+
+    def test_a_prompt_ended_by_a_signal_keeps_its_lines(self):
+        for number in (signal.SIGTERM, signal.SIGHUP):
+            session = self.session()
+            session.type(f"{number:d}+5\n").expect("ans = ").expect("> ")
+            session.type("half a li").signal(number)
+            self.assertEqual(session.end(), -number)
+        self.assertEqual(self.kept(), ["15+5", "1+5"])
+
+    def test_what_is_no_file_is_left_alone(self):
+        self.file.parent.mkdir(parents=True)
+        for make in (lambda: os.mkfifo(self.file), lambda: self.file.mkdir()):
+            make()
+            session = self.session()
+            session.type("2*3\n").expect("ans = 6").type("\x04")
+            self.assertEqual(session.end(), 0)
+            self.file.rmdir() if self.file.is_dir() else self.file.unlink()
+
+    def test_a_long_file_is_cut_to_the_latest_lines(self):
+        self.file.parent.mkdir(parents=True)
+        self.file.write_text("_HiStOrY_V2_\n" + "".join(f"{i}\\012\n" for i in range(4000)))
+        session = self.session()
+        session.type("\x04").end()
+        self.assertEqual(len(self.kept()), 4000)
+        with self.file.open("a") as file:
+            file.write("4000\\012\n")
+        session = self.session()
+        session.type("-1\n").expect("ans = -1").type("\x04").end()
+        self.assertEqual(self.kept(), [str(i) for i in range(2001, 4001)] + ["-1"])
 
 
 if __name__ == "__main__":
