@@ -1,5 +1,6 @@
 #include "language/parser.h"
 
+#include <algorithm>
 #include <utility>
 
 #include "language/expression_parser.h"
@@ -13,7 +14,8 @@ using enum TokenKind;
 
 class StatementParser {
  public:
-  explicit StatementParser(TokenReader& reader) : reader_(reader), expressions_(reader) {}
+  StatementParser(TokenReader& reader, std::span<std::string const> commands)
+      : reader_(reader), expressions_(reader), commands_(commands) {}
 
   Block program() {
     Block body = statements();
@@ -110,6 +112,39 @@ class StatementParser {
     return false;
   }
 
+  static ExpressionPtr make(SourceSpan span, int height, decltype(Expression::node) node) {
+    return std::make_unique<Expression>(Expression{span, height, std::move(node)});
+  }
+
+  // Whether a command's name has been read and its word, or number, comes next.
+  bool atCommandWord(Expression const& read) const {
+    auto const* command = std::get_if<Name>(&read.node);
+    return command && (reader_.at(name) || reader_.at(number)) &&
+           std::ranges::find(commands_, command->name) != commands_.end();
+  }
+
+  // The rest of `name word`: a call of `command`. Words with points between them are one.
+  ExpressionPtr commandCall(ExpressionPtr command) {
+    Token const& first = reader_.take();
+    SourceSpan span = first.span;
+    std::vector<ExpressionPtr> arguments;
+    if (first.kind == number) {
+      arguments.push_back(make(span, 1, Number{first.value, first.imaginary}));
+    } else {
+      std::string_view const begin = reader_.spelling(first);
+      std::u16string word(begin.begin(), begin.end());
+      while (reader_.at(dot) && reader_.peek(1).kind == name) {
+        reader_.take();
+        std::string_view const part = reader_.spelling(reader_.peek());
+        word.append(1, u'.').append(part.begin(), part.end());
+        span = join(span, reader_.take().span);
+      }
+      arguments.push_back(make(span, 1, Text{std::move(word), false}));
+    }
+    SourceSpan const whole = join(command->span, span);
+    return make(whole, 2, Index{std::move(command), std::move(arguments), false});
+  }
+
   Statement simpleStatement() {
     bool const many = atTargetList();
     std::vector<ExpressionPtr> targets;
@@ -117,6 +152,9 @@ class StatementParser {
       targets = expressions_.targets();
     } else {
       targets.push_back(expressions_.parse());
+      if (atCommandWord(*targets.front())) {
+        targets.front() = commandCall(std::move(targets.front()));
+      }
     }
     if (!reader_.at(assign)) {
       if (reader_.at(name) || reader_.at(number) || reader_.at(text) || reader_.at(string)) {
@@ -235,14 +273,15 @@ class StatementParser {
 
   TokenReader& reader_;
   ExpressionParser expressions_;
+  std::span<std::string const> commands_;
   int loops_ = 0;
 };
 
 }  // namespace
 
-Block parse(std::string_view source) {
+Block parse(std::string_view source, std::span<std::string const> commands) {
   TokenReader reader(source, tokenize(source));
-  return StatementParser(reader).program();
+  return StatementParser(reader, commands).program();
 }
 
 }  // namespace language

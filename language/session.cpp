@@ -34,7 +34,7 @@ Session::~Session() {
 void Session::run(std::string_view source) {
   interruptRequested = false;
   callInProgress_.reset();
-  Block const program = parse(source);
+  Block const program = parse(source, commands_);
   Evaluator(*this).run(program);
 }
 

@@ -64,6 +64,9 @@ class TV_EXPORT Session {
   // Called before each statement of a program that is no part of another one.
   void atStatement(std::function<void()> hook) { statementHook_ = std::move(hook); }
 
+  // From now on a statement `name word` calls name('word').
+  void addCommand(std::string name) { commands_.push_back(std::move(name)); }
+
   Output& output() noexcept { return output_; }
   embedded_host::VmContext& vm() const noexcept { return vm_; }
   std::optional<std::chrono::steady_clock::time_point>& timer() noexcept { return timer_; }
@@ -87,6 +90,7 @@ class TV_EXPORT Session {
   bool lastShown_ = false;
   std::optional<SourceSpan> callInProgress_;
   std::function<void()> statementHook_;
+  std::vector<std::string> commands_;
   std::optional<std::chrono::steady_clock::time_point> timer_;
 };
 

@@ -115,7 +115,7 @@ std::string overview(std::size_t width) {
 
 std::span<HelpRow const> helpRows() { return kRows; }
 
-std::string helpText(std::string_view topic, language::Session const& session, int width) {
+std::string helpText(std::string_view topic, int width) {
   if (topic.empty()) return overview(static_cast<std::size_t>(width));
   std::vector<std::string> known;
   for (HelpRow const& row : kRows) {
@@ -132,7 +132,6 @@ std::string helpText(std::string_view topic, language::Session const& session, i
       known.emplace_back(row.name);
     }
   }
-  for (std::string& name : session.vm().functions().names()) known.push_back(std::move(name));
   std::string const closest = embedded_host::closestName(topic, known);
   language::raiseFault(
       "help", "There is no help on '" + std::string(topic) + "'.",

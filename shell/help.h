@@ -1,16 +1,15 @@
 #pragma once
 
+#include <span>
 #include <string>
 #include <string_view>
-
-#include "language/session.h"
 
 namespace shell {
 
 // The help of a topic: a function, a property or method of streams, an operator of the prompt; the
 // list of all without one. Each has one example that runs as it stands. Raises a fault with the
 // nearest topic for an unknown one.
-std::string helpText(std::string_view topic, language::Session const& session, int width);
+std::string helpText(std::string_view topic, int width);
 
 // The names that help knows beyond the language's own functions.
 struct HelpRow {

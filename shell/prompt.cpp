@@ -15,21 +15,6 @@ namespace {
 // While a statement runs, Ctrl-C ends it; while a line is edited, it is a key like any other.
 extern "C" void onInterrupt(int) { language::requestInterrupt(); }
 
-// `help rand` and `format long`, the two commands that are typed most, need no parentheses.
-std::string expandCommand(std::string const& line, language::Session const& session) {
-  for (char const* const command : {"help", "format"}) {
-    std::string const lead = std::string(command) + ' ';
-    if (!line.starts_with(lead) || session.variable(command)) continue;
-    std::size_t const from = line.find_first_not_of(' ', lead.size());
-    std::size_t const to = line.find_last_not_of(" \n;");
-    if (from == std::string::npos || to < from) return std::string(command) + '\n';
-    std::string const word = line.substr(from, to - from + 1);
-    if (word.find_first_of(" '\"(=") != std::string::npos) continue;
-    return std::string(command) + "('" + word + "')\n";
-  }
-  return line;
-}
-
 }  // namespace
 
 int runPrompt(Interpreter& interpreter, bool greet) {
@@ -44,7 +29,6 @@ int runPrompt(Interpreter& interpreter, bool greet) {
   }
   auto const lines = makeLineSource(interpreter.session());
   std::string source;
-  std::string typed;  // the same as it was typed, for the history
   for (;;) {
     std::fflush(stdout);
     std::string line;
@@ -56,26 +40,22 @@ int runPrompt(Interpreter& interpreter, bool greet) {
       }
       interpreter.run(source);  // tells what is missing
       source.clear();
-      typed.clear();
       continue;
     }
     if (input == LineSource::Input::cancelled) {
       source.clear();
-      typed.clear();
       continue;
     }
-    typed += line;
-    source += source.empty() ? expandCommand(line, interpreter.session()) : line;
+    source += line;
     interpreter.style().width = terminalWidth(STDOUT_FILENO);
     try {
       if (interpreter.run(source, "", true) == Interpreter::Outcome::incomplete) continue;
     } catch (ExitRequest const& request) {
-      lines->remember(typed);
+      lines->remember(source);
       return request.status;
     }
-    lines->remember(typed);
+    lines->remember(source);
     source.clear();
-    typed.clear();
   }
 }
 

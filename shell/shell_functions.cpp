@@ -73,7 +73,7 @@ void format(Interpreter& interpreter, Arguments arguments) {
 
 void help(Interpreter& interpreter, Arguments arguments) {
   std::string const topic = arguments.empty() ? "" : language::textArgument(*arguments[0], 1);
-  interpreter.write(helpText(topic, interpreter.session(), interpreter.style().width));
+  interpreter.write(helpText(topic, interpreter.style().width));
 }
 
 void generators(Interpreter& interpreter, Arguments) { interpreter.write(generatorsTable()); }
@@ -166,6 +166,8 @@ constexpr Row kRows[] = {{"whos", whos, 0},           {"format", format, 1},
 }  // namespace
 
 void registerShellFunctions(Interpreter& interpreter) {
+  // The two that are typed most need no parentheses.
+  for (char const* const name : {"help", "format"}) interpreter.session().addCommand(name);
   for (Row const& row : kRows) {
     interpreter.session().vm().functions().add(
         row.name, [&interpreter, &row](int nlhs, txArrayPtr*, int nrhs, txArray const** prhs) {
