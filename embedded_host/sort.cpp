@@ -5,6 +5,7 @@
 #include <cmath>
 #include <limits>
 
+#include "embedded_host/interrupt.h"
 #include "embedded_host/messages.h"
 #include "embedded_host/sort_uniforms.h"
 #include "host/allocator.h"
@@ -17,6 +18,7 @@ struct Entry {
   std::uint64_t index;
 
   bool operator<(Entry const& other) const {
+    embedded_host::checkInterrupt();
     return key < other.key || (key == other.key && index < other.index);
   }
 };
@@ -30,12 +32,16 @@ std::int64_t orderOf(double value) {
 
 void sortAny(std::span<const double> values, double* sorted, double* positions) {
   auto entries = txMakeBuffer<Entry>(values.size());
-  for (std::size_t i = 0; i < values.size(); ++i) entries[i] = {orderOf(values[i]), i};
+  embedded_host::inParts(values.size(), [&](std::size_t begin, std::size_t end) {
+    for (std::size_t i = begin; i < end; ++i) entries[i] = {orderOf(values[i]), i};
+  });
   std::sort(entries.get(), entries.get() + values.size());
-  for (std::size_t i = 0; i < values.size(); ++i) {
-    sorted[i] = values[entries[i].index];
-    if (positions) positions[i] = static_cast<double>(entries[i].index + 1);
-  }
+  embedded_host::inParts(values.size(), [&](std::size_t begin, std::size_t end) {
+    for (std::size_t i = begin; i < end; ++i) {
+      sorted[i] = values[entries[i].index];
+      if (positions) positions[i] = static_cast<double>(entries[i].index + 1);
+    }
+  });
 }
 
 }  // namespace

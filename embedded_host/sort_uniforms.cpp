@@ -17,6 +17,7 @@
 #include <utility>
 
 #include "embedded_host/array_impl.h"
+#include "embedded_host/interrupt.h"
 #include "embedded_host/sort_kernels.h"
 #include "host/allocator.h"
 
@@ -71,6 +72,7 @@ class Blocks {
     constexpr std::size_t kChunk = 512;
     std::array<std::int64_t, kChunk> fixed;
     for (std::size_t at = 0; at < values.size(); at += kChunk) {
+      checkInterrupt();
       std::size_t const n = std::min(kChunk, values.size() - at);
       FixedPoint const kind = toFixed(values.data() + at, n, fixed.data());
       if (!kind.inRange || !distributeChunk({fixed.data(), n}, at)) return false;
@@ -217,6 +219,7 @@ SortedUniforms sortUniforms(std::span<const double> values, std::span<const std:
   auto* positionsOut = reinterpret_cast<double*>(blocks.entries());
   BlockSorter sorter(blocks.room());
   for (std::size_t b = 0; b < blocks.count(); ++b) {
+    checkInterrupt();
     auto const sorted = sorter.sort(blocks.block(b));
     // From 0.5 on doubles have no bits below 2^-53.
     bool const isExact = exact || blocks.base(b) >= std::int64_t{1} << (kFixedBits - 1);

@@ -5,6 +5,7 @@
 #include <csignal>
 #include <string>
 
+#include "embedded_host/interrupt.h"
 #include "embedded_host/vm_context.h"
 #include "fuzz/fuzz_target.h"
 #include "language/session.h"
@@ -29,7 +30,7 @@ class ShownAndDropped final : public language::Output {
 class Deadline {
  public:
   Deadline() {
-    std::signal(SIGVTALRM, [](int) { language::requestInterrupt(); });
+    std::signal(SIGVTALRM, [](int) { embedded_host::requestInterrupt(); });
     // Again and again, since a new run forgets the request.
     itimerval const second{.it_interval = {0, 100'000}, .it_value = {1, 0}};
     setitimer(ITIMER_VIRTUAL, &second, nullptr);

@@ -39,12 +39,15 @@ void Evaluator::runAssignment(Assignment const& node) {
   if (!node.many) {
     Expression const& target = *node.targets.front();
     bool const deletes = isEmptyBrackets(*node.value) && isParenIndex(target);
-    assign(target, {evaluate(*node.value), node.value->span, deletes});
+    NewValue value{evaluate(*node.value), node.value->span, deletes};
+    checkInterrupt(node.value->span);
+    assign(target, std::move(value));
     std::string const root = rootOf(target);
     show(root, node.show);
     return;
   }
   Values values = evaluateMany(*node.value, static_cast<int>(node.targets.size()));
+  checkInterrupt(node.value->span);
   std::size_t wanted = node.targets.size();
   if (values.size() < wanted) {
     raiseFaultAt(node.value->span, "fewValues",

@@ -4,6 +4,7 @@
 
 #include <cstdint>
 
+#include "embedded_host/interrupt.h"
 #include "language/values.h"
 
 namespace language {
@@ -24,9 +25,12 @@ class Broadcast {
     std::uint64_t const rightStep = rightSteps_[0];
     Shape at(extents_.size(), 0);
     for (;;) {
-      for (std::uint64_t i = 0; i < inner; ++i) {
-        *out++ = op(left[i * leftStep], right[i * rightStep]);
-      }
+      embedded_host::inParts(inner, [=](std::uint64_t begin, std::uint64_t end) {
+        for (std::uint64_t i = begin; i < end; ++i) {
+          out[i] = op(left[i * leftStep], right[i * rightStep]);
+        }
+      });
+      out += inner;
       std::size_t d = 1;
       for (; d < extents_.size(); ++d) {
         left += leftSteps_[d];

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cstring>
 
+#include "embedded_host/interrupt.h"
 #include "language/cells.h"
 #include "language/fault.h"
 #include "language/operators.h"
@@ -144,9 +145,11 @@ txArrayPtr concatenate(std::span<txArrayPtr const> values, std::size_t dimension
   std::size_t const bytes = embedded_host::elementBytes(target) * (complex ? 2 : 1);
   auto* out = static_cast<std::byte*>(result->data());
   eachBlock([&](std::uint64_t to, txArray const& part, std::uint64_t from, std::uint64_t count) {
-    if (count == 0) return;
-    std::memcpy(out + to * bytes, static_cast<std::byte const*>(part.data()) + from * bytes,
-                count * bytes);
+    auto const* source = static_cast<std::byte const*>(part.data());
+    embedded_host::inParts(count, [&](std::uint64_t begin, std::uint64_t end) {
+      std::memcpy(out + (to + begin) * bytes, source + (from + begin) * bytes,
+                  (end - begin) * bytes);
+    });
   });
   return result;
 }

@@ -1,8 +1,8 @@
 #include "language/evaluator.h"
 
+#include "embedded_host/interrupt.h"
 #include "embedded_host/object_system.h"
 #include "language/cells.h"
-#include "language/interrupt.h"
 #include "language/operators.h"
 #include "language/truth.h"
 
@@ -16,9 +16,8 @@ void Evaluator::run(Block const& block) {
 }
 
 void Evaluator::checkInterrupt(SourceSpan span) {
-  if (takeInterrupt()) {
-    raiseFaultAt(span, "interrupted", "Interrupted.");
-  }
+  if (embedded_host::interruptRequested()) [[unlikely]]
+    located(span, embedded_host::raiseInterrupted);
 }
 
 Evaluator::Flow Evaluator::runBlock(Block const& block) {
@@ -138,7 +137,9 @@ void Evaluator::runExpression(ExpressionStatement const& node) {
   Expression const& expression = *node.expression;
   auto const* name = std::get_if<Name>(&expression.node);
   if (name && isVariable(name->name)) return show(name->name, node.show);
-  for (txArrayPtr& value : evaluateMany(expression, 0)) {
+  Values values = evaluateMany(expression, 0);
+  checkInterrupt(node.expression->span);
+  for (txArrayPtr& value : values) {
     if (!value) continue;
     session_.setVariable("ans", std::move(value));
     show("ans", node.show);

@@ -64,6 +64,7 @@ Values Evaluator::evaluateMany(Expression const& expression, int outputs) {
     return values;
   };
   SourceSpan const span = expression.span;
+  checkInterrupt(span);
   return std::visit(
       Overloaded{[&](Number const& node) { return one(numberValue(node)); },
                  [&](IntegerLiteral const& node) { return one(integerValue(node)); },

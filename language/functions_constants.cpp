@@ -3,6 +3,7 @@
 #include <limits>
 
 #include "embedded_host/array.h"
+#include "embedded_host/interrupt.h"
 #include "embedded_host/text.h"
 #include "host/tcos.h"
 #include "language/fault.h"
@@ -65,7 +66,7 @@ void giveFilled(Call& call, Request const& request, Value&& value) {
   visitElementType(request.id, [&]<class T>(T) {
     T const element = static_cast<T>(value(T()));
     T* to = result->dataAs<T>();
-    for (std::uint64_t i = 0; i < result->numel(); ++i) to[i] = element;
+    embedded_host::each(result->numel(), [=](std::uint64_t i) { to[i] = element; });
   });
   call.give(std::move(result));
 }
@@ -117,10 +118,11 @@ void gap(Call& call) {
     auto const fill = [&]<class T>(T) {
       T const* from = std::as_const(*value).template dataAs<T>();
       T* to = result->template dataAs<T>();
-      for (std::uint64_t i = 0; i < value->numel(); ++i) {
-        T const magnitude = std::fabs(from[i * (value->isComplex() ? 2 : 1)]);
+      std::uint64_t const step = value->isComplex() ? 2 : 1;
+      embedded_host::each(value->numel(), [=](std::uint64_t i) {
+        T const magnitude = std::fabs(from[i * step]);
         to[i] = std::nextafter(magnitude, std::numeric_limits<T>::infinity()) - magnitude;
-      }
+      });
     };
     value->classID() == txClassSingle ? fill(float()) : fill(double());
     return call.give(std::move(result));

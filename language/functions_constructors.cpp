@@ -3,6 +3,7 @@
 #include <limits>
 
 #include "embedded_host/array.h"
+#include "embedded_host/interrupt.h"
 #include "embedded_host/text.h"
 #include "language/cells.h"
 #include "language/fault.h"
@@ -30,9 +31,9 @@ void makeLogical(Call& call) {
   visitElementType(numbers->classID(), [&]<class T>(T) {
     if constexpr (std::is_floating_point_v<T>) {
       T const* data = std::as_const(*numbers).template dataAs<T>();
-      for (std::uint64_t i = 0; i < numbers->numel(); ++i) {
+      embedded_host::each(numbers->numel(), [=](std::uint64_t i) {
         if (std::isnan(data[i])) raiseFault("conversion", "NaN is neither true nor false.", "", 1);
-      }
+      });
     }
   });
   call.give(convertClass(*numbers, txClassLogical));
@@ -99,10 +100,12 @@ void makeComplex(Call& call) {
     T const* from = std::as_const(*re).template dataAs<T>();
     T const* fromIm = std::as_const(*im).template dataAs<T>();
     T* to = result->template dataAs<T>();
-    for (std::uint64_t i = 0; i < larger.numel(); ++i) {
-      to[2 * i] = from[re->isScalar() ? 0 : i];
-      to[2 * i + 1] = fromIm[im->isScalar() ? 0 : i];
-    }
+    std::uint64_t const step = re->isScalar() ? 0 : 1;
+    std::uint64_t const stepIm = im->isScalar() ? 0 : 1;
+    embedded_host::each(larger.numel(), [=](std::uint64_t i) {
+      to[2 * i] = from[i * step];
+      to[2 * i + 1] = fromIm[i * stepIm];
+    });
     call.give(std::move(result));
   };
   single ? build(float()) : build(double());
@@ -122,7 +125,7 @@ void partOfComplex(Call& call) {
   auto const take = [&]<class T>(T) {
     T const* from = std::as_const(*value).template dataAs<T>();
     T* to = result->template dataAs<T>();
-    for (std::uint64_t i = 0; i < value->numel(); ++i) to[i] = from[2 * i + part];
+    embedded_host::each(value->numel(), [=](std::uint64_t i) { to[i] = from[2 * i + part]; });
   };
   value->classID() == txClassSingle ? take(float()) : take(double());
   call.give(std::move(result));

@@ -3,6 +3,7 @@
 #include <functional>
 
 #include "embedded_host/array.h"
+#include "embedded_host/interrupt.h"
 #include "language/broadcast.h"
 #include "language/fault.h"
 #include "language/functions.h"
@@ -12,6 +13,7 @@ namespace language {
 
 namespace {
 
+using embedded_host::each;
 using embedded_host::makeUninitialized;
 
 // Computes in the class of a float argument, in double for text and logicals. Integers stay as they
@@ -33,7 +35,7 @@ void onFloats(Call& call, bool integersPass = false) {
         txArrayPtr result = makeUninitialized(value->dims(), id, txComplexity::complex);
         C const* from = std::as_const(*value).template dataAs<C>();
         C* to = result->template dataAs<C>();
-        for (std::uint64_t i = 0; i < value->numel(); ++i) to[i] = function(from[i]);
+        each(value->numel(), [=](std::uint64_t i) { to[i] = function(from[i]); });
         return call.give(dropZeroImaginary(std::move(result)));
       } else {
         raiseFault("class", "This function takes real numbers.", "", 1);
@@ -42,7 +44,7 @@ void onFloats(Call& call, bool integersPass = false) {
     txArrayPtr result = makeUninitialized(value->dims(), id);
     T const* from = std::as_const(*value).template dataAs<T>();
     T* to = result->template dataAs<T>();
-    for (std::uint64_t i = 0; i < value->numel(); ++i) to[i] = function(from[i]);
+    each(value->numel(), [=](std::uint64_t i) { to[i] = function(from[i]); });
     call.give(std::move(result));
   };
   id == txClassSingle ? apply(float()) : apply(double());
@@ -118,7 +120,7 @@ void absolute(Call& call) {
   visitElementType(id, [&]<class T>(T) {
     T* to = result->dataAs<T>();
     T const* from = std::as_const(*value).template dataAs<T>();
-    for (std::uint64_t i = 0; i < value->numel(); ++i) {
+    each(value->numel(), [&](std::uint64_t i) {
       if constexpr (std::is_floating_point_v<T>) {
         to[i] = value->isComplex() ? std::hypot(from[2 * i], from[2 * i + 1]) : std::fabs(from[i]);
       } else if constexpr (std::is_signed_v<T>) {
@@ -128,7 +130,7 @@ void absolute(Call& call) {
       } else {
         to[i] = from[i];
       }
-    }
+    });
   });
   call.give(std::move(result));
 }

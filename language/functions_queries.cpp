@@ -3,6 +3,7 @@
 #include <cstring>
 
 #include "embedded_host/array.h"
+#include "embedded_host/interrupt.h"
 #include "embedded_host/object_system.h"
 #include "host/tcos.h"
 #include "language/fault.h"
@@ -98,10 +99,10 @@ void eachElement(Call& call) {
   visitElementType(value->classID(), [&]<class T>(T) {
     T const* from = std::as_const(*value).template dataAs<T>();
     std::uint64_t const step = value->isComplex() ? 2 : 1;
-    for (std::uint64_t i = 0; i < value->numel(); ++i) {
+    embedded_host::each(value->numel(), [=](std::uint64_t i) {
       to[i] =
           test(static_cast<double>(from[i * step]), static_cast<double>(from[i * step + step - 1]));
-    }
+    });
   });
   call.give(std::move(result));
 }

@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "embedded_host/array.h"
+#include "embedded_host/interrupt.h"
 #include "language/fault.h"
 #include "language/functions.h"
 #include "language/indexing.h"
@@ -95,9 +96,8 @@ void repmat(Call& call) {
     std::uint64_t const extent = d < result->dims().size() ? result->dims()[d] : 1;
     txArrayPtr positions = embedded_host::makeUninitialized(Shape{extent, times[d]}, txClassDouble);
     double* to = positions->dataAs<double>();
-    for (std::uint64_t i = 0; i < positions->numel(); ++i) {
-      to[i] = static_cast<double>(i % extent + 1);
-    }
+    embedded_host::each(positions->numel(),
+                        [=](std::uint64_t i) { to[i] = static_cast<double>(i % extent + 1); });
     Subscripts subscripts;
     for (std::size_t k = 0; k < rank; ++k) {
       subscripts.emplace_back(k == d ? positions.get() : nullptr, static_cast<int>(k) + 1);
@@ -115,13 +115,13 @@ void linspace(Call& call) {
   double* out = result->dataAs<double>();
   double const distance = to - from;
   bool const isFar = std::isinf(distance) && std::isfinite(from) && std::isfinite(to);
-  for (std::uint64_t i = 0; i < count; ++i) {
+  embedded_host::each(count, [=](std::uint64_t i) {
     double const part = static_cast<double>(i) / static_cast<double>(count - 1);
     out[i] = i + 1 == count ? to
              : i == 0       ? from
              : isFar        ? from * (1 - part) + to * part
                             : from + distance * part;
-  }
+  });
   call.give(std::move(result));
 }
 

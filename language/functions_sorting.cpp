@@ -1,10 +1,14 @@
 // Order: sort, unique, find, differences, counts.
 
 #include <algorithm>
-#include <numeric>
+#include <bit>
+#include <cmath>
 
 #include "embedded_host/array.h"
+#include "embedded_host/interrupt.h"
 #include "embedded_host/text.h"
+#include "host/allocator.h"
+#include "host/sort.h"
 #include "language/fault.h"
 #include "language/functions.h"
 #include "language/lines.h"
@@ -16,16 +20,40 @@ namespace {
 
 using embedded_host::makeUninitialized;
 
-// NaN after everything.
+// A number that orders as the values do: -0 equals 0, and NaN comes after everything.
 template <class T>
-bool before(T a, T b) {
-  return a < b || (!isNaN(a) && isNaN(b));
+std::uint64_t keyOf(T value) {
+  constexpr std::uint64_t kSign = std::uint64_t{1} << 63;
+  if constexpr (std::is_floating_point_v<T>) {
+    if (std::isnan(value)) return ~std::uint64_t{0};
+    auto const bits = std::bit_cast<std::uint64_t>(static_cast<double>(value));
+    return bits < kSign ? bits + kSign : kSign - (bits - kSign);
+  } else if constexpr (std::is_signed_v<T>) {
+    return static_cast<std::uint64_t>(std::int64_t{value}) + kSign;
+  } else {
+    return value;
+  }
 }
+
+struct Entry {
+  std::uint64_t key;
+  std::uint64_t place;
+};
 
 txArrayPtr realArgument(Call const& call) {
   txArrayPtr const value = elementsArgument(call[0], 1);
   if (value->isComplex()) raiseFault("class", "Complex numbers have no order.", "sort abs(x)", 1);
   return txShare(*value);
+}
+
+// As the host sorts; its vectors have two dimensions.
+void sortVector(Call& call, txArray const& value) {
+  txArrayPtr const column = embedded_host::reshape(value, Shape{value.numel(), 1});
+  txArray const* arguments[] = {column.get()};
+  txArrayPtr results[2];
+  int const wanted = call.wants(1) ? 2 : 1;
+  mathcoreSortFcn(wanted, results, 1, arguments);
+  for (int i = 0; i < wanted; ++i) call.give(embedded_host::reshape(*results[i], value.dims()), i);
 }
 
 // sort(x), sort(x,dimension), sort(...,'descend'); equal values keep their order.
@@ -47,24 +75,36 @@ void sort(Call& call) {
       call.arguments().begin(), call.arguments().begin() + static_cast<std::ptrdiff_t>(numbers));
   Call const plain(call.session(), 1, nullptr, arguments);
   Lines const lines(*value, dimensionArgument(plain, 1, *value));
+  if (value->classID() == txClassDouble && !descending && lines.length() == value->numel()) {
+    return sortVector(call, *value);
+  }
   txArrayPtr result = makeUninitialized(value->dims(), value->classID());
   txArrayPtr where = call.wants(1) ? makeUninitialized(value->dims(), txClassDouble) : nullptr;
   visitElementType(value->classID(), [&]<class T>(T) {
     T const* from = std::as_const(*value).template dataAs<T>();
     T* to = result->template dataAs<T>();
-    std::vector<std::uint64_t> order(lines.length());
+    auto const order = txMakeBuffer<Entry>(lines.length());
+    std::uint64_t const turn = descending ? ~std::uint64_t{0} : 0;
     lines.forEach(lines.length(), [&](std::uint64_t, std::uint64_t first) {
-      auto const at = [&](std::uint64_t i) { return from[first + i * lines.stride()]; };
-      std::iota(order.begin(), order.end(), std::uint64_t{0});
-      std::stable_sort(order.begin(), order.end(), [&](std::uint64_t a, std::uint64_t b) {
-        return descending ? before(at(b), at(a)) : before(at(a), at(b));
+      auto const each = [&](auto visit) {
+        embedded_host::inParts(lines.length(), [&](std::uint64_t begin, std::uint64_t end) {
+          for (std::uint64_t i = begin; i < end; ++i) visit(order[i], i);
+        });
+      };
+      each([&](Entry& entry, std::uint64_t i) {
+        entry = {keyOf(from[first + i * lines.stride()]) ^ turn, i};
       });
-      for (std::uint64_t i = 0; i < order.size(); ++i) {
-        to[first + i * lines.stride()] = at(order[i]);
+      std::sort(order.get(), order.get() + lines.length(), [](Entry const& a, Entry const& b) {
+        embedded_host::checkInterrupt();
+        return a.key < b.key || (a.key == b.key && a.place < b.place);
+      });
+      each([&](Entry const& entry, std::uint64_t i) {
+        to[first + i * lines.stride()] = from[first + entry.place * lines.stride()];
         if (where) {
-          where->dataAs<double>()[first + i * lines.stride()] = static_cast<double>(order[i] + 1);
+          where->dataAs<double>()[first + i * lines.stride()] =
+              static_cast<double>(entry.place + 1);
         }
-      }
+      });
     });
   });
   call.give(std::move(result));
@@ -78,7 +118,11 @@ void unique(Call& call) {
     T const* from = std::as_const(*value).template dataAs<T>();
     std::unique_ptr<T[]> const sorted(new T[value->numel()]);
     T* const end = std::copy(from, from + value->numel(), sorted.get());
-    std::sort(sorted.get(), end, before<T>);
+    T* const numbers = std::partition(sorted.get(), end, [](T x) { return !isNaN(x); });
+    std::sort(sorted.get(), numbers, [](T a, T b) {
+      embedded_host::checkInterrupt();
+      return a < b;
+    });
     std::uint64_t const count =
         static_cast<std::uint64_t>(std::unique(sorted.get(), end) - sorted.get());
     txArrayPtr result =
@@ -94,6 +138,7 @@ void find(Call& call) {
   bool const* from = std::as_const(*mask).dataAs<bool>();
   std::vector<double> found;
   for (std::uint64_t i = 0; i < mask->numel() && found.size() < most; ++i) {
+    if (i % embedded_host::kBetweenLooks == 0) embedded_host::checkInterrupt();
     if (from[i]) found.push_back(static_cast<double>(i + 1));
   }
   bool const row = isMatrix(*mask) && mask->dims()[0] == 1 && mask->dims()[1] != 1;
@@ -115,10 +160,10 @@ void diff(Call& call) {
     std::vector<std::uint64_t> starts;
     lines.forEach(lines.length(), [&](auto, std::uint64_t first) { starts.push_back(first); });
     lines.forEach(length, [&](std::uint64_t line, std::uint64_t first) {
-      for (std::uint64_t i = 0; i < length; ++i) {
+      embedded_host::each(length, [&](std::uint64_t i) {
         std::uint64_t const at = starts[line] + i * lines.stride();
         to[first + i * lines.stride()] = from[at + lines.stride()] - from[at];
-      }
+      });
     });
   };
   value->classID() == txClassSingle ? run(float()) : run(double());
@@ -137,12 +182,12 @@ void histcounts(Call& call) {
   txArrayPtr result = embedded_host::makeZeros(Shape{1, count - 1}, txClassDouble);
   double* to = result->dataAs<double>();
   double const* from = std::as_const(*value).dataAs<double>();
-  for (std::uint64_t i = 0; i < value->numel(); ++i) {
-    if (!(from[i] >= edge[0] && from[i] <= edge[count - 1])) continue;
+  embedded_host::each(value->numel(), [&](std::uint64_t i) {
+    if (!(from[i] >= edge[0] && from[i] <= edge[count - 1])) return;
     auto const after =
         static_cast<std::uint64_t>(std::upper_bound(edge, edge + count, from[i]) - edge);
     to[std::min(after, count - 1) - 1] += 1;
-  }
+  });
   call.give(std::move(result));
 }
 

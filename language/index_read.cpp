@@ -1,3 +1,4 @@
+#include "embedded_host/interrupt.h"
 #include "language/cells.h"
 #include "language/fault.h"
 #include "language/indexing.h"
@@ -63,7 +64,12 @@ txArrayPtr readElements(txArray const& value, Subscripts const& subscripts) {
     return embedded_host::reshape(value, shape);
   }
   txArrayPtr result = makeBlank(value, shape);
-  copyElements(*result, value, [&](auto&& copy) { forEachSelected(extents, subscripts, copy); });
+  copyElements(*result, value, [&](auto&& copy) {
+    forEachSelected(extents, subscripts, [&](std::uint64_t to, std::uint64_t from) {
+      if (to % embedded_host::kBetweenLooks == 0) embedded_host::checkInterrupt();
+      copy(to, from);
+    });
+  });
   return result;
 }
 

@@ -4,6 +4,7 @@
 
 #include <cstdint>
 
+#include "embedded_host/interrupt.h"
 #include "language/values.h"
 
 namespace language {
@@ -31,6 +32,7 @@ class Lines {
     std::uint64_t line = 0;
     for (std::uint64_t block = 0; block < blocks_; ++block) {
       for (std::uint64_t offset = 0; offset < stride_; ++offset) {
+        embedded_host::checkInterrupt();
         visit(line++, block * stride_ * length + offset);
       }
     }

@@ -1,24 +1,12 @@
 #include "language/session.h"
 
-#include <atomic>
-
+#include "embedded_host/interrupt.h"
 #include "language/evaluator.h"
 #include "language/functions.h"
-#include "language/interrupt.h"
 #include "language/lexer.h"
 #include "language/parser.h"
 
 namespace language {
-
-namespace {
-// Set by a signal handler, read and taken back by the sessions of any thread.
-std::atomic<bool> interruptRequested = false;
-static_assert(std::atomic<bool>::is_always_lock_free);
-}  // namespace
-
-void requestInterrupt() noexcept { interruptRequested = true; }
-
-bool takeInterrupt() noexcept { return interruptRequested && interruptRequested.exchange(false); }
 
 Session::Session(embedded_host::VmContext& vm, Output& output) : vm_(vm), output_(output) {
   registerFunctions(*this);
@@ -32,7 +20,7 @@ Session::~Session() {
 }
 
 void Session::run(std::string_view source) {
-  interruptRequested = false;
+  embedded_host::RunningProgram const running;
   callInProgress_.reset();
   Block const program = parse(source, commands_);
   Evaluator(*this).run(program);

@@ -42,7 +42,8 @@ class TV_EXPORT Session {
   Session& operator=(Session const&) = delete;
 
   // Parses all of `source`, then runs it. Raises a SourceError; statements before the failing one
-  // have taken effect.
+  // have taken effect. embedded_host::requestInterrupt ends it with an error that no program
+  // catches; what it was assigning then stays as it was.
   void run(std::string_view source);
 
   Variables const& variables() const noexcept { return variables_; }
@@ -93,9 +94,5 @@ class TV_EXPORT Session {
   std::vector<std::string> commands_;
   std::optional<std::chrono::steady_clock::time_point> timer_;
 };
-
-// Ends the running program of this process at its next statement with the error
-// "TALVOR:language:interrupted"; may be called from a signal handler. Cleared by the next run.
-TV_EXPORT void requestInterrupt() noexcept;
 
 }  // namespace language

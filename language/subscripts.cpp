@@ -1,5 +1,6 @@
 #include <algorithm>
 
+#include "embedded_host/interrupt.h"
 #include "language/fault.h"
 #include "language/indexing.h"
 #include "language/strings.h"
@@ -27,16 +28,16 @@ Subscript::Subscript(txArray const* index, int position) : whole_(!index), posit
   std::uint64_t const count = full->numel();
   if (full->isLogical()) {
     bool const* mask = std::as_const(*full).dataAs<bool>();
-    for (std::uint64_t i = 0; i < count; ++i) {
+    embedded_host::each(count, [&](std::uint64_t i) {
       if (mask[i]) at_.push_back(i);
-    }
+    });
     bool const row = isMatrix(*full) && full->dims()[0] == 1 && full->dims()[1] != 1;
     shape_ = row ? Shape{1, at_.size()} : Shape{at_.size(), 1};
   } else {
     at_.resize(count);
     visitElementType(full->classID(), [&]<class T>(T) {
       T const* from = std::as_const(*full).template dataAs<T>();
-      for (std::uint64_t i = 0; i < count; ++i) {
+      embedded_host::each(count, [&](std::uint64_t i) {
         bool whole = from[i] >= T(1);
         if constexpr (std::is_floating_point_v<T>) {
           whole = whole && from[i] == std::floor(from[i]) && from[i] < T(0x1p63);
@@ -45,7 +46,7 @@ Subscript::Subscript(txArray const* index, int position) : whole_(!index), posit
           badIndex(numberText(static_cast<double>(from[i]), 15) + " is no index.", position);
         }
         at_[i] = static_cast<std::uint64_t>(from[i]) - 1;
-      }
+      });
     });
     shape_ = shapeOf(*full);
   }

@@ -6,6 +6,7 @@
 #include <cmath>
 #include <limits>
 
+#include "embedded_host/interrupt.h"
 #include "report/page_style.h"
 
 namespace report {
@@ -132,12 +133,13 @@ class DotGrid {
 Bins binsOf(std::span<double const> values, std::size_t most) {
   Bins bins;
   Range range;
-  for (double const value : values) {
-    isDrawn(value) ? range.take(value) : static_cast<void>(++bins.leftOut);
-  }
+  bool whole = true;
+  embedded_host::each(values.size(), [&](std::size_t i) {
+    if (!isDrawn(values[i])) return static_cast<void>(++bins.leftOut);
+    range.take(values[i]);
+    whole = whole && values[i] == std::floor(values[i]);
+  });
   if (range.isEmpty()) return bins;
-  bool const whole = std::ranges::all_of(
-      values, [](double value) { return !isDrawn(value) || value == std::floor(value); });
   auto const n = static_cast<double>(values.size() - bins.leftOut);
   // The rule of Rice: twice the cube root of the number of values.
   double const wanted = std::clamp(std::ceil(2 * std::cbrt(n)), 4.0, static_cast<double>(most - 1));
@@ -147,11 +149,11 @@ Bins binsOf(std::span<double const> values, std::size_t most) {
   bins.low = flat ? range.low : std::floor(range.low / bins.width) * bins.width;
   auto const count = static_cast<std::size_t>((range.high - bins.low) / bins.width) + 1;
   bins.counts.assign(count, 0);
-  for (double const value : values) {
-    if (!isDrawn(value)) continue;
-    auto const bin = static_cast<std::size_t>(std::max(0.0, (value - bins.low) / bins.width));
+  embedded_host::each(values.size(), [&](std::size_t i) {
+    if (!isDrawn(values[i])) return;
+    auto const bin = static_cast<std::size_t>(std::max(0.0, (values[i] - bins.low) / bins.width));
     ++bins.counts[std::min(bin, count - 1)];
-  }
+  });
   return bins;
 }
 

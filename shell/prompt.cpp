@@ -5,6 +5,7 @@
 #include <csignal>
 #include <string>
 
+#include "embedded_host/interrupt.h"
 #include "shell/line_source.h"
 #include "shell/terminal.h"
 
@@ -13,7 +14,7 @@ namespace shell {
 namespace {
 
 // While a statement runs, Ctrl-C ends it; while a line is edited, it is a key like any other.
-extern "C" void onInterrupt(int) { language::requestInterrupt(); }
+extern "C" void onInterrupt(int) { embedded_host::requestInterrupt(); }
 
 }  // namespace
 
