@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "embedded_host/array.h"
+#include "embedded_host/interrupt.h"
 #include "language/exact.h"
 #include "language/fault.h"
 #include "language/functions.h"
@@ -78,11 +79,11 @@ void accumulate(Call& call, Reduced const& of) {
     T* to = result->dataAs<T>();
     lines.forEach(lines.length(), [&](std::uint64_t line, std::uint64_t first) {
       Accumulator<T> sofar;
-      for (std::uint64_t i = 0; i < lines.length(); ++i) {
+      embedded_host::each(lines.length(), [&](std::uint64_t i) {
         std::uint64_t const at = first + i * lines.stride();
         sofar.take(from[at]);
         if (prefixes) to[at] = sofar.result(i + 1);
-      }
+      });
       if (!prefixes) to[line] = sofar.result(lines.length());
     });
   };
@@ -125,9 +126,9 @@ void truth(Call& call) {
   bool* to = result->dataAs<bool>();
   lines.forEach(lines.length(), [&](std::uint64_t line, std::uint64_t first) {
     to[line] = !decisive;
-    for (std::uint64_t i = 0; i < lines.length(); ++i) {
+    embedded_host::each(lines.length(), [&](std::uint64_t i) {
       if (from[first + i * lines.stride()] == decisive) to[line] = decisive;
-    }
+    });
   });
   call.give(std::move(result));
 }

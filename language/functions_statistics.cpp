@@ -4,6 +4,7 @@
 #include <numeric>
 
 #include "embedded_host/array.h"
+#include "embedded_host/interrupt.h"
 #include "language/broadcast.h"
 #include "language/fault.h"
 #include "language/functions.h"
@@ -14,6 +15,7 @@ namespace language {
 
 namespace {
 
+using embedded_host::each;
 using embedded_host::makeUninitialized;
 
 txArrayPtr realFloats(Call const& call) {
@@ -41,12 +43,12 @@ void spread(Call& call) {
     lines.forEach(lines.length(), [&](std::uint64_t line, std::uint64_t first) {
       double total = 0;
       double squares = 0;
-      for (std::uint64_t i = 0; i < lines.length(); ++i) total += from[first + i * lines.stride()];
+      each(lines.length(), [&](std::uint64_t i) { total += from[first + i * lines.stride()]; });
       double const middle = total / n;
-      for (std::uint64_t i = 0; i < lines.length(); ++i) {
+      each(lines.length(), [&](std::uint64_t i) {
         double const d = from[first + i * lines.stride()] - middle;
         squares += d * d;
-      }
+      });
       double const variance = n == 0 ? NAN : n == 1 ? squares : squares / (population ? n : n - 1);
       to[line] = static_cast<T>(root ? std::sqrt(variance) : variance);
     });
@@ -66,9 +68,9 @@ txArrayPtr asCandidates(txArray const& value, txClassID target) {
   visitElementType(target, [&]<class T>(T) {
     T* to = result->dataAs<T>();
     T const worst = better(0, 1) ? std::numeric_limits<T>::max() : std::numeric_limits<T>::min();
-    for (std::uint64_t i = 0; i < value.numel(); ++i) {
+    each(value.numel(), [=](std::uint64_t i) {
       if (std::isnan(from[i])) to[i] = worst;
-    }
+    });
   });
   return result;
 }
@@ -120,11 +122,11 @@ void extreme(Call& call) {
     T const* from = std::as_const(*of.value).template dataAs<T>();
     lines.forEach(lines.length(), [&](std::uint64_t line, std::uint64_t first) {
       std::uint64_t best = 0;
-      for (std::uint64_t i = 1; i < lines.length(); ++i) {
+      each(lines.length(), [&](std::uint64_t i) {
         T const x = from[first + i * lines.stride()];
         T const kept = from[first + best * lines.stride()];
         if (better(x, kept) || (isNaN(kept) && !isNaN(x))) best = i;
-      }
+      });
       result->dataAs<T>()[line] = from[first + best * lines.stride()];
       where->dataAs<double>()[line] = static_cast<double>(best + 1);
     });
@@ -146,16 +148,19 @@ void median(Call& call) {
     std::vector<T> line(lines.length());
     lines.forEach(lines.length(), [&](std::uint64_t at, std::uint64_t first) {
       bool hasNaN = line.empty();
-      for (std::uint64_t i = 0; i < line.size(); ++i) {
+      each(line.size(), [&](std::uint64_t i) {
         line[i] = from[first + i * lines.stride()];
         hasNaN = hasNaN || isNaN(line[i]);
-      }
+      });
       if (hasNaN) {
         to[at] = std::numeric_limits<T>::quiet_NaN();
         return;
       }
       auto const middle = line.begin() + static_cast<std::ptrdiff_t>(line.size() / 2);
-      std::nth_element(line.begin(), middle, line.end());
+      std::nth_element(line.begin(), middle, line.end(), [](T a, T b) {
+        embedded_host::checkInterrupt();
+        return a < b;
+      });
       to[at] = line.size() % 2 == 1
                    ? *middle
                    : std::midpoint(*std::max_element(line.begin(), middle), *middle);

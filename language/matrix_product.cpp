@@ -1,4 +1,5 @@
 #include "embedded_host/array.h"
+#include "embedded_host/interrupt.h"
 #include "language/fault.h"
 #include "language/operands.h"
 
@@ -21,9 +22,9 @@ txArrayPtr multiplyMatrices(txArray const& left, txArray const& right, txClassID
   for (std::uint64_t j = 0; j < columns; ++j) {
     for (std::uint64_t k = 0; k < inner; ++k) {
       T const factor = b.data()[j * inner + k];
-      for (std::uint64_t i = 0; i < rows; ++i) {
-        out[j * rows + i] += a.data()[k * rows + i] * factor;
-      }
+      T* const column = out + j * rows;
+      T const* const added = a.data() + k * rows;
+      embedded_host::each(rows, [=](std::uint64_t i) { column[i] += added[i] * factor; });
     }
   }
   return kComplex ? dropZeroImaginary(std::move(result)) : std::move(result);

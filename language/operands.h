@@ -3,6 +3,7 @@
 // What the operators share: the numbers that two operands are computed in, and the operands as such
 // numbers.
 
+#include "embedded_host/interrupt.h"
 #include "language/exact.h"
 #include "language/operators.h"
 
@@ -50,14 +51,14 @@ class Operand<Exact> {
     visitElementType(array.classID(), [&]<class From>(From) {
       From const* from = array.dataAs<From>();
       std::size_t const step = array.isComplex() ? 2 : 1;
-      for (std::size_t i = 0; i < numbers_.size(); ++i) {
+      embedded_host::each(numbers_.size(), [&](std::size_t i) {
         if constexpr (std::is_same_v<From, float>) {
           numbers_[i] = exactOf(double{from[i * step]});
         } else {
           numbers_[i] = exactOf(from[i * step]);
         }
         if (imaginaryCounts && step == 2 && from[2 * i + 1] != From(0)) numbers_[i] = exactOf(NAN);
-      }
+      });
     });
   }
   Exact const* data() const { return numbers_.data(); }

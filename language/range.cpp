@@ -1,4 +1,5 @@
 #include "language/range.h"
+#include "embedded_host/interrupt.h"
 
 #include <algorithm>
 
@@ -138,7 +139,7 @@ txArrayPtr RangeValues::all() const {
   txArrayPtr result = embedded_host::makeUninitialized(Shape{1, count_}, class_);
   visitElementType(class_, [&]<class T>(T) {
     T* out = result->dataAs<T>();
-    for (std::uint64_t i = 0; i < count_; ++i) out[i] = elementAt<T>(i);
+    embedded_host::each(count_, [=, this](std::uint64_t i) { out[i] = elementAt<T>(i); });
   });
   return result;
 }

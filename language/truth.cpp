@@ -1,4 +1,5 @@
 #include "language/truth.h"
+#include "embedded_host/interrupt.h"
 
 #include "language/fault.h"
 
@@ -24,11 +25,11 @@ txArrayPtr truthOf(txArray const& value, int position) {
   std::uint64_t const step = value.isComplex() ? 2 : 1;
   visitElementType(value.classID(), [&]<class T>(T) {
     T const* from = value.dataAs<T>();
-    for (std::uint64_t i = 0; i < value.numel(); ++i) {
+    embedded_host::each(value.numel(), [=](std::uint64_t i) {
       bool const real = truth(from[i * step], position);
       bool const imaginary = truth(from[i * step + step - 1], position);
       to[i] = real || imaginary;
-    }
+    });
   });
   return result;
 }

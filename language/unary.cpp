@@ -1,6 +1,7 @@
 // Operators of one operand.
 
 #include "embedded_host/array.h"
+#include "embedded_host/interrupt.h"
 #include "language/cells.h"
 #include "language/fault.h"
 #include "language/operators.h"
@@ -32,7 +33,7 @@ txArrayPtr negate(txArray const& operand) {
     T const* from = operand.dataAs<T>();
     T* to = result->dataAs<T>();
     std::uint64_t const count = operand.numel() * (operand.isComplex() ? 2 : 1);
-    for (std::uint64_t i = 0; i < count; ++i) to[i] = -from[i];
+    embedded_host::each(count, [=](std::uint64_t i) { to[i] = -from[i]; });
   };
   id == txClassSingle ? fill(float()) : fill(double());
   return result;
@@ -43,14 +44,14 @@ txArrayPtr logicalNot(txArray const& operand) {
   txArrayPtr result = makeUninitialized(operand.dims(), txClassLogical);
   bool const* from = std::as_const(*truths).dataAs<bool>();
   bool* to = result->dataAs<bool>();
-  for (std::uint64_t i = 0; i < truths->numel(); ++i) to[i] = !from[i];
+  embedded_host::each(truths->numel(), [=](std::uint64_t i) { to[i] = !from[i]; });
   return result;
 }
 
 template <class T>
 void transposeElements(T const* from, T* to, std::uint64_t rows, std::uint64_t columns) {
-  for (std::uint64_t i = 0; i < rows; ++i) {
-    for (std::uint64_t j = 0; j < columns; ++j) *to++ = from[j * rows + i];
+  for (std::uint64_t i = 0; i < rows; ++i, to += columns) {
+    embedded_host::each(columns, [=](std::uint64_t j) { to[j] = from[j * rows + i]; });
   }
 }
 
@@ -88,9 +89,8 @@ txArrayPtr transpose(txArray const& operand, bool conjugate) {
         using C = std::complex<T>;
         transposeElements(operand.dataAs<C>(), result->dataAs<C>(), rows, columns);
         T* parts = result->dataAs<T>();
-        for (std::uint64_t i = 0; conjugate && i < rows * columns; ++i) {
-          parts[2 * i + 1] = -parts[2 * i + 1];
-        }
+        embedded_host::each(conjugate ? rows * columns : 0,
+                            [=](std::uint64_t i) { parts[2 * i + 1] = -parts[2 * i + 1]; });
         return;
       }
     }

@@ -1,4 +1,5 @@
 #include "language/values.h"
+#include "embedded_host/interrupt.h"
 
 #include <algorithm>
 
@@ -49,7 +50,7 @@ txArrayPtr convertClass(txArray const& value, txClassID target) {
     visitElementType(target, [&]<class To>(To) {
       From const* from = value.dataAs<From>();
       To* to = result->dataAs<To>();
-      for (std::uint64_t i = 0; i < count; ++i) to[i] = castElement<To>(from[i]);
+      embedded_host::each(count, [=](std::uint64_t i) { to[i] = castElement<To>(from[i]); });
     });
   });
   return result;
@@ -63,10 +64,10 @@ txArrayPtr toComplex(txArray const& value) {
   auto const fill = [&]<class T>(T) {
     T const* from = real->dataAs<T>();
     T* to = result->dataAs<T>();
-    for (std::uint64_t i = 0; i < real->numel(); ++i) {
+    embedded_host::each(real->numel(), [=](std::uint64_t i) {
       to[2 * i] = from[i];
       to[2 * i + 1] = T(0);
-    }
+    });
   };
   target == txClassSingle ? fill(float()) : fill(double());
   return result;
@@ -82,7 +83,7 @@ txArrayPtr dropZeroImaginary(txArrayPtr value) {
     }
     txArrayPtr real = embedded_host::makeUninitialized(value->dims(), value->classID());
     T* to = real->dataAs<T>();
-    for (std::uint64_t i = 0; i < count; ++i) to[i] = from[2 * i];
+    embedded_host::each(count, [=](std::uint64_t i) { to[i] = from[2 * i]; });
     value = std::move(real);
   };
   value->classID() == txClassSingle ? drop(float()) : drop(double());
