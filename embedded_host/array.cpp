@@ -7,6 +7,7 @@
 #include <type_traits>
 
 #include "embedded_host/array_impl.h"
+#include "embedded_host/interrupt.h"
 #include "embedded_host/messages.h"
 #include "embedded_host/sizes.h"
 #include "embedded_host/text.h"
@@ -95,7 +96,9 @@ txArrayPtr makeUninitialized(Dims dims, txClassID classID, txComplexity complexi
 txArrayPtr makeZeros(Dims dims, txClassID classID, txComplexity complexity) {
   txArrayPtr result = makeFull(dims, classID, complexity);
   Elements& elements = *impl(*result).holds<Elements>();
-  std::memset(elements.writable(), 0, elements.bytes());
+  auto* const bytes = static_cast<std::byte*>(elements.writable());
+  inParts(elements.bytes(),
+          [=](std::size_t begin, std::size_t end) { std::memset(bytes + begin, 0, end - begin); });
   return result;
 }
 

@@ -5,6 +5,7 @@
 #include <new>
 
 #include "embedded_host/array_impl.h"
+#include "embedded_host/interrupt.h"
 
 namespace embedded_host {
 
@@ -50,7 +51,11 @@ void* Elements::writable() {
   if (isInside()) return inside_;
   if (block_->owners.load(std::memory_order_acquire) != 1) {
     Elements own(bytes_);
-    std::memcpy(own.writable(), data(), bytes_);
+    auto* const to = static_cast<std::byte*>(own.writable());
+    auto const* const from = static_cast<std::byte const*>(data());
+    inParts(bytes_, [=](std::size_t begin, std::size_t end) {
+      std::memcpy(to + begin, from + begin, end - begin);
+    });
     *this = std::move(own);
   }
   return block_ + 1;

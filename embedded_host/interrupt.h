@@ -19,7 +19,10 @@ TV_EXPORT extern std::atomic<bool> interruptRequested;
 // called from a signal handler. Does nothing while none runs.
 TV_EXPORT void requestInterrupt() noexcept;
 
-// True from the request to the end of the last program that runs.
+// Set from the request to the end of the last program that runs.
+inline std::atomic<bool> const& interruptRequestFlag() noexcept {
+  return detail::interruptRequested;
+}
 inline bool interruptRequested() noexcept {
   return detail::interruptRequested.load(std::memory_order_relaxed);
 }

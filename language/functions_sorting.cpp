@@ -116,9 +116,13 @@ void unique(Call& call) {
   bool const row = isMatrix(*value) && value->dims()[0] == 1 && value->numel() > 0;
   visitElementType(value->classID(), [&]<class T>(T) {
     T const* from = std::as_const(*value).template dataAs<T>();
-    std::unique_ptr<T[]> const sorted(new T[value->numel()]);
-    T* const end = std::copy(from, from + value->numel(), sorted.get());
-    T* const numbers = std::partition(sorted.get(), end, [](T x) { return !isNaN(x); });
+    auto const sorted = txMakeBuffer<T>(value->numel());
+    T* const end = sorted.get() + value->numel();
+    T* numbers = sorted.get();  // their end, and the begin of what is none
+    T* others = end;
+    embedded_host::each(value->numel(), [&](std::uint64_t i) {
+      *(isNaN(from[i]) ? --others : numbers++) = from[i];
+    });
     std::sort(sorted.get(), numbers, [](T a, T b) {
       embedded_host::checkInterrupt();
       return a < b;

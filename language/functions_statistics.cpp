@@ -5,6 +5,7 @@
 
 #include "embedded_host/array.h"
 #include "embedded_host/interrupt.h"
+#include "host/allocator.h"
 #include "language/broadcast.h"
 #include "language/fault.h"
 #include "language/functions.h"
@@ -145,10 +146,11 @@ void median(Call& call) {
   auto const run = [&]<class T>(T) {
     T const* from = std::as_const(*of.value).template dataAs<T>();
     T* to = result->template dataAs<T>();
-    std::vector<T> line(lines.length());
+    std::uint64_t const n = lines.length();
+    auto const line = txMakeBuffer<T>(n);
     lines.forEach(lines.length(), [&](std::uint64_t at, std::uint64_t first) {
-      bool hasNaN = line.empty();
-      each(line.size(), [&](std::uint64_t i) {
+      bool hasNaN = n == 0;
+      each(n, [&](std::uint64_t i) {
         line[i] = from[first + i * lines.stride()];
         hasNaN = hasNaN || isNaN(line[i]);
       });
@@ -156,14 +158,12 @@ void median(Call& call) {
         to[at] = std::numeric_limits<T>::quiet_NaN();
         return;
       }
-      auto const middle = line.begin() + static_cast<std::ptrdiff_t>(line.size() / 2);
-      std::nth_element(line.begin(), middle, line.end(), [](T a, T b) {
+      T* const middle = line.get() + n / 2;
+      std::nth_element(line.get(), middle, line.get() + n, [](T a, T b) {
         embedded_host::checkInterrupt();
         return a < b;
       });
-      to[at] = line.size() % 2 == 1
-                   ? *middle
-                   : std::midpoint(*std::max_element(line.begin(), middle), *middle);
+      to[at] = n % 2 == 1 ? *middle : std::midpoint(*std::max_element(line.get(), middle), *middle);
     });
   };
   of.value->classID() == txClassSingle ? run(float()) : run(double());

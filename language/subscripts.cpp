@@ -31,10 +31,11 @@ Subscript::Subscript(txArray const* index, int position) : whole_(!index), posit
     embedded_host::each(count, [&](std::uint64_t i) {
       if (mask[i]) at_.push_back(i);
     });
+    if (!at_.empty()) reach_ = at_.back() + 1;
     bool const row = isMatrix(*full) && full->dims()[0] == 1 && full->dims()[1] != 1;
     shape_ = row ? Shape{1, at_.size()} : Shape{at_.size(), 1};
   } else {
-    at_.resize(count);
+    at_.reserve(count);
     visitElementType(full->classID(), [&]<class T>(T) {
       T const* from = std::as_const(*full).template dataAs<T>();
       embedded_host::each(count, [&](std::uint64_t i) {
@@ -45,12 +46,12 @@ Subscript::Subscript(txArray const* index, int position) : whole_(!index), posit
         if (!whole) {
           badIndex(numberText(static_cast<double>(from[i]), 15) + " is no index.", position);
         }
-        at_[i] = static_cast<std::uint64_t>(from[i]) - 1;
+        at_.push_back(static_cast<std::uint64_t>(from[i]) - 1);
+        reach_ = std::max(reach_, at_.back() + 1);
       });
     });
     shape_ = shapeOf(*full);
   }
-  if (!at_.empty()) reach_ = *std::max_element(at_.begin(), at_.end()) + 1;
 }
 
 Shape foldedExtents(txArray const& value, std::size_t count) {

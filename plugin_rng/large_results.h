@@ -4,6 +4,8 @@
 
 #include <cstddef>
 
+#include "plugin_rng/interruption.h"
+
 namespace plugin_rng {
 
 // Doubles of a result that is written past the caches: 32 MiB, what a core has of the last-level
@@ -14,10 +16,14 @@ inline constexpr std::size_t kLeastStreamed = std::size_t{1} << 22;
 // behind the caches have a way past these.
 template <class Core>
 void drawPart(Core& core, double* out, std::size_t n, std::size_t total) {
-  if constexpr (requires { core.randuStreaming(out, n); }) {
-    if (total >= kLeastStreamed) return core.randuStreaming(out, n);
-  }
-  core.randu(out, n);
+  if (total <= kUninterrupted) [[likely]]
+    return core.randu(out, n);
+  inInterruptibleParts(n, [&](std::size_t at, std::size_t length) {
+    if constexpr (requires { core.randuStreaming(out, length); }) {
+      if (total >= kLeastStreamed) return core.randuStreaming(out + at, length);
+    }
+    core.randu(out + at, length);
+  });
 }
 
 }  // namespace plugin_rng

@@ -5,6 +5,7 @@
 #include "errors/keys.h"
 #include "host/ascii_case.h"
 #include "plugin_rng/exchange_halves.h"
+#include "plugin_rng/large_results.h"
 #include "plugin_rng/saved_state.h"
 #include "tfl_rng/convert.h"
 #include "tfl_rng/generator_catalogue.h"
@@ -41,15 +42,16 @@ std::uint32_t legacy_plugin::v4Seeded(std::uint32_t seed) noexcept {
 void legacy_plugin::randu(double* out, std::size_t n) {
   switch (generators_.uniformSelector) {
     case kV4:
-      for (std::size_t i = 0; i < n; ++i) {
-        generators_.v4UniformWord = tfl_rng::minimalStandardStep(generators_.v4UniformWord);
-        out[i] = tfl_rng::minimalStandardUniform(generators_.v4UniformWord);
-      }
-      return;
+      return inInterruptibleParts(n, [&](std::size_t at, std::size_t length) {
+        for (std::size_t i = at; i < at + length; ++i) {
+          generators_.v4UniformWord = tfl_rng::minimalStandardStep(generators_.v4UniformWord);
+          out[i] = tfl_rng::minimalStandardUniform(generators_.v4UniformWord);
+        }
+      });
     case kV5:
-      return generators_.v5Uniform.randu(out, n);
+      return drawPart(generators_.v5Uniform, out, n, n);
     default:
-      return generators_.twister.randu(out, n);
+      return drawPart(generators_.twister, out, n, n);
   }
 }
 
@@ -67,10 +69,11 @@ void legacy_plugin::advance(std::size_t n) {
 }
 
 void legacy_plugin::randn(double* out, std::size_t n) {
-  if (generators_.normalSelector != kV4) return generators_.v5Normal.randn(out, n);
-  for (std::size_t i = 0; i < n; ++i) {
-    out[i] = tfl_rng::minimalStandardNormalPair(generators_.v4NormalWord).first;
-  }
+  inInterruptibleParts(n, [&](std::size_t at, std::size_t length) {
+    if (generators_.normalSelector != kV4) return generators_.v5Normal.randn(out + at, length);
+    for (std::size_t i = at; i < at + length; ++i)
+      out[i] = tfl_rng::minimalStandardNormalPair(generators_.v4NormalWord).first;
+  });
 }
 
 void legacy_plugin::reset(std::uint32_t seed) {

@@ -61,10 +61,12 @@ void fillInParallel(Core& core, double* out, std::size_t n, Split split, Jump ju
     std::size_t at = 0;
   };
   using Range = tbb::blocked_range<std::size_t>;
+  bool const isLong = n > kUninterrupted;
 
   if (n <= split.grain || usableThreads() == 1) {
     Core copy = core;
     for (std::size_t at = 0; at < n; at += kAlonePart) {
+      if (isLong) checkInterruption();
       const std::size_t length = std::min(kAlonePart, n - at);
       drawPart(copy, out + at, length, n);
       finish(out + at, length);
@@ -77,6 +79,7 @@ void fillInParallel(Core& core, double* out, std::size_t n, Split split, Jump ju
   std::optional<Core> final;  // written by the one leaf that ends at n
   tbb::task_group_context context(tbb::task_group_context::isolated);
   const auto leaf = [&](Range const& range) {
+    if (isLong) checkInterruption();
     const std::size_t length = range.size();
     double* const part = out + range.begin();
     Worker& worker = workers.local();

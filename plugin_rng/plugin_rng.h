@@ -68,7 +68,10 @@ class PluginRNGRandn : public PluginRNG<Core, id>, public IPluginRNGRandn {
   }
   void randn(double* out, std::size_t n) override {
     try {
-      this->core->randn(out, n);
+      if (n <= kUninterrupted) [[likely]]
+        return this->core->randn(out, n);
+      inInterruptibleParts(
+          n, [&](std::size_t at, std::size_t length) { this->core->randn(out + at, length); });
     } catch (tfl_rng::RejectionLimit const&) {
       errors::raise(component_TALVOR::catalog_RandStream::key_UnexpectedPluginError());
     }

@@ -3,12 +3,15 @@
 #include <algorithm>
 #include <cstddef>
 #include <cstdint>
+#include <exception>
+#include <utility>
 
 #include "plugin_rng/own_plugin.h"
 #include "rng/in_use.h"
 #include "rng/mr_functions.h"
 #include "rng/stream_factory.h"
 #include "rng/uniform_source.h"
+#include "rng/whole_draw.h"
 
 std::unique_ptr<randstream> remade(randstream const& original, unsigned long substream) {
   std::unique_ptr<randstream> copy(mrCreateRNGStream(original.generatorType(),
@@ -61,6 +64,18 @@ void randstream::takeOver(std::unique_ptr<randstream> other) noexcept {
   *this = *other;
   other->plugin_ = own;  // ends with it
   ++counts_.moves;
+}
+
+void randstream::WholeDraw::begin(randstream& stream) {
+  if (!stream.cloneView_) return;
+  stream_ = &stream;
+  exceptionsOutside_ = std::uncaught_exceptions();
+  before_ = stream.clone();
+}
+
+void randstream::WholeDraw::end() noexcept {
+  if (plugin_rng::isInterrupted() && std::uncaught_exceptions() > exceptionsOutside_)
+    stream_->rewind(std::move(before_));
 }
 
 void randstream::rewind(std::unique_ptr<randstream> earlier) noexcept {

@@ -9,6 +9,7 @@
 #include <utility>
 
 #include "host/allocator.h"
+#include "plugin_rng/interruption.h"
 
 class DenseShuffle {
  public:
@@ -16,7 +17,9 @@ class DenseShuffle {
 
   // Memory comes from the host's allocator.
   explicit DenseShuffle(std::size_t n) : a_(txMakeBuffer<Position>(n)) {
-    std::iota(&a_[0], &a_[0] + n, Position{0});
+    plugin_rng::inInterruptibleParts(n, [&](std::size_t at, std::size_t length) {
+      std::iota(&a_[at], &a_[at] + length, static_cast<Position>(at));
+    });
   }
 
   // Returns a[target], then sets a[target] = a[last].

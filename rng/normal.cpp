@@ -12,6 +12,7 @@
 #include "rng/kernels/accepted_run.h"
 #include "rng/randstream.h"
 #include "rng/uniform_source.h"
+#include "rng/whole_draw.h"
 #include "rng/ziggurat_tables.h"
 #include "tfl_rng/rejection.h"
 
@@ -164,7 +165,7 @@ void randstream::randnInversion(double* buffer, unsigned long n) {
 
 void randstream::drawNativeNormals(double* out, std::size_t n) {
   counts_.normals += n;
-  drawsInThread += n;
+  counts_.latest = drawsInThread += n;
   normalView_->randn(out, n);
 }
 
@@ -193,9 +194,16 @@ void deliver(double const* normals, T* out, std::size_t n, bool negate, bool hal
 template <>
 void randstream::randnFcn(double* out, unsigned long n, bool halfVariance) {
   const InUse inUse(*this);
-  if (nativeNormals_) {
+  if (nativeNormals_ && n <= plugin_rng::kUninterrupted) {
     drawNativeNormals(out, n);
     return deliver(out, out, n, antithetic_, halfVariance);
+  }
+  const WholeDraw whole(*this, n);
+  if (nativeNormals_) {
+    drawNativeNormals(out, n);
+    return plugin_rng::inInterruptibleParts(n, [&](std::size_t at, std::size_t len) {
+      deliver(out + at, out + at, len, antithetic_, halfVariance);
+    });
   }
   double scratch[2 * kChunk];
   forEachChunk(n, [&](std::size_t at, std::size_t len) {
@@ -207,6 +215,7 @@ void randstream::randnFcn(double* out, unsigned long n, bool halfVariance) {
 template <>
 void randstream::randnFcn(float* out, unsigned long n, bool halfVariance) {
   const InUse inUse(*this);
+  const WholeDraw whole(*this, n);
   double scratch[2 * kChunk];
   forEachChunk(n, [&](std::size_t at, std::size_t len) {
     if (nativeNormals_)

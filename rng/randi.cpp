@@ -10,6 +10,7 @@
 #include "rng/kernels/delivery.h"
 #include "rng/randstream.h"
 #include "rng/uniform_source.h"
+#include "rng/whole_draw.h"
 
 namespace {
 
@@ -37,10 +38,13 @@ void randstream::randiFcn(double lo, double hi, T* out, unsigned long n) {
   // An antithetic stream mirrors the integer within the range, not the uniform.
   const delivery::Range range{lo, checkRandiLimits(lo, hi), antithetic_};
   double drawn[kChunk];
-  forEachChunk(n, [&](std::size_t at, std::size_t len) {
+  const auto chunk = [&](std::size_t at, std::size_t len) {
     uniforms().randu(drawn, len);
     delivery::toElements(drawn, range, out + at, len);
-  });
+  };
+  if (n > 0 && n <= kChunk) return chunk(0, n);
+  const WholeDraw whole(*this, n);
+  forEachChunk(n, chunk);
 }
 
 #define INSTANTIATE(T, classID) \

@@ -14,6 +14,7 @@
 #include "rng/randstream.h"
 #include "rng/sparse_shuffle.h"
 #include "rng/uniform_source.h"
+#include "rng/whole_draw.h"
 
 namespace {
 
@@ -38,6 +39,7 @@ void shuffleInsideOut(UniformSource source, double* out, std::size_t n) {
   // The targets of the values from `placed` on; how many they are.
   const auto draw = [&](std::size_t placed, std::int64_t* to) {
     const std::size_t len = std::min(n - placed, kChunk);
+    if (placed > plugin_rng::kUninterrupted) plugin_rng::checkInterruption();
     if (len > 0) source.randu(uniforms, len);
     // No array is long enough for a product that truncation would leave as it is.
     for (std::size_t i = 0; i < len; ++i)
@@ -109,6 +111,7 @@ void selectSequentially(UniformSource source, double* out, std::size_t k, double
   double candidate = 1;
   double candidatesLeft = n;
   for (std::size_t selected = 0; selected < k;) {
+    if (selected > plugin_rng::kUninterrupted) plugin_rng::checkInterruption();
     const std::size_t pairs = std::min(k - selected, kPairs);
     source.randu(uniforms, 2 * pairs);
     for (std::size_t i = 0; i < pairs; ++i) {
@@ -137,11 +140,14 @@ void randstream::randpermFcn(double* out, unsigned long n) {
   if (n <= kFewValues) return orderFew(uniforms(), out, n);
   const std::uint64_t dims[] = {n, 1};
   const txArrayPtr values = txCreateUninitialized(dims, txClassDouble);
+  const WholeDraw whole(*this, n);
   uniforms().randu(values->dataAs<double>(), n);
   txArrayPtr sorted[2];  // values and positions
   txArray const* const inputs[] = {values.get()};
   mathcoreSortFcn(2, sorted, 1, const_cast<txArray const**>(inputs));
-  std::copy_n(std::as_const(*sorted[1]).dataAs<double>(), n, out);
+  double const* const positions = std::as_const(*sorted[1]).dataAs<double>();
+  plugin_rng::inInterruptibleParts(
+      n, [&](std::size_t at, std::size_t len) { std::copy_n(positions + at, len, out + at); });
 }
 
 template <>
@@ -152,6 +158,7 @@ void randstream::randkpermFcn(double* out, unsigned long k, double n) {
   const auto count = static_cast<double>(k);
   if (n >= kLargestCount) errors::raise(keys::inputNTooLarge());
   if (count > n) errors::raise(keys::inputKTooLarge());
+  const WholeDraw whole(*this, k);
   if (count == n) return shuffleInsideOut(uniforms(), out, k);
   if (0.25 * n > count) return shuffleSparse(uniforms(), out, k, n);
   selectSequentially(uniforms(), out, k, n);

@@ -14,6 +14,7 @@
 #include "rng/guard.h"
 #include "rng/in_use.h"
 #include "rng/uniform_source.h"
+#include "rng/whole_draw.h"
 
 namespace set = TALVOR::RandStream::set;
 
@@ -95,10 +96,11 @@ void randstream::advance(unsigned long n) {
     if (jumpView_ || ownView_) {
       jumpView_ ? jumpView_->advance(n) : ownView_->jump(n);
       counts_.passedOver += n;
-      drawsInThread += n;
+      counts_.latest = drawsInThread += n;
       return;
     }
     requiredPlugin();
+    const WholeDraw whole(*this, n);
     double discarded[kChunk];
     forEachChunk(n, [&](std::size_t, std::size_t len) { uniforms().randu(discarded, len); });
   });

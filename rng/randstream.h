@@ -38,6 +38,7 @@ class TV_EXPORT randstream {
     std::uint64_t normals = 0;     // that the generator made itself
     std::uint64_t passedOver = 0;  // draws, by jumps of advance
     std::uint64_t moves = 0;       // resets, restored states and changes of the substream
+    std::uint64_t latest = 0;      // drawnInThread() behind the latest draw, in its thread
 
     std::uint64_t drawn() const noexcept { return uniforms + normals + passedOver; }
   };
@@ -122,7 +123,8 @@ class TV_EXPORT randstream {
   // Errors: set:InvalidStateBufLen and the generator's InvalidState.
   void setStateBuf(void const* buf, unsigned long len);
 
-  // Sampling. No guard: a plug-in's error propagates, values already written stay written.
+  // Sampling. No guard: a plug-in's error propagates, values already written stay written. A long
+  // draw that is ended from outside (plugin_rng/interruption.h) leaves the stream where it was.
 
   // n uniforms in (0,1), T double or float; an antithetic stream delivers 1-u. Draws n uniforms.
   template <class T>
@@ -150,6 +152,7 @@ class TV_EXPORT randstream {
 
  private:
   class InUse;
+  class WholeDraw;
   // For clone and takeOver, which see to the plug-in.
   randstream(randstream const&) = default;
   randstream& operator=(randstream const&) = default;
@@ -168,6 +171,7 @@ class TV_EXPORT randstream {
   // Sampling reaches the generator through these two, which count.
   TV_LOCAL UniformSource uniforms() noexcept;
   TV_LOCAL void drawNativeNormals(double* out, std::size_t n);
+  TV_LOCAL void randuLongOrMirrored(double* out, unsigned long n);
 
   // Becomes `other`, a stream of the same generator, but for the spelling of the name and the
   // counts.

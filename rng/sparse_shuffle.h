@@ -3,10 +3,12 @@
 // The virtual array of a shuffle from the top, a[p] = p for p in [0, n), of which only the entries
 // that have changed are stored: O(k) memory for k steps, whatever n is.
 
+#include <algorithm>
 #include <cstddef>
 #include <cstdint>
 
 #include "host/allocator.h"
+#include "plugin_rng/interruption.h"
 
 class SparseShuffle {
  public:
@@ -15,7 +17,9 @@ class SparseShuffle {
       : buckets_(steps < kRoomy ? kSpare * steps : steps),
         heads_(txMakeBuffer<std::uint64_t>(buckets_)),
         entries_(txMakeBuffer<Entry>(steps)) {
-    for (std::size_t i = 0; i < buckets_; ++i) heads_[i] = kEnd;
+    plugin_rng::inInterruptibleParts(buckets_, [&](std::size_t at, std::size_t length) {
+      std::fill_n(&heads_[at], length, kEnd);
+    });
   }
 
   // Returns a[target], then sets a[target] = a[last]. `last` is not asked for again.

@@ -5,10 +5,18 @@
 #include "rng/kernels/delivery.h"
 #include "rng/randstream.h"
 #include "rng/uniform_source.h"
+#include "rng/whole_draw.h"
 
+// The shortest draws of all pay for nothing that the others need.
 template <>
 void randstream::randuFcn(double* out, unsigned long n) {
   const InUse inUse(*this);
+  if (!antithetic_ && n <= plugin_rng::kUninterrupted) return uniforms().randu(out, n);
+  randuLongOrMirrored(out, n);
+}
+
+void randstream::randuLongOrMirrored(double* out, unsigned long n) {
+  const WholeDraw whole(*this, n);
   if (!antithetic_) return uniforms().randu(out, n);
   forEachChunk(n, [&](std::size_t at, std::size_t len) {
     uniforms().randu(out + at, len);
@@ -19,6 +27,7 @@ void randstream::randuFcn(double* out, unsigned long n) {
 template <>
 void randstream::randuFcn(float* out, unsigned long n) {
   const InUse inUse(*this);
+  const WholeDraw whole(*this, n);
   double drawn[kChunk];
   forEachChunk(n, [&](std::size_t at, std::size_t len) {
     uniforms().randu(drawn, len);

@@ -19,7 +19,7 @@ class UniformSource {
   // Counted first: a generator that fails may have moved.
   void randu(double* out, std::size_t n) const {
     counts_.uniforms += n;
-    drawsInThread += n;
+    counts_.latest = drawsInThread += n;
     plugin_.randu(out, n);
   }
 

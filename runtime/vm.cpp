@@ -5,9 +5,12 @@
 #include <utility>
 
 #include "embedded_host/dispatcher.h"
+#include "embedded_host/interrupt.h"
 #include "embedded_host/messages.h"
 #include "embedded_host/text.h"
+#include "errors/key.h"
 #include "host/tcos.h"
+#include "plugin_rng/interruption.h"
 #include "runtime/loaded.h"
 
 namespace runtime {
@@ -52,11 +55,18 @@ bool callNamed(std::string_view name, int nlhs, txArrayPtr* plhs,
   return embedded_host::dispatch(name, nlhs, plhs, args);
 }
 
+// A key of the library's kind: the guards of its streams let it pass.
+struct Interrupted final : errors::Key {
+  Interrupted() : Key("TALVOR:language", "interrupted") {}
+};
+
 }  // namespace
 
 Vm::Vm()
     : context_(std::make_unique<embedded_host::VmContext>()),
       loaded_(std::make_shared<Loaded>(Loaded{context_.get()})) {
+  plugin_rng::endDrawsWhen(&embedded_host::interruptRequestFlag(),
+                           [] { errors::raise(Interrupted()); });
   addFunctions(loaded_);
   addRandStreamClass(loaded_);
 }

@@ -117,7 +117,7 @@ std::string wrap(std::string const& text, std::size_t indent, std::size_t width)
 }  // namespace
 
 std::string describeError(language::SourceError const& error, ErrorPlace const& place,
-                          std::optional<bool> drawn) {
+                          std::optional<bool> drawn, std::string const& streams) {
   std::size_t const width = static_cast<std::size_t>(std::max(place.width, 40)) - 1;
   Excerpt const found = excerpt(place.source, error.spot(), width - 4);
   bool const interrupted = error.identifier() == "TALVOR:language:interrupted";
@@ -140,6 +140,7 @@ std::string describeError(language::SourceError const& error, ErrorPlace const& 
   }
   out += fmt::format("  [{}]", error.identifier());
   if (drawn) out += *drawn ? "  numbers were drawn before it" : "  nothing was drawn";
+  if (!streams.empty()) out += ", from " + streams;
   // The terminal has written ^C on the line.
   return (interrupted ? "\n" : "") + out + '\n';
 }

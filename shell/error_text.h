@@ -20,9 +20,9 @@ struct ErrorPlace {
 };
 
 // `drawn`: whether the failing statement had drawn before it failed; nothing when that says
-// nothing.
+// nothing. `streams`: those that it drew from, "" when they need not be told.
 std::string describeError(language::SourceError const& error, ErrorPlace const& place,
-                          std::optional<bool> drawn);
+                          std::optional<bool> drawn, std::string const& streams = {});
 
 // The same without a program that it stands in: for the commands of tvrng.
 std::string describeError(foundation::core::except::AnyException const& error);

@@ -2,6 +2,7 @@
 
 #include <unistd.h>
 
+#include <algorithm>
 #include <cstdio>
 
 #include "embedded_host/object_system.h"
@@ -13,6 +14,19 @@
 #include "shell/terminal.h"
 
 namespace shell {
+
+namespace {
+
+bool isStream(txArray const& value) {
+  embedded_host::ClassPtr const found = embedded_host::classOf(value);
+  return found && found->name == "RandStream";
+}
+
+bool isInterruption(language::SourceError const& error) {
+  return error.identifier() == "TALVOR:language:interrupted";
+}
+
+}  // namespace
 
 Interpreter::Interpreter(Echo echo)
     : echo_(echo), entered_(vm_.context()), session_(vm_.context(), *this) {
@@ -38,10 +52,12 @@ Interpreter::Outcome Interpreter::run(std::string_view source, std::string const
   } catch (language::SourceError const& error) {
     if (mayContinue && error.incomplete()) return Outcome::incomplete;
     std::fflush(stdout);
-    std::string const text =
-        describeError(error, {source, fileName, terminalWidth(STDERR_FILENO)}, drawnBefore(error));
+    std::optional<bool> const drawn = drawnBefore(error);
+    bool const namesStreams = isInterruption(error) && drawn.value_or(false);
+    std::string const text = describeError(error, {source, fileName, terminalWidth(STDERR_FILENO)},
+                                           drawn, namesStreams ? streamsDrawnFrom() : "");
     std::fwrite(text.data(), 1, text.size(), stderr);
-    if (json_) write(toJson(factsOf(error, source, drawnBefore(error).value_or(false))) + '\n');
+    if (json_) write(toJson(factsOf(error, source, drawn.value_or(false))) + '\n');
     return Outcome::failed;
   }
 }
@@ -51,8 +67,7 @@ Interpreter::Outcome Interpreter::explain(std::string_view source, std::size_t f
                                           std::string const& fileName, bool mayContinue) {
   std::vector<Explanation::Named> streams;
   for (auto const& [name, value] : session_.variables()) {
-    embedded_host::ClassPtr const kind = embedded_host::classOf(*value);
-    if (kind && kind->name == "RandStream") streams.push_back({name, txShare(*value)});
+    if (isStream(*value)) streams.push_back({name, txShare(*value)});
   }
   streams.push_back({"the global stream", vm_.call("RandStream.global")});
   std::erase_if(streams,
@@ -81,8 +96,25 @@ void Interpreter::beginStatement() {
 std::optional<bool> Interpreter::drawnBefore(language::SourceError const& error) const {
   bool const drawn = randstream::drawnInThread() != drawnAtStart_;
   bool const ofLanguage = error.identifier().starts_with("TALVOR:language:");
-  if (!drawn && ofLanguage) return std::nullopt;
+  if (!drawn && ofLanguage && !isInterruption(error)) return std::nullopt;
   return drawn;
+}
+
+// The streams that the statement has drawn from, by the names that the user has for them.
+std::string Interpreter::streamsDrawnFrom() {
+  std::vector<randstream const*> known;
+  std::string names;
+  auto const look = [&](std::string const& name, randstream const* stream) {
+    if (!stream || stream->drawCounts().latest <= drawnAtStart_) return;
+    if (std::ranges::find(known, stream) != known.end()) return;
+    known.push_back(stream);
+    names += (names.empty() ? "" : ", ") + name;
+  };
+  look("the global stream", streamBehind(nullptr));
+  for (auto const& [name, value] : session_.variables()) {
+    if (isStream(*value)) look(name, streamBehind(value.get()));
+  }
+  return names.empty() ? "a stream that no variable holds" : names;
 }
 
 // A warning that a loop repeats is told once a statement.

@@ -58,6 +58,7 @@ class Interpreter final : private language::Output {
   void warn(foundation::core::except::MessageId const& id, std::string const& text);
   void beginStatement();
   std::optional<bool> drawnBefore(language::SourceError const& error) const;
+  std::string streamsDrawnFrom();
 
   Echo echo_;
   DisplayStyle style_;

@@ -61,7 +61,7 @@ class LineEditor final : public LineSource {
     el_set(edit, EL_BIND, "^C", "tv-cancel", nullptr);
     el_set(edit, EL_BIND, "^R", "em-inc-search-prev", nullptr);
     el_set(edit, EL_SETTY, "-d", "-isig", nullptr);
-    el_source(edit, nullptr);    // the user's own key bindings
+    el_source(edit, nullptr);  // the user's own key bindings
   }
 
   Input read(bool continues, std::string& line) override {

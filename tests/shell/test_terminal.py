@@ -121,6 +121,26 @@ class Terminal(unittest.TestCase):
         session.type("print('on'), while true, end\n").expect("\non").press("\x03")
         session.expect("TALVOR:language:interrupted")
 
+    def test_control_c_ends_a_function_and_tells_the_streams_drawn_from(self):
+        session = self.session
+        session.type("y = rand(1,2e7); x = 7; s = RandStream('philox'); t = s;\n")
+        session.type("c = {RandStream('mcg16807')}; r = RandStream('twister');\n")
+        for call, told in (("0", "  nothing was drawn\r"),
+                           ("rand", "  numbers were drawn before it, from the global stream\r"),
+                           ("rand(s)", "  numbers were drawn before it, from s\r"),
+                           ("rand + rand(r) + rand(t)",
+                            "  numbers were drawn before it, from the global stream, r, s\r"),
+                           ("rand(c{1})",
+                            "  numbers were drawn before it, from a stream that no variable holds\r")):
+            with self.subTest(call):
+                session.type(f"print('on'), x = {call} + sort(y,'descend');\n").expect("\non")
+                time.sleep(0.1)
+                session.press("\x03")
+                start = time.monotonic()
+                session.expect("[TALVOR:language:interrupted]" + told)
+                self.assertLess(time.monotonic() - start, 1.5)  # the sort takes seconds
+                session.type("x\n").expect("x = 7")
+
     def test_commands_without_parentheses(self):
         session = self.session
         session.type("format long\npi\n").expect("3.14159265358979")
