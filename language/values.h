@@ -28,7 +28,7 @@ TV_EXPORT std::string classText(txArray const& value);
 // "2x3"
 TV_EXPORT std::string sizeText(Dims dims);
 // "2x3 double"
-std::string describe(txArray const& value);
+TV_EXPORT std::string describe(txArray const& value);
 std::string elementCountText(std::uint64_t count);  // "1 element", "3 elements"
 
 inline Shape shapeOf(txArray const& value) { return {value.dims().begin(), value.dims().end()}; }

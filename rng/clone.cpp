@@ -67,7 +67,7 @@ void randstream::takeOver(std::unique_ptr<randstream> other) noexcept {
 }
 
 void randstream::WholeDraw::begin(randstream& stream) {
-  if (!stream.cloneView_) return;
+  if (!stream.ownView_) return;
   stream_ = &stream;
   exceptionsOutside_ = std::uncaught_exceptions();
   before_ = stream.clone();

@@ -188,6 +188,7 @@ bool Tdispatcher::call(std::string_view name, int nlhs, txArrayPtr* plhs,
   found->second(nlhs, plhs, static_cast<int>(borrowed.size()), borrowed.data());
   return true;
 }
+bool Tdispatcher::has(std::string_view name) { return current->functions.contains(name); }
 
 namespace tcos {
 
