@@ -3,6 +3,7 @@
 #include <cstdio>
 #include <functional>
 
+#include "embedded_host/interrupt.h"
 #include "embedded_host/text.h"
 #include "language/broadcast.h"
 #include "language/fault.h"
@@ -42,11 +43,11 @@ txArrayPtr toStrings(txArray const& value) {
   }
   txArrayPtr const full = txToFull(value);
   txArrayPtr result = embedded_host::makeStrings(full->dims());
-  for (std::uint64_t i = 0; i < full->numel(); ++i) {
+  embedded_host::each(full->numel(), [&](std::uint64_t i) {
     std::string text = elementText(*full, i, 15);
     if (full->isLogical()) text = text == "0" ? "false" : "true";
     embedded_host::setString(*result, i, embedded_host::utf8ToUtf16(text));
-  }
+  });
   return result;
 }
 

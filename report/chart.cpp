@@ -5,6 +5,8 @@
 #include <algorithm>
 #include <cmath>
 
+#include "embedded_host/interrupt.h"
+
 namespace report {
 
 namespace {
@@ -137,9 +139,10 @@ void Chart::band(double lower, double upper, std::string_view style) {
 
 void Chart::line(std::span<Point const> points, std::string_view style) {
   Path path;
-  for (Point const& p : points) {
+  embedded_host::each(points.size(), [&](std::size_t i) {
+    Point const& p = points[i];
     path.empty() ? path.moveTo(x(p.x), y(p.y)) : path.lineTo(x(p.x), y(p.y));
-  }
+  });
   svg_.path(path.commands(), style);
 }
 
@@ -156,7 +159,8 @@ void Chart::stairs(std::span<double const> values, std::string_view style) {
 
 void Chart::dots(std::span<Point const> points, std::string_view style) {
   Path path;
-  for (Point const& p : points) path.dot(x(p.x), y(p.y));
+  embedded_host::each(points.size(),
+                      [&](std::size_t i) { path.dot(x(points[i].x), y(points[i].y)); });
   svg_.path(path.commands(), style);
 }
 

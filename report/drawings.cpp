@@ -68,8 +68,9 @@ std::string blocks(double columns) {
 
 std::vector<Point> finiteOnes(std::span<Point const> points) {
   std::vector<Point> out;
-  std::ranges::copy_if(points, std::back_inserter(out),
-                       [](Point const& p) { return isDrawn(p.x) && isDrawn(p.y); });
+  embedded_host::each(points.size(), [&](std::size_t i) {
+    if (isDrawn(points[i].x) && isDrawn(points[i].y)) out.push_back(points[i]);
+  });
   return out;
 }
 
@@ -200,7 +201,7 @@ std::string chartText(std::span<Point const> given, int width) {
     return std::clamp(share, 0.0, 1.0) * static_cast<double>(cells - 1);
   };
   bool const joined = rises(points) && points.size() > 1;
-  for (std::size_t i = 0; i < points.size(); ++i) {
+  embedded_host::each(points.size(), [&](std::size_t i) {
     double const px = place(points[i].x, x, grid.width());
     double const py = place(points[i].y, y, grid.height());
     auto const set = [&](double atX, double atY) {
@@ -208,7 +209,7 @@ std::string chartText(std::span<Point const> given, int width) {
                grid.height() - 1 - static_cast<std::size_t>(std::lround(atY)));
     };
     set(px, py);
-    if (!joined || i == 0) continue;
+    if (!joined || i == 0) return;
     double const fromX = place(points[i - 1].x, x, grid.width());
     double const fromY = place(points[i - 1].y, y, grid.height());
     int const steps = static_cast<int>(std::ceil(std::max(px - fromX, std::fabs(py - fromY))));
@@ -216,7 +217,7 @@ std::string chartText(std::span<Point const> given, int width) {
       double const share = static_cast<double>(s) / steps;
       set(fromX + (px - fromX) * share, fromY + (py - fromY) * share);
     }
-  }
+  });
   std::string out;
   for (std::size_t row = 0; row < kRows; ++row) {
     std::string const label = row == 0 ? top : row == kRows - 1 ? bottom : "";
