@@ -86,11 +86,12 @@ std::string placeOf(std::string const& file) {
 }  // namespace
 
 void checkReplaceable(std::string const& file) {
+  if (fs::is_directory(file)) fail(file, EISDIR);
   std::string const place = placeOf(file);
   if (!place.empty() && NewFile(place)) return;
-  // A file in a folder that takes no other one is written where it is.
-  if (access(file.c_str(), W_OK) != 0) fail(file);
-  if (fs::is_directory(file)) fail(file, EISDIR);
+  int const reason = place.empty() ? 0 : errno;
+  // What is there and takes no file beside it is written where it is.
+  if (access(file.c_str(), W_OK) != 0) fail(file, reason != 0 ? reason : errno);
 }
 
 void replaceFile(std::string const& file, std::string_view content) {
