@@ -50,8 +50,8 @@ std::string readText(fs::path const& file) {
   return text;
 }
 
-// The place behind the text that opens at `at`. One that nothing closes ends with its line; there
-// the parser ends too.
+// The place behind the text that opens at `at`. A text of one line that its line does not close
+// ends the parser, so that what follows is of no account.
 std::size_t behindText(std::string_view toml, std::size_t at) {
   char const quote = toml[at];
   std::string const three(3, quote);
@@ -64,7 +64,6 @@ std::size_t behindText(std::string_view toml, std::size_t at) {
       for (int more = 0; ofLines && more < 2 && at < toml.size() && toml[at] == quote; ++more) ++at;
       return at;
     }
-    if (toml[at] == '\n' && !ofLines) return at;
     if (toml[at] == '\\' && quote == '"') ++at;
   }
   return toml.size();

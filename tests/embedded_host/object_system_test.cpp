@@ -31,8 +31,15 @@ double readNumber(txArray const& object, char const* property) {
   return txGetProperty(object, property)->scalarAsDouble();
 }
 
-TEST(Objects, ValuesAreCopiedWhenChanged) {
-  txArrayPtr const first = makeObject(makeClass({.name = "Value", .properties = {{.name = "X"}}}));
+TEST(Objects, ValuesAreCopiedWhenChangedAndGoWithoutADestroyer) {
+  int destroyed = 0;
+  ClassPtr const definition =
+      makeClass({.name = "Value", .properties = {{.name = "X"}}, .destroyer = [&](txArray&) {
+                   ++destroyed;
+                 }});
+  makeObject(definition).reset();
+  EXPECT_EQ(destroyed, 0);
+  txArrayPtr const first = makeObject(definition);
   setProperty(*first, "X", *txCreateDouble(1));
   txArrayPtr const second = txShare(*first);
   setProperty(*second, "X", *txCreateDouble(2));
