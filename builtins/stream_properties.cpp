@@ -109,6 +109,7 @@ void writeRandnAlg(randstream& stream, txArray const& value) {
   std::ranges::transform(name, name.begin(), [](char c) {
     return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
   });
+  std::ranges::replace(name, '\0', '?');  // would end the name, and is in none
   stream.setRandnAlg(name.c_str());
 }
 

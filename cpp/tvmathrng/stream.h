@@ -209,7 +209,8 @@ class Stream {
   StreamCount count() const noexcept { return StreamCount{stream_->numStreams()}; }
 
   /// "Ziggurat", "Polar" or "Inversion". Errors: set:UnknownRandnAlg.
-  void set_normal_method(std::string const& name) {
+  void set_normal_method(std::string name) {
+    std::ranges::replace(name, '\0', '?');  // would end the name, and is in none
     detail::withErrors([&] { stream_->setRandnAlg(name.c_str()); });
   }
   std::string_view normal_method() const noexcept { return stream_->getRandnAlg(); }

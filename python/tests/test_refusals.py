@@ -2,6 +2,7 @@
 
 import gc
 import pickle
+import subprocess
 import sys
 
 import numpy as np
@@ -92,6 +93,8 @@ BAD_CONTROL = [
     (lambda s: setattr(s, "randn_alg", 3), TypeError, OWN + "InvalidText", "3"),
     (lambda s: setattr(s, "antithetic", "no"), TypeError, OWN + "InvalidFlag", "'no'"),
     (lambda s: setattr(s, "state", s.state[1:]), ValueError, LIBRARY + "set:InvalidStateLen", "philox"),
+    (lambda s: setattr(s, "state", np.append(s.state, s.state)), ValueError,
+     LIBRARY + "set:InvalidStateLen", "philox"),
     (lambda s: setattr(s, "state", s.state + 0.5), ValueError, LIBRARY + "set:InvalidStateClass", "philox"),
     (lambda s: setattr(s, "state", 0 * s.state), ValueError,
      LIBRARY + "philox4x32_10:InvalidState", "philox"),
@@ -151,6 +154,24 @@ def test_a_stream_that_cannot_be_made_says_why(call, kind, identifier, said):
     with pytest.raises(kind) as caught:
         call()
     check(caught.value, identifier, said)
+
+
+LITTLE_MEMORY = """
+import resource, tvmathrng as tv
+resource.setrlimit(resource.RLIMIT_AS, (1_500_000_000,) * 2)
+stream = tv.RandStream()
+for call in (lambda: stream.rand(200_000_000), lambda: stream.randperm(150_000_000, dtype="i4")):
+    try:
+        call()
+    except tv.TvMemoryError as error:
+        print(error.identifier)
+assert stream.rand() == tv.RandStream().rand()
+"""
+
+
+def test_memory_that_cannot_be_had_is_an_error_of_ours():
+    done = subprocess.run([sys.executable, "-c", LITTLE_MEMORY], capture_output=True, text=True)
+    assert done.stdout.split() == ["TALVOR:nomem"] * 2, done.stderr
 
 
 def test_a_refused_out_keeps_its_contents(stream):

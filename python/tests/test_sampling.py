@@ -41,6 +41,15 @@ def test_numbers_are_those_of_the_host_language(generator, call, draw):
     assert same(numbers, np.array(json.loads(said)["data"], dtype=numbers.dtype).ravel())
 
 
+def test_an_array_of_ones_own_may_be_told_twice(stream):
+    twin = tv.RandStream("philox4x32_10", seed=7)
+    point = np.empty(())
+    assert stream.rand(out=point) is point and point == twin.rand()
+    out = np.empty((2, 3), np.float32, order="F")
+    assert stream.randn((2, 3), out=out, dtype=np.float32, order="F") is out
+    assert same(out, twin.randn(2, 3, dtype="f4", order="F"))
+
+
 def test_a_fill_runs_along_memory(stream):
     flat = stream.rand(24)
     stream.reset()
@@ -121,12 +130,22 @@ def test_integers_reach_both_limits_in_every_type(stream):
         assert stream.randi((limit, limit), 3, dtype=dtype).tolist() == [limit] * 3
 
 
+@pytest.mark.parametrize("count", [1, 2, 999, 1000, 1001, 2001])
+def test_integers_of_64_bits_are_the_doubles_in_any_number(stream, count):
+    draws = []
+    for dtype in ("f8", "i8", "u8"):
+        stream.reset()
+        draws.append(stream.randi((3, 2**53 - 9), count, dtype=dtype).tolist() + [stream.rand()])
+    assert draws[0] == draws[1] == draws[2]
+
+
 def test_positions_fit_every_type(stream):
     for dtype in ("i8", "i4", "u8", "u4", "f8"):
         assert sorted(stream.randperm(9, dtype=dtype).tolist()) == list(range(9))
     out = np.empty(3, np.int32)
     assert stream.randperm(9, 3, out=out) is out and len(set(out.tolist())) == 3
-    assert stream.randperm(0).shape == (0,)
+    assert stream.randperm(0).shape == stream.randperm(5, 0).shape == (0,)
+    assert stream.randperm(1).tolist() == stream.randperm(1, None).tolist() == [0]
     assert stream.randperm(2**31, 3, dtype="i4").min() >= 0
 
 

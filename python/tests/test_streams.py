@@ -11,6 +11,7 @@ from conftest import GENERATORS, WITH_SUBSTREAMS, same, unmoved
 
 import tvmathrng as tv
 
+PHILOX = tv.RandStream("philox")
 COPIES = [
     lambda s: tv.RandStream.from_snapshot(s.snapshot()),
     lambda s: pickle.loads(pickle.dumps(s)),
@@ -78,6 +79,18 @@ def test_streams_of_a_seed_differ_and_can_be_made_alone():
     assert alone.rand() == family[2].rand() and family[1].randn_alg == "Polar"
 
 
+def test_numbers_of_64_bits_are_taken_whole():
+    stream = tv.RandStream("threefry", stream_index=2**40 + 1, num_streams=2**50)
+    twin = copy.copy(stream)
+    assert (stream.stream_index, stream.num_streams) == (2**40 + 1, 2**50)
+    stream.advance(2**64 - 1)
+    for n in (2**63, 2**63 - 1):
+        twin.advance(n)
+    assert stream.rand() == twin.rand()
+    stream.substream = 2**33 + 1
+    assert stream.rand() == twin.at_substream(2**33 + 1).rand() != twin.at_substream(1).rand()
+
+
 def test_advance_passes_over_draws(generator):
     stream, twin = tv.RandStream(generator), tv.RandStream(generator)
     stream.advance(2017)
@@ -87,6 +100,9 @@ def test_advance_passes_over_draws(generator):
 def test_reset_takes_a_seed_or_keeps_it():
     stream = tv.RandStream(seed=1)
     first = stream.rand()
+    stream.reset(2**32 - 1)
+    assert stream.rand() == tv.RandStream(seed=2**32 - 1).rand()
+    stream.reset("entropy")
     stream.reset(2)
     assert stream.seed == 2 and stream.rand() == tv.RandStream(seed=2).rand() != first
     seeds = {tv.RandStream(seed="entropy").seed for _ in range(4)}
@@ -136,12 +152,33 @@ def test_a_fill_lets_other_threads_run_and_keeps_its_stream_to_itself():
     assert same(twin.randn(3_000_000), out) and twin.rand() == stream.rand()
 
 
+USES = [
+    *(lambda s, name=name: getattr(s, name)()
+      for name in ("rand", "randn", "reset", "snapshot", "__getstate__", "__reduce__")),
+    *(lambda s, name=name: getattr(s, name)
+      for name in ("antithetic", "full_precision", "parameters", "randn_alg", "state", "substream")),
+    *(lambda s, name=name, value=value: setattr(s, name, value)
+      for name, value in (("antithetic", True), ("full_precision", False), ("randn_alg", "Polar"),
+                          ("state", PHILOX.state), ("substream", 1))),
+    lambda s: s.rand(3),
+    lambda s: s.randi(6),
+    lambda s: s.randi(6, 3),
+    lambda s: s.randperm(5),
+    lambda s: s.advance(3),
+    lambda s: s.at_substream(2),
+    lambda s: s.restore(PHILOX.snapshot()),
+    lambda s: s.__setstate__(PHILOX.snapshot()),
+    lambda s: s.bit_generator().random_raw(),
+    lambda s: s.bit_generator().random_raw(3),
+]
+
+
 def test_a_stream_locked_for_numpy_is_in_use(stream):
     bits = stream.bit_generator()
     with bits.lock:
-        for call in (stream.rand, stream.snapshot, lambda: stream.randi(6), lambda: stream.substream):
+        for use in USES:
             with pytest.raises(tv.TvThreadError):
-                call()
+                use(stream)
     assert stream.rand() == tv.RandStream("philox", seed=7).rand()
 
 

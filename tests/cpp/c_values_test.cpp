@@ -3,6 +3,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <complex>
 #include <cstring>
 #include <functional>
@@ -17,7 +18,7 @@ namespace {
 
 using namespace tvmathrng;
 
-constexpr std::size_t kMany = 300;
+constexpr std::size_t kMany = 301;
 using Doubles = std::vector<double>;
 using InC = std::function<tvrng_status(tvrng_stream*, Doubles&)>;
 using InCpp = std::function<Doubles(Stream&)>;
@@ -56,6 +57,7 @@ InC fills(tvrng_status (*fill)(tvrng_stream*, std::size_t, T*), std::size_t part
 }
 
 constexpr Limits<int> kLimits = {3, 120};
+constexpr std::uint64_t kPopulation = (1ULL << 53) - 111;
 
 template <class T>
 Row integers(char const* name,
@@ -139,9 +141,9 @@ INSTANTIATE_TEST_SUITE_P(
         Row{"sample",
             [](tvrng_stream* s, Doubles& drawn) {
               drawn.resize(kMany);
-              return tvrng_sample(s, 1000000, kMany, drawn.data());
+              return tvrng_sample(s, kPopulation, kMany, drawn.data());
             },
-            [](Stream& s) { return s.sample<double>(kMany, Population{1000000}); }},
+            [](Stream& s) { return s.sample<double>(kMany, Population{kPopulation}); }},
         then(
             "reset", [](auto* s) { return tvrng_reset(s, 8); }, [](auto& s) { s.reset(Seed{8}); }),
         then(
@@ -171,6 +173,88 @@ INSTANTIATE_TEST_SUITE_P(
             "normal_method", [](auto* s) { return tvrng_set_normal_method(s, "polar"); },
             [](auto& s) { s.set_normal_method("Polar"); })),
     [](auto const& row) { return row.param.name; });
+
+// Beyond its own range a type has the nearest value that it can hold.
+TEST(Integers, Saturate) {
+  tvrng_stream* stream;
+  ASSERT_EQ(tvrng_create("mrg32k3a", 7, 0, 1, &stream), TVRNG_OK);
+  std::vector<double> wide(kMany);
+  std::vector<std::int8_t> narrow(kMany);
+  tvrng_integers(stream, -300, 250, kMany, wide.data());
+  tvrng_reset(stream, 7);
+  tvrng_integers_int8(stream, -300, 250, kMany, narrow.data());
+  for (double& value : wide) value = std::clamp(value, -128.0, 127.0);
+  EXPECT_EQ(asDoubles(narrow), wide);
+  tvrng_destroy(stream);
+}
+
+TEST(Generators, AreThoseOfCpp) {
+  std::vector<std::string> names;
+  for (std::size_t i = 0; i < tvrng_generator_count(); ++i)
+    names.push_back(tvrng_generator_name(i));
+  EXPECT_EQ(names, std::vector<std::string>(generators().begin(), generators().end()));
+}
+
+// Every pointer that must not be null, by its name in the header.
+TEST(Failures, NameThePointerThatIsMissing) {
+  tvrng_stream *s, *made;
+  ASSERT_EQ(tvrng_create("mrg32k3a", 0, 0, 1, &s), TVRNG_OK);
+  tvrng_stream* const none = nullptr;
+  std::uint64_t k;
+  std::size_t size;
+  ASSERT_EQ(tvrng_snapshot_size(s, &size), TVRNG_OK);
+  double d;
+  float f;
+  char text = 'x';
+  struct {
+    tvrng_status status;
+    char const* name;
+    std::string told = tvrng_error_text();
+    std::string identifier = tvrng_error_identifier();
+  } const calls[] = {
+      {tvrng_create(nullptr, 0, 0, 1, &made), "generator"},
+      {tvrng_create("mrg32k3a", 0, 0, 1, nullptr), "stream"},
+      {tvrng_at_substream(none, 1, &made), "stream"},
+      {tvrng_at_substream(s, 1, nullptr), "item"},
+      {tvrng_uniform(none, 1, &d), "stream"},
+      {tvrng_uniform(none, 0, nullptr), "stream"},
+      {tvrng_uniform(s, 1, nullptr), "out"},
+      {tvrng_uniform_float(none, 1, &f), "stream"},
+      {tvrng_uniform_float(s, 1, nullptr), "out"},
+      {tvrng_normal(s, 1, nullptr), "out"},
+      {tvrng_normal_float(s, 1, nullptr), "out"},
+      {tvrng_normal_complex(s, 1, nullptr), "out"},
+      {tvrng_normal_complex_float(s, 1, nullptr), "out"},
+      {tvrng_integers(none, 1, 6, 1, &d), "stream"},
+      {tvrng_integers(s, 1, 6, 1, nullptr), "out"},
+      {tvrng_permutation(s, 1, nullptr), "out"},
+      {tvrng_sample(none, 5, 1, &d), "stream"},
+      {tvrng_sample(s, 5, 1, nullptr), "out"},
+      {tvrng_reset(none, 1), "stream"},
+      {tvrng_set_substream(none, 1), "stream"},
+      {tvrng_get_substream(none, &k), "stream"},
+      {tvrng_get_substream(s, nullptr), "k"},
+      {tvrng_advance(none, 1), "stream"},
+      {tvrng_snapshot_size(none, &size), "stream"},
+      {tvrng_snapshot_size(s, nullptr), "size"},
+      {tvrng_snapshot(none, 1, &text), "stream"},
+      {tvrng_snapshot(s, size, nullptr), "text"},
+      {tvrng_from_snapshot(1, nullptr, &made), "text"},
+      {tvrng_from_snapshot(1, &text, nullptr), "stream"},
+      {tvrng_restore(none, 1, &text), "stream"},
+      {tvrng_restore(s, 1, nullptr), "text"},
+      {tvrng_set_normal_method(none, "polar"), "stream"},
+      {tvrng_set_normal_method(s, nullptr), "name"},
+      {tvrng_set_antithetic(none, 1), "stream"},
+      {tvrng_set_full_precision(none, 1), "stream"},
+  };
+  for (auto const& call : calls) {
+    EXPECT_EQ(call.status, TVRNG_ERROR);
+    EXPECT_EQ(call.told, "The argument '" + std::string(call.name) + "' is a null pointer.");
+    EXPECT_EQ(call.identifier, "TALVOR:c:NullPointer");
+  }
+  tvrng_destroy(s);
+}
 
 TEST(Failures, LeaveNullWhereAStreamWasAskedFor) {
   tvrng_stream* stream = nullptr;

@@ -36,31 +36,96 @@ class EveryGenerator : public testing::TestWithParam<char const*> {
   runtime::Vm vm_;
 };
 
+// Odd numbers of values: what is made in pairs or blocks has a last one.
 TEST_P(EveryGenerator, DrawsWhatTheBuiltinsDraw) {
-  EXPECT_EQ(stream_.uniform(5), builtin<double>("rand(s,1,5)"));
-  stream_.reset();
-  EXPECT_EQ(stream_.uniform<float>(5), builtin<float>("rand(s,1,5,'single')"));
-  stream_.reset();
-  EXPECT_EQ(stream_.normal(5), builtin<double>("randn(s,1,5)"));
-  stream_.reset();
-  EXPECT_EQ(stream_.normal<float>(5), builtin<float>("randn(s,1,5,'single')"));
-  stream_.reset();
-  EXPECT_EQ(stream_.normal<std::complex<float>>(3),
-            builtin<std::complex<float>>("randn(s,1,3,'like',single(1i))"));
-  stream_.reset();
-  EXPECT_EQ(stream_.integers<std::uint8_t>({3, 250}, 9),
-            builtin<std::uint8_t>("randi(s,[3 250],1,9,'uint8')"));
-  stream_.reset();
-  auto const wide = stream_.integers<std::int64_t>({-(1LL << 51), 1LL << 51}, 300);
-  EXPECT_EQ(std::vector<double>(wide.begin(), wide.end()),
-            builtin<double>("randi(s,[-2^51 2^51],1,300)"));
-  stream_.reset();
-  EXPECT_EQ(stream_.permutation<double>(20), builtin<double>("randperm(s,20)"));
-  stream_.reset();
-  EXPECT_EQ(stream_.sample<double>(3, Population{1000}), builtin<double>("randperm(s,1000,3)"));
-  stream_.reset(Seed{8});
+  using Complex = std::complex<double>;
+  using ComplexFloat = std::complex<float>;
+  auto const expectSame = [&](auto const& drawn, std::string const& draw) {
+    using T = typename std::decay_t<decltype(drawn)>::value_type;
+    EXPECT_EQ(drawn, builtin<T>(draw)) << draw;
+    stream_.reset();
+  };
+  expectSame(stream_.uniform(301), "rand(s,1,301)");
+  expectSame(stream_.uniform<float>(301), "rand(s,1,301,'single')");
+  expectSame(stream_.normal(301), "randn(s,1,301)");
+  expectSame(stream_.normal<float>(301), "randn(s,1,301,'single')");
+  expectSame(stream_.normal<Complex>(31), "randn(s,1,31,'like',1i)");
+  expectSame(stream_.normal<ComplexFloat>(31), "randn(s,1,31,'like',single(1i))");
+  expectSame(stream_.permutation<double>(301), "randperm(s,301)");
+  for (Population const n : {Population{1000}, Population{(1ULL << 53) - 111}})
+    expectSame(stream_.sample<double>(31, n), "randperm(s," + std::to_string(n.value()) + ",31)");
+  expectSame(std::vector{stream_.uniform(), stream_.uniform()}, "rand(s,1,2)");
+  expectSame(std::vector{stream_.uniform<float>()}, "rand(s,'single')");
+  expectSame(std::vector{stream_.normal()}, "randn(s)");
+  expectSame(std::vector{stream_.normal<Complex>()}, "randn(s,'like',1i)");
+  expectSame(std::vector{stream_.integer<std::int16_t>({-9, 300})}, "randi(s,[-9 300],'int16')");
+  stream_.reset(Seed{0xFFFFFFFE});
   stream_.advance(3);
-  EXPECT_EQ(stream_.uniform(2), builtin<double>("rand(s,1,2)", "reset(s,8); advance(s,3);"));
+  expectSame(stream_.uniform(2), "reset(s,2^32-2); advance(s,3); rand(s,1,2)");
+}
+
+template <class T>
+constexpr char const* kClassName = nullptr;
+#define TV_CLASS(type, name) \
+  template <>                \
+  constexpr char const* kClassName<type> = name
+TV_CLASS(std::int8_t, "int8");
+TV_CLASS(std::uint8_t, "uint8");
+TV_CLASS(std::int16_t, "int16");
+TV_CLASS(std::uint16_t, "uint16");
+TV_CLASS(std::int32_t, "int32");
+TV_CLASS(std::uint32_t, "uint32");
+TV_CLASS(std::int64_t, "double");  // the host language draws none of 64 bits
+TV_CLASS(std::uint64_t, "double");
+TV_CLASS(double, "double");
+TV_CLASS(float, "single");
+#undef TV_CLASS
+
+template <class T>
+class EveryInteger : public testing::Test {};
+using Integers =
+    testing::Types<std::int8_t, std::uint8_t, std::int16_t, std::uint16_t, std::int32_t,
+                   std::uint32_t, std::int64_t, std::uint64_t, double, float>;
+TYPED_TEST_SUITE(EveryInteger, Integers);
+
+TYPED_TEST(EveryInteger, IsDrawnAsTheBuiltinDrawsIt) {
+  using T = TypeParam;
+  using Drawn = std::conditional_t<sizeof(T) == 8, double, T>;
+  constexpr std::size_t kMany = 301;
+  runtime::Vm vm;
+  for (auto const& [lowest, highest] : {std::pair<T, T>{1, 6}, {T(-100), 100}, {7, 7}}) {
+    if (lowest > highest) continue;  // of unsigned types
+    Stream stream("mrg32k3a", Seed{7});
+    std::vector<T> const drawn = stream.integers<T>({lowest, highest}, kMany);
+    txArrayPtr const value =
+        vm.evaluate("randi(RandStream('mrg32k3a','Seed',7),[" + std::to_string(lowest) + " " +
+                    std::to_string(highest) + "],1,301,'" + kClassName<T> + "')");
+    auto const* const expected = std::as_const(*value).template dataAs<Drawn>();
+    EXPECT_TRUE(std::equal(drawn.begin(), drawn.end(), expected, expected + kMany));
+  }
+}
+
+TEST(Positions, AreTheSameInEveryType) {
+  Stream stream("philox4x32_10", Seed{7});
+  auto const ofSample = stream.sample<double>(9, Population{1ULL << 50});
+  stream.reset();
+  auto const unsignedSample = stream.sample(9, Population{1ULL << 50});
+  stream.reset();
+  auto const all = stream.permutation<double>(9);
+  stream.reset();
+  auto const signedAll = stream.permutation<std::int64_t>(9);
+  EXPECT_TRUE(std::ranges::equal(ofSample, unsignedSample));
+  EXPECT_TRUE(std::ranges::equal(all, signedAll));
+}
+
+TEST_P(EveryGenerator, JumpsAsFarAsItIsTold) {
+  if (!stream_.native().hasSubstreams()) return;
+  stream_.advance((1ULL << 51) + 5);
+  EXPECT_EQ(stream_.uniform(3), builtin<double>("advance(s,2^51+5); rand(s,1,3)"));
+  stream_.set_substream(Substream{(1ULL << 40) + 1});
+  EXPECT_EQ(stream_.uniform(3), builtin<double>("s.Substream = 2^40 + 2; rand(s,1,3)"));
+  EXPECT_EQ(stream_.at_substream(Substream{1ULL << 33}).uniform(3),
+            builtin<double>("s.Substream = 2^33 + 1; rand(s,1,3)"));
 }
 
 // Integers of 64 bits come as doubles, in parts.
@@ -171,12 +236,25 @@ TEST(Errors, StreamsBeyondTheirCountAreNone) {
   EXPECT_EQ(made(0, 0), "TALVOR:RandStream:create:BadNumStreams");
 }
 
+TEST(Errors, CarryAllArguments) {
+  Stream stream("mt19937ar");
+  try {
+    stream.restore(Stream("mrg32k3a").snapshot());
+    FAIL() << "restored";
+  } catch (Error const& error) {
+    EXPECT_EQ(error.identifier(), "TALVOR:RandStream:snapshot:OtherGenerator");
+    EXPECT_EQ(error.arguments(), (std::vector<Error::Argument>{"mrg32k3a", "mt19937ar"}));
+  }
+}
+
 TEST(Errors, RefusedCallsDrawNothing) {
   Stream stream("mt19937ar");
   EXPECT_THROW(stream.integers<int>({6, 1}, 10), Error);
   EXPECT_THROW(stream.integers<std::int64_t>({0, 1LL << 53}, 0), Error);
   EXPECT_THROW(stream.sample(5, Population{4}), Error);
   EXPECT_THROW(stream.set_normal_method("box"), Error);
+  EXPECT_THROW(stream.set_normal_method(std::string("polar\0", 6)), Error);
+  EXPECT_THROW(Stream(std::string("mt19937ar\0", 10)), Error);
   EXPECT_THROW(Stream("mt19937ar", Seed{1}, StreamIndex{1}, StreamCount{2}), Error);
   EXPECT_EQ(stream.uniform(), 0.81472368639317894);
 }
