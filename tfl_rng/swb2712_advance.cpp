@@ -148,23 +148,25 @@ errorID swb2712::advance(std::uint64_t n) {
 void swb2712::jump(std::uint64_t n) noexcept {
   using swb2712_kernel::reference::toFraction;
   using swb2712_kernel::reference::toUnits;
-  auto& [lags, borrow, position, counter] = state_;
   std::uint64_t z[kLags];
-  const auto oldest = [&](std::size_t i) -> double& { return lags[(position + i) % kLags]; };
+  const auto oldest = [this](std::size_t i) -> double& {
+    return state_.lags[(state_.position + i) % kLags];
+  };
   for (std::size_t i = 0; i < kLags; ++i) z[i] = static_cast<std::uint64_t>(toUnits(oldest(i)));
   // Two tables make themselves again: the smallest values without a borrow, because a z of 0 is
   // stored as 2^-53, and the largest with one.
-  const bool stands = std::ranges::count(z, z[0]) == kLags && z[0] == (borrow ? kUnits - 1 : 1);
+  const bool stands =
+      std::ranges::count(z, z[0]) == kLags && z[0] == (state_.borrow ? kUnits - 1 : 1);
   if (!stands) {
     Residue s = numberOf(z + kLags - kFar);
-    add(s, Residue{borrow});
+    add(s, Residue{state_.borrow});
     s = product(s, inversePower(n));
     Residue const last = s;
     for (std::size_t i = kLags; i-- > 0;) z[i] = stepBack(s);
-    borrow = numberOf(z + kLags - kFar) != last;
+    state_.borrow = numberOf(z + kLags - kFar) != last;
   }
-  position = static_cast<std::uint32_t>((position + n) % kLags);
-  counter += static_cast<std::uint32_t>(n) * swb2712_kernel::kWeylStep;
+  state_.position = static_cast<std::uint32_t>((state_.position + n) % kLags);
+  state_.counter += static_cast<std::uint32_t>(n) * swb2712_kernel::kWeylStep;
   for (std::size_t i = 0; i < kLags; ++i) oldest(i) = toFraction(z[i]);
 }
 
