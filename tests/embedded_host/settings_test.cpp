@@ -120,13 +120,13 @@ TEST_F(Settings, MissingKeysAndWrongTypesAreErrors) {
 
 TEST_F(Settings, WhatIsWrongWithAFileIsToldWithItsPlace) {
   std::string const group = "[talvor.general.randomnumbers]\n", all = "the settings are talvor";
-  struct Row {
+  struct Told {
     std::string text;
     char const* identifier;
     std::string place, hint = "";
   };
   constexpr char kMeant[] = "did you mean talvor.general.randomnumbers.DefaultSeed?";
-  Row const rows[] = {
+  Told const rows[] = {
       {group + "DefaultSeed = = 1\n", "BrokenFile", "line 2, column 15"},
       {group + "\nDefaultSed = 7", "UnknownSetting", "line 3, column 14", kMeant},
       {group + "defaultseed = 7", "UnknownSetting", "line 2, column 15", kMeant},
@@ -137,7 +137,7 @@ TEST_F(Settings, WhatIsWrongWithAFileIsToldWithItsPlace) {
       {"[own]", "UnknownSetting", "\"own\"", all},
       {"x = \"\"\"\n\n\"\"\"\ny = " + std::string(40, '['), "TooDeep", "line 4"},
   };
-  for (Row const& row : rows) {
+  for (Told const& row : rows) {
     SCOPED_TRACE(row.text);
     try {
       read(row.text);
