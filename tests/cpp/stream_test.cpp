@@ -91,17 +91,17 @@ TYPED_TEST_SUITE(EveryInteger, Integers);
 TYPED_TEST(EveryInteger, IsDrawnAsTheBuiltinDrawsIt) {
   using T = TypeParam;
   using Drawn = std::conditional_t<sizeof(T) == 8, double, T>;
-  constexpr std::size_t kMany = 301;
+  constexpr std::size_t kDrawn = 301;
   runtime::Vm vm;
   for (auto const& [lowest, highest] : {std::pair<T, T>{1, 6}, {T(-100), 100}, {7, 7}}) {
     if (lowest > highest) continue;  // of unsigned types
     Stream stream("mrg32k3a", Seed{7});
-    std::vector<T> const drawn = stream.integers<T>({lowest, highest}, kMany);
+    std::vector<T> const drawn = stream.integers<T>({lowest, highest}, kDrawn);
     txArrayPtr const value =
         vm.evaluate("randi(RandStream('mrg32k3a','Seed',7),[" + std::to_string(lowest) + " " +
                     std::to_string(highest) + "],1,301,'" + kClassName<T> + "')");
     auto const* const expected = std::as_const(*value).template dataAs<Drawn>();
-    EXPECT_TRUE(std::equal(drawn.begin(), drawn.end(), expected, expected + kMany));
+    EXPECT_TRUE(std::equal(drawn.begin(), drawn.end(), expected, expected + kDrawn));
   }
 }
 
@@ -130,13 +130,13 @@ TEST_P(EveryGenerator, JumpsAsFarAsItIsTold) {
 
 // Integers of 64 bits come as doubles, in parts.
 TEST_P(EveryGenerator, IntegersOf64BitsAreTheDoublesInAnyNumber) {
-  constexpr Limits<double> kLimits = {-5, 0x1p53 - 7};
+  constexpr Limits<double> kWide = {-5, 0x1p53 - 7};
   for (std::size_t const n : {1U, 2U, 255U, 256U, 257U, 511U, 512U, 513U, 1000U}) {
     stream_.reset();
     auto const wide = stream_.integers<std::int64_t>({-5, (1LL << 53) - 7}, n);
     double const next = stream_.uniform();
     stream_.reset();
-    EXPECT_EQ(std::vector<double>(wide.begin(), wide.end()), stream_.integers<double>(kLimits, n));
+    EXPECT_EQ(std::vector<double>(wide.begin(), wide.end()), stream_.integers<double>(kWide, n));
     EXPECT_EQ(stream_.uniform(), next) << n;
   }
 }
