@@ -18,16 +18,20 @@ import sys
 REGISTRY = pathlib.Path(__file__).resolve().parents[2] / "tfl_rng/generators.def"
 ROW = re.compile(r'^TFL_GENERATOR\(\w+,\s*(\w+),\s*"[^"]*",\s*(\w+),', re.MULTILINE)
 
-# A template's name has the type of its result, or of the variable, before it.
+# By the names before demangling: those of a template's instances begin with the type of the result.
 PASSED_OVER = re.compile(
-    r"((unsigned )?\w+ )?(std|boost|__gnu_cxx)::|typeinfo |vtable |__odr_asan|__asan|guard variable")
+    r"_ZZ?N?[KVRO]*(S[tabsiod]|5boost|9__gnu_cxx)|_ZT[ISV]|_ZGV|__odr_asan|__asan")
+
+
+def symbols(nm, library, *options):
+    lines = subprocess.run([nm, "-D", "--defined-only", *options, library], check=True, text=True,
+                           capture_output=True).stdout.splitlines()
+    return [line.split(maxsplit=2)[2] for line in lines]
 
 
 def exported(nm, library):
-    lines = subprocess.run([nm, "-D", "--defined-only", "-C", library], check=True, text=True,
-                           capture_output=True).stdout.splitlines()
-    names = {line.split(maxsplit=2)[2] for line in lines}
-    return {name for name in names if not PASSED_OVER.match(name)}
+    pairs = zip(symbols(nm, library), symbols(nm, library, "-C"), strict=True)
+    return {name for mangled, name in pairs if not PASSED_OVER.match(mangled)}
 
 
 def listed(text, rows):
