@@ -1,23 +1,27 @@
 #pragma once
 
-// The chunk rule of the sampling paths: uniforms are asked for in chunks of 100, then the rest.
+// How sampling asks for its uniforms: a plug-in from elsewhere in chunks of 100, then the rest; a
+// generator of this library, whose draws do not depend on how requests are cut, for as many at once
+// as keeps its speed and the first cache.
 
+#include <algorithm>
 #include <cstddef>
 
 #include "plugin_rng/interruption.h"
 
 inline constexpr std::size_t kChunk = 100;
+inline constexpr std::size_t kLongChunk = 2000;  // even, so that pairs stay together
 
-// Calls body(at, len) for the consecutive pieces of [0, n): len is 100, at the end what remains. A
-// long draw may be ended between two of them.
+// Calls body(at, len) for the consecutive pieces of [0, n): len is `size`, at the end what remains.
+// A long draw may be ended between two of them.
 template <class Body>
-void forEachChunk(std::size_t n, Body&& body) {
+void forEachChunk(std::size_t n, std::size_t size, Body&& body) {
   std::size_t look = plugin_rng::kUninterrupted;
-  for (std::size_t at = 0; at < n; at += kChunk) {
+  for (std::size_t at = 0; at < n; at += size) {
     if (at >= look) [[unlikely]] {
       plugin_rng::checkInterruption();
       look += plugin_rng::kUninterrupted;
     }
-    body(at, n - at < kChunk ? n - at : kChunk);
+    body(at, std::min(size, n - at));
   }
 }

@@ -10,6 +10,7 @@
 #include "rng/chunks.h"
 #include "rng/in_use.h"
 #include "rng/kernels/accepted_run.h"
+#include "rng/kernels/delivery.h"
 #include "rng/randstream.h"
 #include "rng/uniform_source.h"
 #include "rng/whole_draw.h"
@@ -17,8 +18,6 @@
 #include "tfl_rng/rejection.h"
 
 namespace {
-
-constexpr double kSqrt2 = 1.4142135623730951;
 
 // Counts rejections in a row: a generator in a degenerate state may be rejected forever.
 class Rejections {
@@ -173,20 +172,9 @@ namespace {
 
 // Stores normals as T: negated for an antithetic stream, then divided for half the variance.
 template <class T>
-void deliver(double const* normals, T* out, std::size_t n, bool negate, bool halfVariance) {
-  const auto each = [&](auto value) {
-    for (std::size_t i = 0; i < n; ++i) out[i] = static_cast<T>(value(normals[i]));
-  };
-  if (negate && halfVariance)
-    each([](double x) { return -x / kSqrt2; });
-  else if (negate)
-    each([](double x) { return -x; });
-  else if (halfVariance)
-    each([](double x) { return x / kSqrt2; });
-  else if constexpr (!std::is_same_v<T, double>)
-    each([](double x) { return x; });
-  else if (normals != out)
-    std::copy_n(normals, n, out);
+void deliver(double const* normals, T* out, std::size_t n, delivery::Change change) {
+  bool const asTheyAre = !change.negate && !change.halfVariance;
+  if (std::is_same_v<T, float> || !asTheyAre) delivery::toNormals(normals, change, out, n);
 }
 
 }  // namespace
@@ -194,21 +182,22 @@ void deliver(double const* normals, T* out, std::size_t n, bool negate, bool hal
 template <>
 void randstream::randnFcn(double* out, unsigned long n, bool halfVariance) {
   const InUse inUse(*this);
+  const delivery::Change change{antithetic_, halfVariance};
   if (nativeNormals_ && n <= plugin_rng::kUninterrupted) {
     drawNativeNormals(out, n);
-    return deliver(out, out, n, antithetic_, halfVariance);
+    return deliver(out, out, n, change);
   }
   const WholeDraw whole(*this, n);
   if (nativeNormals_) {
     drawNativeNormals(out, n);
-    return plugin_rng::inInterruptibleParts(n, [&](std::size_t at, std::size_t len) {
-      deliver(out + at, out + at, len, antithetic_, halfVariance);
-    });
+    return plugin_rng::inInterruptibleParts(
+        n, [&](std::size_t at, std::size_t len) { deliver(out + at, out + at, len, change); });
   }
   double scratch[2 * kChunk];
-  forEachChunk(n, [&](std::size_t at, std::size_t len) {
+  forEachChunk(n, kChunk, [&](std::size_t at, std::size_t len) {
     (this->*normalGenerator_)(scratch, len);
-    deliver(scratch, out + at, len, antithetic_, halfVariance);
+    std::copy_n(scratch, len, out + at);
+    deliver(scratch, out + at, len, change);
   });
 }
 
@@ -216,12 +205,12 @@ template <>
 void randstream::randnFcn(float* out, unsigned long n, bool halfVariance) {
   const InUse inUse(*this);
   const WholeDraw whole(*this, n);
-  double scratch[2 * kChunk];
-  forEachChunk(n, [&](std::size_t at, std::size_t len) {
+  double scratch[kLongChunk];
+  forEachChunk(n, nativeNormals_ ? chunk() : kChunk, [&](std::size_t at, std::size_t len) {
     if (nativeNormals_)
       drawNativeNormals(scratch, len);
     else
       (this->*normalGenerator_)(scratch, len);
-    deliver(scratch, out + at, len, antithetic_, halfVariance);
+    deliver(scratch, out + at, len, {antithetic_, halfVariance});
   });
 }

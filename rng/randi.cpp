@@ -1,6 +1,7 @@
 // Integers of a closed range: one uniform each, scaled and truncated, without rejection.
 
 #include <cmath>
+#include <type_traits>
 
 #include "errors/keys.h"
 #include "host/tfl_rng.h"
@@ -37,14 +38,14 @@ void randstream::randiFcn(double lo, double hi, T* out, unsigned long n) {
   const InUse inUse(*this);
   // An antithetic stream mirrors the integer within the range, not the uniform.
   const delivery::Range range{lo, checkRandiLimits(lo, hi), antithetic_};
-  double drawn[kChunk];
-  const auto chunk = [&](std::size_t at, std::size_t len) {
-    uniforms().randu(drawn, len);
-    delivery::toElements(drawn, range, out + at, len);
-  };
-  if (n > 0 && n <= kChunk) return chunk(0, n);
   const WholeDraw whole(*this, n);
-  forEachChunk(n, chunk);
+  double drawn[std::is_same_v<T, double> ? 1 : kLongChunk];  // doubles are converted in place
+  forEachChunk(n, chunk(), [&](std::size_t at, std::size_t len) {
+    double* uniform = drawn;
+    if constexpr (std::is_same_v<T, double>) uniform = out + at;
+    uniforms().randu(uniform, len);
+    delivery::toElements(uniform, range, out + at, len);
+  });
 }
 
 #define INSTANTIATE(T, classID) \

@@ -83,7 +83,7 @@ template <class Shuffle>
 void shuffleFromTop(UniformSource source, double* out, std::size_t k, double n, Shuffle shuffle) {
   double uniforms[kChunk];
   double left = n;
-  forEachChunk(k, [&](std::size_t at, std::size_t len) {
+  forEachChunk(k, kChunk, [&](std::size_t at, std::size_t len) {
     source.randu(uniforms, len);
     for (std::size_t i = 0; i < len; ++i, --left)
       out[at + i] = static_cast<double>(

@@ -102,7 +102,8 @@ void randstream::advance(unsigned long n) {
     requiredPlugin();
     const WholeDraw whole(*this, n);
     double discarded[kChunk];
-    forEachChunk(n, [&](std::size_t, std::size_t len) { uniforms().randu(discarded, len); });
+    forEachChunk(n, kChunk,
+                 [&](std::size_t, std::size_t len) { uniforms().randu(discarded, len); });
   });
 }
 

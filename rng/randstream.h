@@ -170,6 +170,7 @@ class TV_EXPORT randstream {
 
   // Sampling reaches the generator through these two, which count.
   TV_LOCAL UniformSource uniforms() noexcept;
+  TV_LOCAL std::size_t chunk() const noexcept;  // of rng/chunks.h, for this stream's generator
   TV_LOCAL void drawNativeNormals(double* out, std::size_t n);
   TV_LOCAL void randuLongOrMirrored(double* out, unsigned long n);
 

@@ -18,9 +18,9 @@ void randstream::randuFcn(double* out, unsigned long n) {
 void randstream::randuLongOrMirrored(double* out, unsigned long n) {
   const WholeDraw whole(*this, n);
   if (!antithetic_) return uniforms().randu(out, n);
-  forEachChunk(n, [&](std::size_t at, std::size_t len) {
+  forEachChunk(n, chunk(), [&](std::size_t at, std::size_t len) {
     uniforms().randu(out + at, len);
-    for (std::size_t i = at; i < at + len; ++i) out[i] = delivery::mirror(out[i]);
+    delivery::mirrorInPlace(out + at, len);
   });
 }
 
@@ -28,8 +28,8 @@ template <>
 void randstream::randuFcn(float* out, unsigned long n) {
   const InUse inUse(*this);
   const WholeDraw whole(*this, n);
-  double drawn[kChunk];
-  forEachChunk(n, [&](std::size_t at, std::size_t len) {
+  double drawn[kLongChunk];
+  forEachChunk(n, chunk(), [&](std::size_t at, std::size_t len) {
     uniforms().randu(drawn, len);
     delivery::toFloats(drawn, antithetic_, out + at, len);
   });

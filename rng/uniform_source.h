@@ -5,6 +5,7 @@
 #include <cstddef>
 #include <cstdint>
 
+#include "rng/chunks.h"
 #include "rng/randstream.h"
 
 // The draws of all streams in this thread. In static memory of the thread, so that single values do
@@ -29,3 +30,5 @@ class UniformSource {
 };
 
 inline UniformSource randstream::uniforms() noexcept { return {*plugin_, counts_}; }
+
+inline std::size_t randstream::chunk() const noexcept { return ownView_ ? kLongChunk : kChunk; }

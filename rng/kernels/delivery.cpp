@@ -13,7 +13,12 @@ namespace delivery::HWY_NAMESPACE {
 
 #if HWY_TARGET == HWY_SCALAR
 
+constexpr std::size_t vectorMirror(double*, std::size_t) { return 0; }
 constexpr std::size_t vectorFloats(double const*, bool, float*, std::size_t) { return 0; }
+template <class T>
+constexpr std::size_t vectorNormals(double const*, Change, T*, std::size_t) {
+  return 0;
+}
 template <class T>
 constexpr std::size_t vectorElements(double const*, Range const&, T*, std::size_t) {
   return 0;
@@ -29,21 +34,47 @@ using Doubles = hn::Vec<decltype(f64)>;
 template <class T>
 using Narrow = hn::Rebind<T, decltype(f64)>;
 
-// Converts the whole vectors of out[0, n); the number of values done.
+HWY_INLINE Doubles mirrorEach(Doubles u) {
+  return hn::IfThenElse(hn::Gt(u, hn::Set(f64, kSmallestUniform)), hn::Sub(hn::Set(f64, 1), u),
+                        hn::Set(f64, kLargestUniform));
+}
+
+// All of these convert the whole vectors of [0, n) and return the number of values done.
+
+std::size_t vectorMirror(double* values, std::size_t n) {
+  const std::size_t lanes = hn::Lanes(f64);
+  std::size_t i = 0;
+  for (; i + lanes <= n; i += lanes)
+    hn::StoreU(mirrorEach(hn::LoadU(f64, values + i)), f64, values + i);
+  return i;
+}
+
 std::size_t vectorFloats(double const* uniforms, bool mirrored, float* out, std::size_t n) {
   const Narrow<float> f32;
-  const auto one = hn::Set(f64, 1);
   const std::size_t lanes = hn::Lanes(f64);
   std::size_t i = 0;
   for (; i + lanes <= n; i += lanes) {
     Doubles u = hn::LoadU(f64, uniforms + i);
-    if (mirrored) {
-      u = hn::IfThenElse(hn::Gt(u, hn::Set(f64, kSmallestUniform)), hn::Sub(one, u),
-                         hn::Set(f64, kLargestUniform));
-    }
+    if (mirrored) u = mirrorEach(u);
     const auto f = hn::Min(hn::DemoteTo(f32, u), hn::Set(f32, kLargestFloat));
     const auto isZero = hn::Eq(f, hn::Zero(f32));
     hn::StoreU(hn::IfThenElse(isZero, hn::Set(f32, kSmallestFloat), f), f32, out + i);
+  }
+  return i;
+}
+
+template <class T>
+HWY_INLINE std::size_t vectorNormals(double const* normals, Change change, T* out, std::size_t n) {
+  const auto sign = hn::Set(f64, change.negate ? -0.0 : 0.0);
+  const std::size_t lanes = hn::Lanes(f64);
+  std::size_t i = 0;
+  for (; i + lanes <= n; i += lanes) {
+    Doubles z = hn::Xor(hn::LoadU(f64, normals + i), sign);
+    if (change.halfVariance) z = hn::Div(z, hn::Set(f64, kSqrt2));
+    if constexpr (std::is_same_v<T, double>)
+      hn::StoreU(z, f64, out + i);
+    else
+      hn::StoreU(hn::DemoteTo(Narrow<float>(), z), Narrow<float>(), out + i);
   }
   return i;
 }
@@ -87,9 +118,50 @@ HWY_INLINE Doubles truncate(Doubles values, bool below31) {
   return hn::Trunc(values);
 }
 
+// Whether all of a range, and what lies next above it, is of int32.
+bool fitsInt32(Range const& range) {
+  constexpr double kLow = std::numeric_limits<std::int32_t>::min();
+  constexpr double kHigh = std::numeric_limits<std::int32_t>::max();
+  return range.count <= kHigh && range.lo >= kLow && range.lo + range.count <= kHigh;
+}
+
+// The whole vectors of elements of at most 32 bits, of a range that fits: in integers, which need
+// few bounds.
+template <class T>
+HWY_INLINE std::size_t vectorIntegers(double const* uniforms, Range const& range, T* out,
+                                      std::size_t n) {
+  const Narrow<std::int32_t> i32;
+  const Narrow<T> narrow;
+  const auto count = hn::Set(f64, range.count);
+  // k + lo, or count - 1 - k + lo.
+  const double first = range.mirrored ? range.count - 1 + range.lo : range.lo;
+  const auto from = hn::Set(i32, static_cast<std::int32_t>(first));
+  const auto sign = hn::Set(i32, range.mirrored ? -1 : 0);
+  const auto lowest = hn::Set(i32, std::numeric_limits<T>::min());
+  const auto highest = hn::Set(i32, std::numeric_limits<T>::max());
+  const std::size_t lanes = hn::Lanes(f64);
+  std::size_t i = 0;
+  for (; i + lanes <= n; i += lanes) {
+    const auto k = hn::DemoteTo(i32, hn::Mul(hn::LoadU(f64, uniforms + i), count));
+    const auto values = hn::Add(hn::Sub(hn::Xor(k, sign), sign), from);
+    if constexpr (sizeof(T) == sizeof(std::int32_t)) {
+      hn::StoreU(values, narrow, out + i);
+    } else {
+      // Not every instruction that narrows to bytes saturates all of int32.
+      const auto inRange = hn::Min(hn::Max(values, lowest), highest);
+      hn::StoreU(hn::DemoteTo(narrow, inRange), narrow, out + i);
+    }
+  }
+  return i;
+}
+
 template <class T>
 HWY_INLINE std::size_t vectorElements(double const* uniforms, Range const& range, T* out,
                                       std::size_t n) {
+  if constexpr (std::is_integral_v<T> && !std::is_same_v<T, bool> &&
+                !std::is_same_v<T, unsigned int>) {
+    if (fitsInt32(range)) return vectorIntegers(uniforms, range, out, n);
+  }
   const bool below31 = range.count <= 0x1p31;
   const auto count = hn::Set(f64, range.count);
   const auto lo = hn::Set(f64, range.lo);
@@ -104,6 +176,22 @@ HWY_INLINE std::size_t vectorElements(double const* uniforms, Range const& range
 }
 
 #endif
+
+void mirrorAll(double* values, std::size_t n) {
+  for (std::size_t i = vectorMirror(values, n); i < n; ++i) values[i] = mirror(values[i]);
+}
+
+template <class T>
+HWY_INLINE void normals(double const* values, Change change, T* out, std::size_t n) {
+  for (std::size_t i = vectorNormals(values, change, out, n); i < n; ++i)
+    out[i] = static_cast<T>(changed(values[i], change));
+}
+void normalDoubles(double const* values, Change change, double* out, std::size_t n) {
+  normals(values, change, out, n);
+}
+void normalFloats(double const* values, Change change, float* out, std::size_t n) {
+  normals(values, change, out, n);
+}
 
 void floats(double const* uniforms, bool mirrored, float* out, std::size_t n) {
   for (std::size_t i = vectorFloats(uniforms, mirrored, out, n); i < n; ++i)
@@ -124,7 +212,19 @@ HWY_AFTER_NAMESPACE();
 #if HWY_ONCE
 namespace delivery {
 
+HWY_EXPORT(mirrorAll);
+HWY_EXPORT(normalDoubles);
+HWY_EXPORT(normalFloats);
 HWY_EXPORT(floats);
+
+void mirrorInPlace(double* values, std::size_t n) { HWY_DYNAMIC_DISPATCH(mirrorAll)(values, n); }
+
+void toNormals(double const* normals, Change change, double* out, std::size_t n) {
+  HWY_DYNAMIC_DISPATCH(normalDoubles)(normals, change, out, n);
+}
+void toNormals(double const* normals, Change change, float* out, std::size_t n) {
+  HWY_DYNAMIC_DISPATCH(normalFloats)(normals, change, out, n);
+}
 
 void toFloats(double const* uniforms, bool mirrored, float* out, std::size_t n) {
   HWY_DYNAMIC_DISPATCH(floats)(uniforms, mirrored, out, n);

@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <cmath>
 #include <random>
 #include <vector>
 
@@ -37,6 +38,32 @@ TEST(DeliveryKernel, FloatsEqualTheScalarForm) {
   });
 }
 
+TEST(DeliveryKernel, MirroredAndChangedValuesEqualTheScalarForms) {
+  const auto u = uniforms();
+  every_target::run([&] {
+    for (std::size_t n = 0; n <= u.size(); n = n < 40 ? n + 1 : n + 60) {
+      std::vector<double> mirrored(u);
+      delivery::mirrorInPlace(mirrored.data(), n);
+      for (std::size_t i = 0; i < u.size(); ++i)
+        ASSERT_EQ(mirrored[i], i < n ? delivery::mirror(u[i]) : u[i]) << i;
+      for (const delivery::Change change :
+           {delivery::Change{false, false}, {false, true}, {true, false}, {true, true}}) {
+        std::vector<float> floats(n + 1, -7);
+        std::vector<double> doubles(u);
+        doubles[0] = 0;
+        delivery::toNormals(u.data(), change, floats.data(), n);
+        delivery::toNormals(doubles.data(), change, doubles.data(), n);
+        for (std::size_t i = 0; i < n; ++i) {
+          ASSERT_EQ(floats[i], static_cast<float>(delivery::changed(u[i], change))) << u[i];
+          ASSERT_EQ(doubles[i], delivery::changed(i == 0 ? 0 : u[i], change)) << u[i];
+          ASSERT_EQ(std::signbit(doubles[i]), change.negate);
+        }
+        ASSERT_EQ(floats[n], -7);
+      }
+    }
+  });
+}
+
 template <class T>
 class DeliveryKernelElements : public ::testing::Test {};
 #define ELEMENT(T, classID) , T
@@ -48,10 +75,14 @@ TYPED_TEST_SUITE(DeliveryKernelElements, Elements);
 TYPED_TEST(DeliveryKernelElements, EqualTheScalarForm) {
   using T = TypeParam;
   const auto u = uniforms();
-  const Range ranges[] = {
-      {1, 6, false},     {0, 0x1p53 - 1, false}, {1, 0x1p52, true}, {-0x1p52, 0x1p53 - 1, false},
-      {-3e9, 9e9, true}, {-40000, 80001, false}, {-300, 601, true}, {5, 1, true},
-      {-1, 3, false},    {0, 0x1p31, true},      {0, 0x1p32, false}};
+  const Range ranges[] = {{1, 6, false},         {0, 0x1p53 - 1, false},
+                          {1, 0x1p52, true},     {-0x1p52, 0x1p53 - 1, false},
+                          {-3e9, 9e9, true},     {-40000, 80001, false},
+                          {-300, 601, true},     {5, 1, true},
+                          {-1, 3, false},        {0, 0x1p31, true},
+                          {0, 0x1p32, false},    {-0x1p31, 0x1p31, false},
+                          {-5, 0x1p31, true},    {-40000, 80001, true},
+                          {0x1p31 - 5, 5, false}};
   every_target::run([&] {
     for (Range const& range : ranges)
       for (const std::size_t n : {0UL, 1UL, 7UL, 8UL, 9UL, 100UL, 1000UL}) {
