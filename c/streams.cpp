@@ -8,6 +8,7 @@
 #include <complex>
 #include <cstring>
 #include <new>
+#include <span>
 #include <stdexcept>
 #include <string_view>
 
@@ -17,10 +18,15 @@ struct tvrng_stream {
 
 namespace {
 
+using tvmathrng::Stream;
+
 // Kept in fixed room, so that reporting a lack of memory needs none.
 struct LastError {
   std::array<char, 128> identifier{};
   std::array<char, 512> text{};
+  std::array<std::array<char, 128>, 4> argumentTexts{};
+  std::array<tvrng_error_argument, 4> arguments{};
+  tvrng_error facts{TVRNG_OK, identifier.data(), text.data(), 0, arguments.data()};
 };
 thread_local LastError lastError;
 
@@ -31,10 +37,22 @@ void keep(std::array<char, n>& place, std::string_view text) noexcept {
   place[length] = '\0';
 }
 
-tvrng_status fail(tvrng_status status, std::string_view identifier,
-                  std::string_view text) noexcept {
+tvrng_status fail(tvrng_status status, std::string_view identifier, std::string_view text,
+                  std::span<tvmathrng::Error::Argument const> arguments = {}) noexcept {
   keep(lastError.identifier, identifier);
   keep(lastError.text, text);
+  lastError.facts.status = status;
+  lastError.facts.argument_count = std::min(arguments.size(), lastError.arguments.size());
+  for (std::size_t i = 0; i < lastError.facts.argument_count; ++i) {
+    tvrng_error_argument& argument = lastError.arguments[i];
+    argument = {nullptr, 0};
+    if (double const* const number = std::get_if<double>(&arguments[i])) {
+      argument.number = *number;
+    } else {
+      keep(lastError.argumentTexts[i], *std::get_if<std::string>(&arguments[i]));
+      argument.text = lastError.argumentTexts[i].data();
+    }
+  }
   return status;
 }
 
@@ -48,7 +66,7 @@ tvrng_status withStatus(Operation&& operation) noexcept {
     return TVRNG_OK;
   } catch (tvmathrng::Error const& error) {
     return fail(error.identifier() == kNoMemory ? TVRNG_OUT_OF_MEMORY : TVRNG_ERROR,
-                error.identifier(), error.what());
+                error.identifier(), error.what(), error.arguments());
   } catch (std::bad_alloc const&) {
     return fail(TVRNG_OUT_OF_MEMORY, kNoMemory, "There is not enough memory.");
   } catch (...) {
@@ -102,10 +120,27 @@ tvrng_status integers(tvrng_stream* stream, double lowest, double highest, std::
   });
 }
 
+template <class T>
+tvrng_status wholeIntegers(tvrng_stream* stream, T lowest, T highest, std::size_t n, T* out) {
+  return withStatus([&] { streamOf(stream).integers<T>({lowest, highest}, output(n, out)); });
+}
+
+// Where a value of the stream goes.
+template <class T, class Read>
+tvrng_status get(tvrng_stream const* stream, T* place, char const* name, Read read) noexcept {
+  return withStatus([&] {
+    required(place, name);
+    *place = static_cast<T>(read(streamOf(stream)));
+  });
+}
+
 }  // namespace
 
+tvrng_error const* tvrng_last_error() { return &lastError.facts; }
 char const* tvrng_error_identifier() { return lastError.identifier.data(); }
 char const* tvrng_error_text() { return lastError.text.data(); }
+
+char const* tvrng_version() { return TVRNG_VERSION_TEXT; }
 
 std::size_t tvrng_generator_count() { return tvmathrng::generators().size(); }
 char const* tvrng_generator_name(std::size_t i) {
@@ -163,6 +198,15 @@ TVRNG_INTEGERS(tvrng_integers_int32, std::int32_t)
 TVRNG_INTEGERS(tvrng_integers_uint32, std::uint32_t)
 #undef TVRNG_INTEGERS
 
+tvrng_status tvrng_integers_int64(tvrng_stream* stream, std::int64_t lowest, std::int64_t highest,
+                                  std::size_t n, std::int64_t* out) {
+  return wholeIntegers(stream, lowest, highest, n, out);
+}
+tvrng_status tvrng_integers_uint64(tvrng_stream* stream, std::uint64_t lowest,
+                                   std::uint64_t highest, std::size_t n, std::uint64_t* out) {
+  return wholeIntegers(stream, lowest, highest, n, out);
+}
+
 tvrng_status tvrng_permutation(tvrng_stream* stream, std::size_t n, double* out) {
   return withStatus([&] { streamOf(stream).permutation(output(n, out)); });
 }
@@ -179,7 +223,7 @@ tvrng_status tvrng_set_substream(tvrng_stream* stream, std::uint64_t k) {
   return withStatus([&] { streamOf(stream).set_substream(tvmathrng::Substream{k}); });
 }
 tvrng_status tvrng_get_substream(tvrng_stream const* stream, std::uint64_t* k) {
-  return withStatus([&] { required(k, "k") = streamOf(stream).substream().value(); });
+  return get(stream, k, "k", [](Stream const& s) { return s.substream().value(); });
 }
 tvrng_status tvrng_advance(tvrng_stream* stream, std::uint64_t n) {
   return withStatus([&] { streamOf(stream).advance(n); });
@@ -219,4 +263,26 @@ tvrng_status tvrng_set_antithetic(tvrng_stream* stream, int on) {
 }
 tvrng_status tvrng_set_full_precision(tvrng_stream* stream, int on) {
   return withStatus([&] { streamOf(stream).set_full_precision(on != 0); });
+}
+
+tvrng_status tvrng_get_generator(tvrng_stream const* stream, char const** name) {
+  return get(stream, name, "name", [](Stream const& s) { return s.native().generatorType(); });
+}
+tvrng_status tvrng_get_seed(tvrng_stream const* stream, std::uint32_t* seed) {
+  return get(stream, seed, "seed", [](Stream const& s) { return s.seed().value(); });
+}
+tvrng_status tvrng_get_index(tvrng_stream const* stream, std::uint64_t* index) {
+  return get(stream, index, "index", [](Stream const& s) { return s.index().value(); });
+}
+tvrng_status tvrng_get_count(tvrng_stream const* stream, std::uint64_t* count) {
+  return get(stream, count, "count", [](Stream const& s) { return s.count().value(); });
+}
+tvrng_status tvrng_get_normal_method(tvrng_stream const* stream, char const** name) {
+  return get(stream, name, "name", [](Stream const& s) { return s.native().getRandnAlg(); });
+}
+tvrng_status tvrng_get_antithetic(tvrng_stream const* stream, int* on) {
+  return get(stream, on, "on", [](Stream const& s) { return s.antithetic(); });
+}
+tvrng_status tvrng_get_full_precision(tvrng_stream const* stream, int* on) {
+  return get(stream, on, "on", [](Stream const& s) { return s.full_precision(); });
 }

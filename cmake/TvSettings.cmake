@@ -35,7 +35,10 @@ include(GNUInstallDirs)
 file(RELATIVE_PATH _to_libraries /prefix/${CMAKE_INSTALL_BINDIR} /prefix/${CMAKE_INSTALL_LIBDIR})
 set(CMAKE_INSTALL_RPATH "$ORIGIN;$ORIGIN/${_to_libraries}")
 
-include_directories(${PROJECT_SOURCE_DIR})
+# The version as macros stands in a header that this makes.
+configure_file(${CMAKE_CURRENT_LIST_DIR}/version.h.in
+  ${PROJECT_BINARY_DIR}/generated/tvmathrng/version.h @ONLY)
+include_directories(${PROJECT_SOURCE_DIR} ${PROJECT_BINARY_DIR}/generated)
 
 # Contraction into fused multiply-adds would change results from machine to machine.
 add_compile_options(-ffp-contract=off -Wall -Wextra -Wshadow -Wconversion -Wno-sign-conversion)

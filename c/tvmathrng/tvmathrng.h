@@ -13,6 +13,8 @@
 #include <stddef.h>
 #include <stdint.h>
 
+#include <tvmathrng/version.h>
+
 #if defined(__GNUC__)
 #define TVRNG_API __attribute__((visibility("default")))
 #else
@@ -32,14 +34,34 @@ typedef enum tvrng_status {
   TVRNG_OUT_OF_MEMORY = 2 /**< The same, where memory was missing. */
 } tvrng_status;
 
+/** A value of the call that an error's text names: a text, or where that is a null pointer a
+ * number. */
+typedef struct tvrng_error_argument {
+  char const* text;
+  double number;
+} tvrng_error_argument;
+
+/** What went wrong. */
+typedef struct tvrng_error {
+  tvrng_status status;
+  char const* identifier; /**< For programs: "TALVOR:RandStream:create:UnknownRNGType". */
+  char const* text;       /**< For people; complete sentences. */
+  size_t argument_count;  /**< At most 4. */
+  tvrng_error_argument const* arguments;
+} tvrng_error;
+
 /** @name Errors
- * Of the last call of this thread that failed; empty texts before. The texts stay until the next
- * failure. Beyond the identifiers of the library there are "TALVOR:c:NullPointer" and
- * "TALVOR:c:SnapshotSize".
+ * Of the last call of this thread that failed; TVRNG_OK and empty texts before. They stay until the
+ * next failure. Beyond the identifiers of the library there are "TALVOR:c:NullPointer" and
+ * "TALVOR:c:SnapshotSize". Texts of more than 127 bytes, 511 of an error's own, are cut.
  * @{ */
+TVRNG_API tvrng_error const* tvrng_last_error(void);
 TVRNG_API char const* tvrng_error_identifier(void);
 TVRNG_API char const* tvrng_error_text(void);
 /** @} */
+
+/** The version of the library at run time, as TVRNG_VERSION_TEXT. */
+TVRNG_API char const* tvrng_version(void);
 
 /** @name Generators
  * @{ */
@@ -93,6 +115,12 @@ TVRNG_API tvrng_status tvrng_integers_int32(tvrng_stream* stream, double lowest,
                                             size_t n, int32_t* out);
 TVRNG_API tvrng_status tvrng_integers_uint32(tvrng_stream* stream, double lowest, double highest,
                                              size_t n, uint32_t* out);
+/** Any limits of the type. Limits, or a number of values between them, of 2^53 and above take two
+ * draws a try. */
+TVRNG_API tvrng_status tvrng_integers_int64(tvrng_stream* stream, int64_t lowest, int64_t highest,
+                                            size_t n, int64_t* out);
+TVRNG_API tvrng_status tvrng_integers_uint64(tvrng_stream* stream, uint64_t lowest,
+                                             uint64_t highest, size_t n, uint64_t* out);
 /** The numbers 1 to n in random order. */
 TVRNG_API tvrng_status tvrng_permutation(tvrng_stream* stream, size_t n, double* out);
 /** n distinct numbers of 1 to `population` in random order. */
@@ -132,6 +160,20 @@ TVRNG_API tvrng_status tvrng_set_normal_method(tvrng_stream* stream, char const*
 TVRNG_API tvrng_status tvrng_set_antithetic(tvrng_stream* stream, int on);
 /** 0 lets some generators make a double of fewer bits, in less time. */
 TVRNG_API tvrng_status tvrng_set_full_precision(tvrng_stream* stream, int on);
+/** @} */
+
+/** @name What a stream is
+ * Names belong to the stream: that of the generator to its end, that of the method until it is set
+ * again.
+ * @{ */
+TVRNG_API tvrng_status tvrng_get_generator(tvrng_stream const* stream, char const** name);
+TVRNG_API tvrng_status tvrng_get_seed(tvrng_stream const* stream, uint32_t* seed);
+/** Which stream it is, and of how many. */
+TVRNG_API tvrng_status tvrng_get_index(tvrng_stream const* stream, uint64_t* index);
+TVRNG_API tvrng_status tvrng_get_count(tvrng_stream const* stream, uint64_t* count);
+TVRNG_API tvrng_status tvrng_get_normal_method(tvrng_stream const* stream, char const** name);
+TVRNG_API tvrng_status tvrng_get_antithetic(tvrng_stream const* stream, int* on);
+TVRNG_API tvrng_status tvrng_get_full_precision(tvrng_stream const* stream, int* on);
 /** @} */
 
 #ifdef __cplusplus

@@ -2,6 +2,8 @@
 
 // The one exception of this interface.
 
+#include <tvmathrng/cxx20.h>
+
 #include <exception>
 #include <string>
 #include <utility>

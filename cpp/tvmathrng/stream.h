@@ -3,6 +3,8 @@
 // A random-number stream for C++ programs: a thin face of the library's stream class, with the
 // draws of rand, randn, randi and randperm of the host language.
 
+#include <tvmathrng/cxx20.h>
+
 #include <algorithm>
 #include <array>
 #include <complex>
@@ -18,6 +20,7 @@
 
 #include <tvmathrng/error.h>
 #include <tvmathrng/values.h>
+#include <tvmathrng/wide_integers.h>
 
 #include "rng/create_stream.h"
 #include "rng/snapshot.h"
@@ -36,14 +39,14 @@ concept Real = OneOf<T, double, float>;
 template <class T>
 concept RealOrComplex = Real<T> || OneOf<T, std::complex<double>, std::complex<float>>;
 
-/// What integers() fills. 64-bit integers hold the same values as doubles, below 2^53 in magnitude.
+/// What integers() fills.
 template <class T>
-concept Integer = OneOf<T, std::int8_t, std::uint8_t, std::int16_t, std::uint16_t, std::int32_t,
-                        std::uint32_t, std::int64_t, std::uint64_t, bool, double, float>;
+concept Integer = OneOf<T, signed char, unsigned char, short, unsigned short, int, unsigned, long,
+                        unsigned long, long long, unsigned long long, bool, double, float>;
 
 /// What permutation() and sample() return: types that hold every whole number below 2^53.
 template <class T>
-concept Position = OneOf<T, double, std::int64_t, std::uint64_t>;
+concept Position = OneOf<T, double, long long, unsigned long long, std::int64_t, std::uint64_t>;
 
 /// The names of all generators.
 inline std::span<char const* const> generators() noexcept { return tfl_rng::generatorNames(); }
@@ -51,7 +54,9 @@ inline std::span<char const* const> generators() noexcept { return tfl_rng::gene
 /// A source of random numbers. It belongs to one thread at a time, but for its const functions,
 /// which several may call while none draws; threads that share work take a substream each, see
 /// at_substream(). Numbers of draws are exact and do not depend on how a request is divided over
-/// calls, but for normals made in pairs or by rejection.
+/// calls, but for normals made in pairs or by rejection. A stream that was moved from has nothing
+/// to draw from: it may be assigned to and end, and all else is the error
+/// "TALVOR:cpp:MovedFromStream".
 class Stream {
  public:
   /// The first stream of a generator, called by a name of generators() or a short one ("twister",
@@ -105,8 +110,10 @@ class Stream {
   }
   ///@}
 
-  /// @name Whole numbers from limits.lowest to limits.highest: one draw each.
-  /// Errors: randi:invalidLimits, randi:LimitsTooLarge, randi:RangeTooLarge.
+  /// @name Whole numbers from limits.lowest to limits.highest, both included.
+  /// One draw each; 64-bit integers whose limits, or their number, are 2^53 or more take two draws
+  /// a try, and reach every value equally often. Errors: randi:invalidLimits; for doubles and
+  /// floats randi:LimitsTooLarge, randi:RangeTooLarge.
   ///@{
   template <Integer T>
   T integer(Limits<std::type_identity_t<T>> limits) {
@@ -116,15 +123,21 @@ class Stream {
   }
   template <Integer T>
   void integers(Limits<std::type_identity_t<T>> limits, std::span<T> out) {
-    auto const lowest = static_cast<double>(limits.lowest);
-    auto const highest = static_cast<double>(limits.highest);
     detail::withErrors([&] {
-      if constexpr (OneOf<T, std::int64_t, std::uint64_t>) {
+      if constexpr (std::is_integral_v<T> && sizeof(T) == 8) {
+        // As doubles they may be in order.
+        if (limits.highest < limits.lowest)
+          return native().randiFcn(1, 0, static_cast<double*>(nullptr), 0);
+        if (detail::isWide(limits)) return detail::fillWide(native(), limits, out);
+      }
+      auto const lowest = static_cast<double>(limits.lowest);
+      auto const highest = static_cast<double>(limits.highest);
+      if constexpr (OneOf<T, long, unsigned long, long long, unsigned long long>) {
         fillThroughDoubles(out, [&](double* chunk, std::size_t n) {
-          stream_->randiFcn(lowest, highest, chunk, n);
+          native().randiFcn(lowest, highest, chunk, n);
         });
       } else {
-        stream_->randiFcn(lowest, highest, out.data(), out.size());
+        native().randiFcn(lowest, highest, out.data(), out.size());
       }
     });
   }
@@ -139,7 +152,7 @@ class Stream {
 
   /// The numbers 1 to n in random order, n the size of `out`: n draws.
   void permutation(std::span<double> out) {
-    detail::withErrors([&] { stream_->randpermFcn(out.data(), out.size()); });
+    detail::withErrors([&] { native().randpermFcn(out.data(), out.size()); });
   }
   template <Position T = std::uint64_t>
   std::vector<T> permutation(std::size_t n) {
@@ -150,7 +163,7 @@ class Stream {
   /// of draws that depends on both sizes. Errors: randperm:inputKTooLarge, randperm:inputNTooLarge.
   void sample(std::span<double> out, Population population) {
     detail::withErrors([&] {
-      stream_->randkpermFcn(out.data(), out.size(), static_cast<double>(population.value()));
+      native().randkpermFcn(out.data(), out.size(), static_cast<double>(population.value()));
     });
   }
   template <Position T = std::uint64_t>
@@ -161,31 +174,31 @@ class Stream {
   /// A stream of its own with this one's generator and settings, at the start of substream k:
   /// what work item k draws from, whoever works on it. Errors: set:SubstreamsNotSupported.
   Stream at_substream(Substream k) const {
-    return Stream(detail::withErrors([&] { return stream_->atSubstream(k.value()); }));
+    return Stream(detail::withErrors([&] { return native().atSubstream(k.value()); }));
   }
 
   /// Moves to the start of substream k. Errors: set:SubstreamsNotSupported.
   void set_substream(Substream k) {
-    detail::withErrors([&] { stream_->setSubstream(k.value()); });
+    detail::withErrors([&] { native().setSubstream(k.value()); });
   }
   Substream substream() const {
-    return detail::withErrors([&] { return Substream{stream_->getSubstream()}; });
+    return detail::withErrors([&] { return Substream{native().getSubstream()}; });
   }
 
   /// Back to the start of the stream, or to that of another seed. Settings stay.
   void reset() { reset(seed()); }
   void reset(Seed seed) {
-    detail::withErrors([&] { stream_->reset(seed.value()); });
+    detail::withErrors([&] { native().reset(seed.value()); });
   }
-  /// Passes over n draws: in microseconds where the generator has substreams, else by drawing them.
+  /// Passes over n draws as if they had been drawn. Every generator jumps.
   void advance(std::uint64_t n) {
-    detail::withErrors([&] { stream_->advance(n); });
+    detail::withErrors([&] { native().advance(n); });
   }
 
   /// @name Snapshots: the whole stream as text, for a file or another machine. Draw nothing.
   ///@{
   std::string snapshot() const {
-    return detail::withErrors([&] { return takeSnapshot(*stream_); });
+    return detail::withErrors([&] { return takeSnapshot(native()); });
   }
   /// Errors: snapshot:NotASnapshot, OtherVersion, Truncated, Damaged, InvalidLine.
   static Stream from_snapshot(std::string_view text) {
@@ -195,48 +208,56 @@ class Stream {
   /// Goes back to where the snapshot was taken. Errors: the same, and snapshot:OtherGenerator; the
   /// stream then stays as it is.
   void restore(std::string_view text) {
-    detail::withErrors([&] { restoreSnapshot(*stream_, text); });
+    detail::withErrors([&] { restoreSnapshot(native(), text); });
   }
   /// A stream that goes on as this one will.
   Stream copy() const {
-    return Stream(detail::withErrors([&] { return stream_->clone(); }));
+    return Stream(detail::withErrors([&] { return native().clone(); }));
   }
   ///@}
 
-  std::string_view generator() const noexcept { return stream_->generatorType(); }
-  Seed seed() const noexcept { return Seed{stream_->seed()}; }
-  StreamIndex index() const noexcept { return StreamIndex{stream_->streamIndex()}; }
-  StreamCount count() const noexcept { return StreamCount{stream_->numStreams()}; }
+  std::string_view generator() const { return native().generatorType(); }
+  Seed seed() const { return Seed{native().seed()}; }
+  StreamIndex index() const { return StreamIndex{native().streamIndex()}; }
+  StreamCount count() const { return StreamCount{native().numStreams()}; }
 
   /// "Ziggurat", "Polar" or "Inversion". Errors: set:UnknownRandnAlg.
   void set_normal_method(std::string name) {
     std::ranges::replace(name, '\0', '?');  // would end the name, and is in none
-    detail::withErrors([&] { stream_->setRandnAlg(name.c_str()); });
+    detail::withErrors([&] { native().setRandnAlg(name.c_str()); });
   }
-  std::string_view normal_method() const noexcept { return stream_->getRandnAlg(); }
+  std::string_view normal_method() const { return native().getRandnAlg(); }
   /// Draws 1 - u for u, -z for z.
-  void set_antithetic(bool on) noexcept { stream_->setAntithetic(on); }
-  bool antithetic() const noexcept { return stream_->antithetic(); }
+  void set_antithetic(bool on) { native().setAntithetic(on); }
+  bool antithetic() const { return native().antithetic(); }
   /// Off: some generators make a double of fewer bits, in less time.
   void set_full_precision(bool on) {
-    detail::withErrors([&] { stream_->setFullPrecision(on); });
+    detail::withErrors([&] { native().setFullPrecision(on); });
   }
-  bool full_precision() const noexcept { return stream_->fullPrecision(); }
+  bool full_precision() const { return native().fullPrecision(); }
 
   /// The library's own object, for what this face leaves out.
-  randstream& native() noexcept { return *stream_; }
-  randstream const& native() const noexcept { return *stream_; }
+  randstream& native() { return *require(stream_); }
+  randstream const& native() const { return *require(stream_); }
 
  private:
   explicit Stream(std::unique_ptr<randstream> stream) noexcept : stream_(std::move(stream)) {}
 
+  static std::unique_ptr<randstream> const& require(std::unique_ptr<randstream> const& stream) {
+    if (!stream) {
+      throw Error("TALVOR:cpp:MovedFromStream", {},
+                  "This stream has been moved from: draw from the one that it went to.");
+    }
+    return stream;
+  }
+
   template <class T>
   void fillUniform(std::span<T> out) {
-    detail::withErrors([&] { stream_->randuFcn(out.data(), out.size()); });
+    detail::withErrors([&] { native().randuFcn(out.data(), out.size()); });
   }
   template <class T>
   void fillNormal(T* out, std::size_t n, bool halfVariance) {
-    detail::withErrors([&] { stream_->randnFcn(out, n, halfVariance); });
+    detail::withErrors([&] { native().randnFcn(out, n, halfVariance); });
   }
   template <class T>
   void fillComplexNormal(std::span<std::complex<T>> out) {
@@ -253,7 +274,7 @@ class Stream {
     do {
       std::size_t const n = std::min(chunk.size(), out.size() - at);
       fill(chunk.data(), n);
-      std::transform(chunk.begin(), chunk.begin() + n, out.begin() + at,
+      std::transform(chunk.data(), chunk.data() + n, out.data() + at,
                      [](double value) { return static_cast<T>(value); });
       at += n;
     } while (at < out.size());

@@ -3,6 +3,8 @@
 // Seeds, counts and positions as types of their own: none stands in for another, and none comes
 // from a bare number unasked. Seed{-1} does not compile.
 
+#include <tvmathrng/cxx20.h>
+
 #include <compare>
 #include <concepts>
 #include <cstdint>

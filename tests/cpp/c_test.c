@@ -61,6 +61,45 @@ static void substreams_jump(void) {
   tvrng_destroy(stream);
 }
 
+static void streams_tell_what_they_are(void) {
+  tvrng_stream* stream;
+  char const *generator, *method;
+  uint32_t seed;
+  uint64_t index, count;
+  int antithetic, full;
+  EXPECT(strcmp(tvrng_version(), TVRNG_VERSION_TEXT) == 0);
+  EXPECT(TVRNG_VERSION < TVRNG_VERSION_NUMBER(TVRNG_VERSION_MAJOR, TVRNG_VERSION_MINOR + 1, 0));
+  EXPECT(tvrng_create("combRecursive", 3, 1, 2, &stream) == TVRNG_OK);
+  EXPECT(tvrng_set_normal_method(stream, "polar") == TVRNG_OK);
+  EXPECT(tvrng_set_full_precision(stream, 0) == TVRNG_OK);
+  EXPECT(tvrng_get_generator(stream, &generator) == TVRNG_OK && !strcmp(generator, "mrg32k3a"));
+  EXPECT(tvrng_get_seed(stream, &seed) == TVRNG_OK && seed == 3);
+  EXPECT(tvrng_get_index(stream, &index) == TVRNG_OK && index == 1);
+  EXPECT(tvrng_get_count(stream, &count) == TVRNG_OK && count == 2);
+  EXPECT(tvrng_get_normal_method(stream, &method) == TVRNG_OK && !strcmp(method, "Polar"));
+  EXPECT(tvrng_get_antithetic(stream, &antithetic) == TVRNG_OK && antithetic == 0);
+  EXPECT(tvrng_get_full_precision(stream, &full) == TVRNG_OK && full == 0);
+  EXPECT(tvrng_set_antithetic(stream, 7) == TVRNG_OK);
+  EXPECT(tvrng_get_antithetic(stream, &antithetic) == TVRNG_OK && antithetic == 1);
+  EXPECT_ERROR(tvrng_get_seed(stream, NULL), "TALVOR:c:NullPointer");
+  EXPECT_ERROR(tvrng_get_seed(NULL, &seed), "TALVOR:c:NullPointer");
+  tvrng_destroy(stream);
+}
+
+static void the_last_error_has_its_values(void) {
+  tvrng_stream* stream;
+  tvrng_error const* const error = tvrng_last_error();
+  char text[1];
+  EXPECT(tvrng_create("mersenne", 0, 0, 1, &stream) == TVRNG_ERROR);
+  EXPECT(error->status == TVRNG_ERROR && error->identifier == tvrng_error_identifier());
+  EXPECT(error->text == tvrng_error_text() && error->argument_count == 1);
+  EXPECT(strcmp(error->arguments[0].text, "mersenne") == 0);
+  EXPECT(tvrng_create("philox", 0, 0, 1, &stream) == TVRNG_OK);
+  EXPECT_ERROR(tvrng_snapshot(stream, 1, text), "TALVOR:c:SnapshotSize");
+  EXPECT(error->arguments[0].text == NULL && error->arguments[0].number > 100);
+  tvrng_destroy(stream);
+}
+
 static void misuse_is_told_and_draws_nothing(void) {
   tvrng_stream* stream = NULL;
   tvrng_stream* none;
@@ -125,6 +164,8 @@ int main(void) {
   misuse_is_told_and_draws_nothing();
   draws_known_numbers();
   substreams_jump();
+  streams_tell_what_they_are();
+  the_last_error_has_its_values();
   snapshots_take_the_size_they_tell();
   every_generator_can_be_made();
   return faults != 0;

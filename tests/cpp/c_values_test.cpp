@@ -75,6 +75,21 @@ Row integers(char const* name,
           }};
 }
 
+template <class T>
+Row wholeIntegers(char const* name, tvrng_status (*fill)(tvrng_stream*, T, T, std::size_t, T*),
+                  std::type_identity_t<T> lowest, std::type_identity_t<T> highest) {
+  return {name,
+          [=](tvrng_stream* stream, Doubles& drawn) {
+            std::vector<T> out(kMany);
+            tvrng_status const status = fill(stream, lowest, highest, kMany, out.data());
+            drawn = asDoubles(out);
+            return status;
+          },
+          [=](Stream& stream) {
+            return asDoubles(stream.integers<T>({lowest, highest}, kMany));
+          }};
+}
+
 // A change of the stream; the uniforms and normals that follow show it.
 Row then(char const* name, std::function<tvrng_status(tvrng_stream*)> const& c,
          std::function<void(Stream&)> const& cpp) {
@@ -136,6 +151,8 @@ INSTANTIATE_TEST_SUITE_P(
         integers("integers_uint16", tvrng_integers_uint16),
         integers("integers_int32", tvrng_integers_int32),
         integers("integers_uint32", tvrng_integers_uint32),
+        wholeIntegers("integers_int64", tvrng_integers_int64, INT64_MIN, INT64_MAX - 5),
+        wholeIntegers("integers_uint64", tvrng_integers_uint64, UINT64_MAX - 5, UINT64_MAX),
         Row{"permutation", fills(tvrng_permutation),
             [](Stream& s) { return s.permutation<double>(kMany); }},
         Row{"sample",

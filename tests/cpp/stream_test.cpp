@@ -5,6 +5,7 @@
 #include <complex>
 #include <concepts>
 #include <numeric>
+#include <random>
 #include <string>
 #include <vector>
 
@@ -77,15 +78,17 @@ TV_CLASS(std::int32_t, "int32");
 TV_CLASS(std::uint32_t, "uint32");
 TV_CLASS(std::int64_t, "double");  // the host language draws none of 64 bits
 TV_CLASS(std::uint64_t, "double");
+TV_CLASS(long long, "double");
+TV_CLASS(unsigned long long, "double");
 TV_CLASS(double, "double");
 TV_CLASS(float, "single");
 #undef TV_CLASS
 
 template <class T>
 class EveryInteger : public testing::Test {};
-using Integers =
-    testing::Types<std::int8_t, std::uint8_t, std::int16_t, std::uint16_t, std::int32_t,
-                   std::uint32_t, std::int64_t, std::uint64_t, double, float>;
+using Integers = testing::Types<std::int8_t, std::uint8_t, std::int16_t, std::uint16_t,
+                                std::int32_t, std::uint32_t, std::int64_t, std::uint64_t, long long,
+                                unsigned long long, double, float>;
 TYPED_TEST_SUITE(EveryInteger, Integers);
 
 TYPED_TEST(EveryInteger, IsDrawnAsTheBuiltinDrawsIt) {
@@ -250,13 +253,72 @@ TEST(Errors, CarryAllArguments) {
 TEST(Errors, RefusedCallsDrawNothing) {
   Stream stream("mt19937ar");
   EXPECT_THROW(stream.integers<int>({6, 1}, 10), Error);
-  EXPECT_THROW(stream.integers<std::int64_t>({0, 1LL << 53}, 0), Error);
+  EXPECT_THROW(stream.integers<std::int64_t>({(1LL << 60) + 1, 1LL << 60}, 0), Error);
   EXPECT_THROW(stream.sample(5, Population{4}), Error);
   EXPECT_THROW(stream.set_normal_method("box"), Error);
   EXPECT_THROW(stream.set_normal_method(std::string("polar\0", 6)), Error);
   EXPECT_THROW(Stream(std::string("mt19937ar\0", 10)), Error);
   EXPECT_THROW(Stream("mt19937ar", Seed{1}, StreamIndex{1}, StreamCount{2}), Error);
   EXPECT_EQ(stream.uniform(), 0.81472368639317894);
+}
+
+TEST(Errors, AStreamThatWasMovedFromSaysSo) {
+  Stream stream("mt19937ar");
+  Stream const other = std::move(stream);
+  EXPECT_THROW(stream.uniform(), Error);  // NOLINT(bugprone-use-after-move)
+  EXPECT_THROW(stream.seed(), Error);
+  stream = Stream("philox4x32_10");
+  EXPECT_EQ(stream.generator(), "philox4x32_10");
+}
+
+// The definition: the integer part of word count / 2^64, words refused whose fraction is among the
+// first 2^64 modulo count.
+template <class T>
+void expectWide(T lowest, T highest) {
+  __extension__ using Wide = unsigned __int128;
+  auto const count = Wide(std::uint64_t(highest) - std::uint64_t(lowest)) + 1;
+  constexpr Wide kWords = Wide{1} << 64;
+  Stream stream("mrg32k3a", Seed{7});
+  Stream mirror = stream.copy();
+  Stream halves = stream.copy();
+  mirror.set_antithetic(true);
+  auto const values = stream.integers<T>({lowest, highest}, 300);
+  auto const mirrored = mirror.integers<T>({lowest, highest}, 300);
+  for (std::size_t i = 0; i < values.size(); ++i) {
+    Wide product = 0;
+    do {
+      Wide const word = Wide(halves.integer<std::uint32_t>({0, 0xFFFFFFFF})) << 32;
+      product = (word + halves.integer<std::uint32_t>({0, 0xFFFFFFFF})) * count;
+    } while (product % kWords < kWords % count);
+    ASSERT_EQ(values[i], static_cast<T>(std::uint64_t(lowest) + std::uint64_t(product / kWords)));
+    ASSERT_EQ(std::uint64_t(mirrored[i]),
+              std::uint64_t(lowest) + std::uint64_t(highest) - std::uint64_t(values[i]));
+  }
+  EXPECT_EQ(stream.uniform(), halves.uniform());
+}
+
+TEST(Integers, OfAllLimitsOf64BitsAreEquallyLikely) {
+  expectWide<std::int64_t>(std::numeric_limits<std::int64_t>::min(),
+                           std::numeric_limits<std::int64_t>::max());
+  expectWide<std::uint64_t>(0, std::numeric_limits<std::uint64_t>::max());
+  expectWide<std::uint64_t>(1ULL << 63, (1ULL << 63) + 2);
+  expectWide<unsigned long long>(5, (3ULL << 62) + 7);  // a quarter of the words is refused
+  expectWide<long long>(-(1LL << 53), -(1LL << 53) + 9);
+  expectWide<std::int64_t>(-1, (1LL << 53) - 2);
+}
+
+TEST(SeedSequence, IsTheStreamsIntegersAndSeedsStreams) {
+  Stream stream("philox4x32_10", Seed{3});
+  Stream same = stream.copy();
+  SeedSequence seeds(stream);
+  std::vector<std::uint32_t> words(624);
+  seeds.generate(words.begin(), words.end());
+  EXPECT_EQ(words, same.integers<std::uint32_t>({0, 0xFFFFFFFF}, 624));
+  EXPECT_NE(std::mt19937_64(seeds)(), std::mt19937_64(seeds)());
+  std::seed_seq numbers{1, 2, 3};
+  std::vector<std::uint32_t> first(1);
+  numbers.generate(first.begin(), first.end());
+  EXPECT_EQ(seed_from(numbers), Seed{first[0]});
 }
 
 TEST(Bits, AreTheLeadingBitsOfUniforms) {
