@@ -62,13 +62,17 @@ list(TRANSFORM header_sources PREPEND ${PROJECT_SOURCE_DIR}/)
 list(JOIN headers " " header_words)
 add_custom_command(
   OUTPUT ${tv_header_root}/headers.stamp
-  COMMAND ${CMAKE_COMMAND} -DSOURCE=${PROJECT_SOURCE_DIR} -DDESTINATION=${tv_header_root}
+  COMMAND ${CMAKE_COMMAND} -DSOURCE=${PROJECT_SOURCE_DIR}
+    -DGENERATED=${PROJECT_BINARY_DIR}/generated -DDESTINATION=${tv_header_root}
     "-DHEADERS=${header_words}" -P ${PROJECT_SOURCE_DIR}/cmake/InstalledHeaders.cmake
   COMMAND ${CMAKE_COMMAND} -E touch ${tv_header_root}/headers.stamp
-  DEPENDS ${header_sources} ${PROJECT_SOURCE_DIR}/cmake/InstalledHeaders.cmake
+  DEPENDS ${header_sources} ${PROJECT_BINARY_DIR}/generated/tvmathrng/version.h
+    ${PROJECT_SOURCE_DIR}/cmake/InstalledHeaders.cmake
   COMMENT "Headers as installed"
   VERBATIM)
 add_custom_target(installed_headers ALL DEPENDS ${tv_header_root}/headers.stamp)
+# Who has built the shell, as ./run does, may install: its libraries come with it anyway.
+add_dependencies(tvrng installed_headers)
 # The examples of this tree see the headers and targets that they would see installed.
 foreach(name tvmathrng runtime)
   add_library(installed_${name} INTERFACE)

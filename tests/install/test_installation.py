@@ -14,6 +14,8 @@ import tempfile
 import unittest
 
 SOURCE, BUILD, CC, CXX = sys.argv[1:5]
+sys.path.insert(0, f"{SOURCE}/tests/documents")
+from blocks import all_blocks
 FOREIGN = re.compile(r"/(boost|oneapi|tbb|hwy|fmt|toml\+\+)/")
 
 
@@ -74,6 +76,52 @@ class Installation(unittest.TestCase):
         self.assertIn("/mr_functions.h", needed)
         self.assertNotIn(SOURCE, needed)
         self.assertIsNone(FOREIGN.search(needed))
+
+    def test_the_documented_project_links(self):
+        block = next(b for b in all_blocks() if b.kind == "cmake")
+        project = self.folder / "documented"
+        project.mkdir()
+        (project / "CMakeLists.txt").write_text(
+            "cmake_minimum_required(VERSION 3.25)\nproject(documented LANGUAGES C CXX)\n"
+            f"add_executable(program {SOURCE}/examples/work_items.cpp)\n"
+            f"add_executable(other {SOURCE}/examples/from_c.c)\n{block.text}")
+        run("cmake", "-G", "Ninja", "-S", project, "-B", project / "build",
+            f"-DCMAKE_PREFIX_PATH={self.prefix}", f"-DCMAKE_C_COMPILER={CC}",
+            f"-DCMAKE_CXX_COMPILER={CXX}")
+        run("cmake", "--build", project / "build")
+
+    def test_users_flags_find_nothing_to_warn_of(self):
+        flags = "-Wall -Wextra -Wpedantic -Wconversion -Wshadow -Werror -fsyntax-only".split()
+        unit = self.folder / "user"
+        for compilers, standard, text in (
+                (("g++", "clang++"), "c++20",
+                 "#include <tvmathrng/random.h>\n#include <tvmathrng/runtime/vm.h>\n"
+                 "int main() { tvmathrng::Stream s(\"philox\"); tvmathrng::Bits bits(s);\n"
+                 "return int(s.integers<long long>({0, 9}, 3)[0]) + int(s.sample(1, tvmathrng::Population"
+                 "{9})[0]) + int(bits()); }\n"),
+                (("gcc", "clang"), "c99", "#include <tvmathrng/tvmathrng.h>\n")):
+            unit.write_text(text)
+            for compiler in filter(shutil.which, compilers):
+                language = "c++" if "++" in standard else "c"
+                run(compiler, f"-std={standard}", *flags, f"-I{self.prefix}/include", "-x", language,
+                    unit)
+
+    def test_an_older_standard_is_told_in_a_sentence(self):
+        unit = self.folder / "old.cpp"
+        for header in ("random", "stream", "bits", "values", "error"):
+            unit.write_text(f"#include <tvmathrng/{header}.h>\n")
+            done = subprocess.run([CXX, "-std=c++17", "-fsyntax-only", f"-I{self.prefix}/include",
+                                   unit], capture_output=True, text=True)
+            self.assertIn("compile with -std=c++20", done.stderr)
+            self.assertEqual(done.stderr.count("error:"), 2, done.stderr)
+
+    def test_what_run_builds_is_enough_to_install(self):
+        commands = run("ninja", "-C", BUILD, "-t", "commands", "tvrng")
+        script = pathlib.Path(BUILD, "cmake_install.cmake").read_text()
+        files = set(re.findall(rf'"{re.escape(BUILD)}/((?:lib|bin|include)/[^"$]+)"', script))
+        self.assertGreaterEqual(len(files), 6)
+        for file in files:
+            self.assertIn({"include/tvmathrng": "include/headers.stamp"}.get(file, file), commands)
 
     def test_nothing_names_the_place_it_was_built_or_installed_in(self):
         for file in self.libraries.rglob("*"):
