@@ -1,13 +1,11 @@
 #!/usr/bin/env python3
-"""Runs transcripts and documented examples against tvrng.
+"""Runs transcripts and programs against tvrng.
 
     run_transcripts.py TVRNG FILE...
 
 A .txt file is a transcript: either of one session, as `tvrng -i` writes it ("> " and ". " before
 the input), or of commands ("$ " before each; "[status N]" after its output when N is not 0). Leading
 lines that start with "#" are comments, and <...> stands for any text on one line.
-A .md file is documentation: each block of code that starts with "> " is a transcript of a session of
-its own, and each line "tvrng ..." or "./run ..." in a block is a command that must succeed.
 A .tv file is a program that must run. Commands find the examples in $EXAMPLES.
 With --update the transcripts of .txt files are rewritten from what came; read the difference.
 """
@@ -87,39 +85,6 @@ def check_transcript(runner, path, update):
     return report(path, expected, actual)
 
 
-def code_blocks(text):
-    """The blocks of code of a document, indented or fenced, without their indentation."""
-    block, fenced = [], False
-    for line in text.splitlines() + [""]:
-        if line.startswith("```"):
-            fenced = not fenced
-        elif fenced or line.startswith("    "):
-            block.append(line if fenced else line[4:])
-            continue
-        elif not line.strip() and block and not fenced:
-            block.append("")
-            continue
-        if block:
-            yield "\n".join(block).rstrip() + "\n"
-        block = []
-
-
-def check_document(runner, path):
-    good = True
-    for block in code_blocks(path.read_text(encoding="utf-8")):
-        if block.startswith("> "):
-            good = report(path, block, runner.session(block)) and good
-            continue
-        for line in block.splitlines():
-            command = re.sub(r"\s+# .*", "", re.sub(r"^\./run ", "tvrng ", line))
-            if command.startswith("tvrng "):
-                output, status = runner.run(["bash", "-o", "pipefail", "-c", command])
-                if status != 0:
-                    print(f"{path}: {line}\n{output}[status {status}]")
-                    good = False
-    return good
-
-
 def check_program(runner, path):
     output, status = runner.run([runner.tvrng, path.resolve()])
     if status != 0:
@@ -136,7 +101,6 @@ def main(arguments):
     for name in arguments[1:]:
         path = pathlib.Path(name)
         check = {".txt": lambda: check_transcript(runner, path, update),
-                 ".md": lambda: check_document(runner, path),
                  ".tv": lambda: check_program(runner, path)}[path.suffix]
         good = check() and good
     return 0 if good else 1

@@ -1,17 +1,18 @@
 #!/usr/bin/env python3
 """The C++ and C examples of the documentation, as programs.
 
-    documented_examples.py write cpp|c OUTPUT PAGE...     each block of code becomes a function
-    documented_examples.py check cpp|c PROGRAM PAGE...    the program prints what the blocks say
+    documented_examples.py write cpp|c OUTPUT     each block of code becomes a function
+    documented_examples.py check cpp|c PROGRAM    the program prints what the blocks say
 
-A line of a block that prints ends with what it prints, as a comment. Blocks that are no C++ or C are
-another test's.
+A line of a block that prints ends with what it prints, as a comment.
 """
 
 import pathlib
 import re
 import subprocess
 import sys
+
+from blocks import all_blocks
 
 PRINTED = re.compile(r"(?:std::cout|printf).*;\s*// (.*)$", re.MULTILINE)
 PROLOGUE = {
@@ -21,12 +22,6 @@ PROLOGUE = {
     "c": "#include <stdio.h>\n#include <stdlib.h>\n",
 }
 USING = {"cpp": "  using namespace tvmathrng;\n", "c": ""}
-
-
-def blocks(language, pages):
-    for page in pages:
-        yield from re.findall(rf"^```{language}\n(.*?)^```", pathlib.Path(page).read_text("utf-8"),
-                              re.DOTALL | re.MULTILINE)
 
 
 def program(language, examples):
@@ -42,8 +37,8 @@ def program(language, examples):
 
 
 def main():
-    action, language, target, *pages = sys.argv[1:]
-    examples = list(blocks(language, pages))
+    action, language, target = sys.argv[1:]
+    examples = [block.text for block in all_blocks() if block.kind == language]
     if action == "write":
         pathlib.Path(target).write_text(program(language, examples), "utf-8")
         return 0
