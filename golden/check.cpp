@@ -35,6 +35,9 @@ std::vector<Setting> settings() {
 
 Result check(Setting const& setting, std::string const& generator) {
   ForcedTarget const forced(setting.target);
+  // Its threads stay from one setting to the next: those that are ending count where a user may
+  // have few.
+  static tbb::task_scheduler_handle const kept{tbb::attach{}};
   // As many threads as told, also where the machine has fewer cores.
   tbb::global_control const limit(tbb::global_control::max_allowed_parallelism,
                                   static_cast<std::size_t>(setting.threads));
