@@ -4,9 +4,8 @@
 
 #include "errors/keys.h"
 #include "host/ascii_case.h"
-#include "plugin_rng/exchange_halves.h"
 #include "plugin_rng/large_results.h"
-#include "plugin_rng/saved_state.h"
+#include "plugin_rng/plugin_rng.h"
 #include "tfl_rng/convert.h"
 #include "tfl_rng/generator_catalogue.h"
 #include "tfl_rng/mcg16807.h"
@@ -34,7 +33,7 @@ constexpr ComponentType kTypes[legacy_plugin::kComponents] = {
 }  // namespace
 
 std::uint32_t legacy_plugin::v4Seeded(std::uint32_t seed) noexcept {
-  const std::uint32_t word = exchangeHalves(seed);
+  const std::uint32_t word = tfl_rng::exchangeHalves(seed);
   if (word == 0) return tfl_rng::kMinimalStandardDefault;
   return std::min(word, tfl_rng::kMinimalStandardModulus - 1);
 }
@@ -108,22 +107,22 @@ void legacy_plugin::getStateComponents(void* const* buffers) const {
   auto const doubles = [&](Component i) { return static_cast<double*>(buffers[i]); };
   words(kSelectors)[0] = g.uniformSelector;
   words(kSelectors)[1] = g.normalSelector;
-  doubles(kV4Uniform)[0] = exchangeHalves(g.v4UniformWord);
-  saveState(g.v5Uniform, doubles(kV5Uniform));
-  saveState(g.twister, words(kTwisterUniform));
-  doubles(kV4Normal)[0] = exchangeHalves(g.v4NormalWord);
-  saveState(g.v5Normal, doubles(kV5Normal));
+  doubles(kV4Uniform)[0] = tfl_rng::exchangeHalves(g.v4UniformWord);
+  g.v5Uniform.save(doubles(kV5Uniform));
+  g.twister.save(words(kTwisterUniform));
+  doubles(kV4Normal)[0] = tfl_rng::exchangeHalves(g.v4NormalWord);
+  g.v5Normal.save(doubles(kV5Normal));
 }
 
 void legacy_plugin::setStateComponents(void const* const* buffers) {
-  auto const words = [&](Component i) { return static_cast<std::uint32_t const*>(buffers[i]); };
+  auto const* const selectors = static_cast<std::uint32_t const*>(buffers[kSelectors]);
   auto const doubles = [&](Component i) { return static_cast<double const*>(buffers[i]); };
   Generators g;  // a refused component must leave all of them as they are
-  g.uniformSelector = words(kSelectors)[0];
-  g.normalSelector = words(kSelectors)[1];
+  g.uniformSelector = selectors[0];
+  g.normalSelector = selectors[1];
   g.v4UniformWord = v4Seeded(tfl_rng::toLow32(doubles(kV4Uniform)[0]));
-  loadState(g.v5Uniform, doubles(kV5Uniform));
-  loadState(g.twister, words(kTwisterUniform));
+  loadState(g.v5Uniform, buffers[kV5Uniform]);
+  loadState(g.twister, buffers[kTwisterUniform]);
   g.v4NormalWord = v4Seeded(tfl_rng::toLow32(doubles(kV4Normal)[0]));
   auto const* normal = doubles(kV5Normal);
   g.v5Normal.setState({tfl_rng::toLow32(normal[0]), tfl_rng::toLow32(normal[1])});

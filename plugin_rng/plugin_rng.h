@@ -1,10 +1,9 @@
 #pragma once
 
 // The class templates that adapt a core generator to the plug-in interface. A concrete plug-in adds
-// its state format and nothing else.
+// its saved state and nothing else.
 
 #include <boost/shared_ptr.hpp>
-#include <memory>
 
 #include "errors/generator_errors.h"
 #include "host/ascii_case.h"
@@ -22,6 +21,13 @@ inline constexpr auto kStateClass =
     static_cast<IPluginRNG::pluginStateClassID>(tfl_rng::kGeneratorOf<Core>->stateClass);
 template <class Core>
 inline constexpr std::size_t kStateLen = tfl_rng::kGeneratorOf<Core>->stateLen;
+
+// Loads a core's saved state. Error: the generator's InvalidState, the core unchanged.
+template <class Core>
+void loadState(Core& core, void const* state) {
+  if (!core.load(static_cast<typename Core::StateWord const*>(state)))
+    errors::raise(typename errors::GeneratorErrors<Core>::InvalidState());
+}
 
 // One generator without extensions over a core of class `Core`, with its state in one component.
 template <class Core, IPluginRNG::pluginStateClassID id = kStateClass<Core>>
@@ -77,16 +83,5 @@ class PluginRNGRandn : public PluginRNG<Core, id>, public IPluginRNGRandn {
     }
   }
 };
-
-// The factory of a single-stream generator: its checks in order, then the plug-in over a core that
-// starts in full precision. A number of streams of 0 is taken like 1.
-template <class Plugin, class Core>
-IPluginRNG* makeSingleStream(std::size_t numStreams, std::size_t streamIndex, std::uint32_t seed,
-                             std::size_t nParams) {
-  using Errors = errors::GeneratorErrors<Core>;
-  if (nParams != 0) errors::raise(typename Errors::InvalidParameter());
-  if (numStreams > 1 || streamIndex != 0) errors::raise(typename Errors::MultipleStreams());
-  return new Own<Plugin>(boost::shared_ptr<Core>(new Core(seed, true)));
-}
 
 }  // namespace plugin_rng

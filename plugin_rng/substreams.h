@@ -2,7 +2,6 @@
 
 // The class templates over cores with streams, substreams and jump-ahead.
 
-#include <memory>
 #include <stdexcept>
 
 #include "plugin_rng/parallel_fill.h"
@@ -17,18 +16,42 @@ namespace plugin_rng {
 template <class Core>
 [[noreturn]] TV_EXPORT void OutOfRangeError();
 
-// A generator with streams and substreams. Requests of more than `serialLimit` draws are filled in
-// parallel.
+// Raises the error of a core that cannot compute the state it was to jump to, where the generator
+// has an identifier for it.
+template <class Core>
+[[noreturn]] void cannotJump() {
+  throw std::runtime_error("the generator cannot jump ahead");
+}
+template <>
+[[noreturn]] inline void cannotJump<tfl_rng::mlfg6331_64>() {
+  errors::raise(TALVOR::RandStream::mlfg6331_64::UnableToComputeALFGState());
+}
+
+// Requests of more draws than `serialLimit` are filled in parallel.
+struct Fills {
+  std::size_t serialLimit = 1024;
+  Split normals = kUniformSplit;
+};
+template <class Core>
+inline constexpr Fills kFills = {};
+// A jump costs as much as some ten thousand draws.
+template <>
+inline constexpr Fills kFills<tfl_rng::mlfg6331_64> = {.serialLimit = 131072};
+// A normal costs several times a uniform, so that shorter leaves pay, and more so the more idle
+// threads there are.
+template <>
+inline constexpr Fills kFills<tfl_rng::philox4x32> = {.normals = {2048, true}};
+
+// A generator with streams and substreams.
 template <class Core, IPluginRNG::pluginStateClassID id = kStateClass<Core>>
 class PluginRNGSubstreams : public PluginRNG<Core, id>, public IPluginRNGSubstreams {
  public:
-  PluginRNGSubstreams(boost::shared_ptr<Core> generator, std::size_t serialLimit)
+  explicit PluginRNGSubstreams(boost::shared_ptr<Core> generator)
       : PluginRNG<Core, id>(std::move(generator)),
         numStreams(this->core->getNumStreams()),
         log2StreamLen(this->core->getLog2StreamLen()),
         numSubstreams(this->core->getNumSubstreams()),
-        log2SubstreamLen(this->core->getLog2SubstreamLen()),
-        serialLimit_(serialLimit) {}
+        log2SubstreamLen(this->core->getLog2SubstreamLen()) {}
 
   void randu(double* out, std::size_t n) override {
     fill(out, n, kUniformSplit, [](double*, std::size_t) {});
@@ -41,7 +64,7 @@ class PluginRNGSubstreams : public PluginRNG<Core, id>, public IPluginRNGSubstre
   void setSubstream(std::size_t index) override {
     const auto status = this->core->setSubstream(index);
     if (status == tfl_rng::indexOutOfRange) OutOfRangeError<Core>();
-    if (status != tfl_rng::ok) cannotJump();
+    if (status != tfl_rng::ok) cannotJump<Core>();
   }
   std::size_t getSubstream() const override { return this->core->substream(); }
   void advance(std::size_t n) override { move(*this->core, n); }
@@ -56,10 +79,9 @@ class PluginRNGSubstreams : public PluginRNG<Core, id>, public IPluginRNGSubstre
   // Fills out[0, n) with uniforms, each part of which then passes through `finish`.
   template <class Finish>
   void fill(double* out, std::size_t n, Split split, Finish finish) {
-    if (n > serialLimit_) {
+    if (n > kFills<Core>.serialLimit) {
       fillInParallel(
-          *this->core, out, n, split, [this](Core& copy, std::size_t by) { move(copy, by); },
-          finish);
+          *this->core, out, n, split, [](Core& copy, std::size_t by) { move(copy, by); }, finish);
     } else {
       this->core->randu(out, n);
       finish(out, n);
@@ -72,25 +94,16 @@ class PluginRNGSubstreams : public PluginRNG<Core, id>, public IPluginRNGSubstre
   std::uint64_t log2SubstreamLen;
 
  private:
-  // Raises the error of a core that cannot compute the state it was to jump to, where the generator
-  // has an identifier for it.
-  [[noreturn]] virtual void cannotJump() const {
-    throw std::runtime_error("the generator cannot jump ahead");
+  static void move(Core& generator, std::size_t n) {
+    if (generator.advance(n) != tfl_rng::ok) cannotJump<Core>();
   }
-  void move(Core& generator, std::size_t n) const {
-    if (generator.advance(n) != tfl_rng::ok) cannotJump();
-  }
-
-  std::size_t serialLimit_;
 };
 
 // The same with native normals by inversion: each normal is the quantile of one uniform.
 template <class Core, IPluginRNG::pluginStateClassID id = kStateClass<Core>>
 class PluginRNGInversion : public PluginRNGSubstreams<Core, id>, public IPluginRNGRandn {
  public:
-  PluginRNGInversion(boost::shared_ptr<Core> generator, std::size_t serialLimit, Split normalSplit)
-      : PluginRNGSubstreams<Core, id>(std::move(generator), serialLimit),
-        normalSplit_(normalSplit) {}
+  using PluginRNGSubstreams<Core, id>::PluginRNGSubstreams;
 
   bool setRandnAlg(char const* algorithm) override {
     return ascii_case::equal(algorithm ? algorithm : "", getDefaultRandnAlg());
@@ -99,27 +112,8 @@ class PluginRNGInversion : public PluginRNGSubstreams<Core, id>, public IPluginR
     return tfl_rng::kGeneratorOf<Core>->nativeNormals;
   }
   void randn(double* out, std::size_t n) override {
-    this->fill(out, n, normalSplit_, tfl_rng::normalQuantileInPlace);
+    this->fill(out, n, kFills<Core>.normals, tfl_rng::normalQuantileInPlace);
   }
-
- private:
-  Split normalSplit_;
 };
-
-// The factory of a generator with streams: its checks in order, with the core built between them
-// because it knows the limits. The index is held against the generator's limit only, not against
-// the number of streams asked for.
-template <class Plugin, class Core>
-IPluginRNG* makeWithStreams(std::size_t numStreams, std::size_t streamIndex, std::uint32_t seed,
-                            std::size_t nParams) {
-  using Errors = errors::GeneratorErrors<Core>;
-  if (nParams != 0) errors::raise(typename Errors::InvalidParameter());
-  auto plugin =
-      std::make_unique<Own<Plugin>>(boost::shared_ptr<Core>(new Core(seed, streamIndex, true)));
-  if (plugin->checkNumStreams(numStreams) != tfl_rng::ok) {
-    errors::raise(typename Errors::TooManyStreams());
-  }
-  return plugin.release();
-}
 
 }  // namespace plugin_rng

@@ -19,6 +19,11 @@ enum errorID : int {
 
 // A generator of uniform doubles. A draw is one double in the current precision mode and takes a
 // fixed number of raw outputs. Used by one thread at a time; copies are independent.
+//
+// Each core saves its state as words: kStateWords of type StateWord, written by save(words) and
+// taken by load(words), which is false, with nothing changed, for words that are none of its
+// states. Class and number stand in its row of the registry too, for those who do not know the
+// core.
 class TFL_EXPORT CoreRNG {
  public:
   virtual ~CoreRNG() = default;

@@ -6,6 +6,7 @@
 #include "tfl_rng/core_ziggurat.h"
 #include "tfl_rng/generator_catalogue.h"
 #include "tfl_rng/kernels/dsfmt19937_reference.h"
+#include "tfl_rng/saved_words.h"
 
 namespace tfl_rng {
 namespace {
@@ -68,6 +69,29 @@ void dsfmt19937::setState(State const& state) noexcept {
   std::copy_n(state.words.data() + kOutputs, 2, batch_.lung);
   position_ = state.position;
   reserved_ = state.reserved;
+}
+
+void dsfmt19937::save(StateWord* words) const noexcept {
+  State const saved = state();
+  for (std::uint64_t word : saved.words) {
+    *words++ = static_cast<StateWord>(word);
+    *words++ = static_cast<StateWord>(word >> 32);
+  }
+  *words++ = saved.position;
+  std::ranges::copy(saved.reserved, words);
+}
+
+bool dsfmt19937::load(StateWord const* words) noexcept {
+  if (allZero(words, kStateWords)) return false;
+  State loaded;
+  for (std::uint64_t& word : loaded.words) {
+    word = (std::uint64_t{words[1]} << 32) | words[0];
+    words += 2;
+  }
+  loaded.position = *words++;
+  std::copy_n(words, loaded.reserved.size(), loaded.reserved.begin());
+  setState(loaded);
+  return true;
 }
 
 void dsfmt19937::randu(double* out, std::size_t n) {

@@ -47,6 +47,13 @@ class TFL_EXPORT dsfmt19937 final : public CoreNormalRNG {
   State state() const noexcept;
   void setState(State const& state) noexcept;
 
+  // The block: its words, low half first, the position and the reserved words. Refuses nothing but
+  // zeros: the core copes with any other.
+  using StateWord = std::uint32_t;
+  static constexpr std::size_t kStateWords = 2 * (kOutputs + 2) + 8;
+  void save(StateWord* words) const noexcept;
+  [[nodiscard]] bool load(StateWord const* words) noexcept;
+
   // The state right after the published init_gen_rand(seed).
   static State seeded(std::uint32_t seed) noexcept;
 

@@ -2,9 +2,9 @@
 
 #include <cmath>
 
+#include "tfl_rng/convert.h"
 #include "tfl_rng/elementary.h"
 #include "tfl_rng/kernels/mcg16807.h"
-#include "tfl_rng/minimal_standard.h"
 #include "tfl_rng/uint128.h"
 
 namespace tfl_rng {
@@ -16,6 +16,13 @@ mcg16807::mcg16807(std::uint32_t seed, bool fullPrecision) : CoreNormalRNG(fullP
 void mcg16807::reset(std::uint32_t seed) {
   word_ = seed % kMinimalStandardModulus;
   if (word_ == 0) word_ = kMinimalStandardDefault;
+}
+
+bool mcg16807::load(StateWord const* words) noexcept {
+  const std::uint32_t word = exchangeHalves(toLow32(*words));
+  if (word == 0 || word >= kMinimalStandardModulus) return false;
+  word_ = word;
+  return true;
 }
 
 void mcg16807::randu(double* out, std::size_t n) {

@@ -15,6 +15,7 @@
 
 #include "tfl_rng/core_rng.h"
 #include "tfl_rng/export.h"
+#include "tfl_rng/minimal_standard.h"
 
 namespace tfl_rng {
 
@@ -36,6 +37,12 @@ class TFL_EXPORT mcg16807 final : public CoreNormalRNG {
   std::uint32_t word() const noexcept { return word_; }
   // Requires 1 <= word <= 2^31 - 2.
   void setWord(std::uint32_t word) noexcept { word_ = word; }
+
+  // The word with its halves exchanged. Refuses what setWord may not take.
+  using StateWord = double;
+  static constexpr std::size_t kStateWords = 1;
+  void save(StateWord* words) const noexcept { *words = exchangeHalves(word_); }
+  [[nodiscard]] bool load(StateWord const* words) noexcept;
 
  private:
   std::uint32_t word_;

@@ -38,6 +38,12 @@ inline std::uint32_t minimalStandardAhead(std::uint32_t word, uint128 steps) noe
   return word;
 }
 
+// The saved form of a word: bits 0 to 14 and 16 to 30 change places. Below 2^31 twice is the word
+// again; bit 31 carries into bit 15.
+constexpr std::uint32_t exchangeHalves(std::uint32_t word) noexcept {
+  return (word >> 16) + (word & 0x8000) + ((word & 0x7fff) << 16);
+}
+
 // The uniform of a word.
 inline double minimalStandardUniform(std::uint32_t word) noexcept {
   return static_cast<double>(word) * kMinimalStandardScale;

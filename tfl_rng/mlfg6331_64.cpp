@@ -105,6 +105,30 @@ void mlfg6331_64::setState(State const& state) noexcept {
   start_ = state.start;
 }
 
+void mlfg6331_64::save(StateWord* words) const noexcept {
+  State const saved = state();
+  words = std::ranges::copy(saved.ring, words).out;
+  *words++ = 1;
+  words = std::ranges::copy(saved.start, words).out;
+  *words++ = 1;
+  *words++ = 0;
+  *words = saved.position;
+}
+
+bool mlfg6331_64::load(StateWord const* words) noexcept {
+  constexpr std::size_t kStart = kLag + 1;
+  constexpr std::size_t kPosition = kStateWords - 1;
+  if (!std::all_of(words, words + 2 * kStart, [](StateWord word) { return word % 2 != 0; }) ||
+      words[kPosition] >= kLag)
+    return false;
+  State loaded;
+  std::copy_n(words, kLag, loaded.ring.begin());
+  loaded.position = words[kPosition];
+  std::copy_n(words + kStart, kLag, loaded.start.begin());
+  setState(loaded);
+  return true;
+}
+
 Table& mlfg6331_64::inOrder(std::size_t n) noexcept {
   if (oldest_ != 0) {
     Table ordered;

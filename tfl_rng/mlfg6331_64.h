@@ -83,6 +83,14 @@ class TFL_EXPORT mlfg6331_64 final : public CoreStreamRNG {
   // The position must be below 63.
   void setState(State const& state) noexcept;
 
+  // Words 0 to 62 are the ring, 63 is 1, 64 to 126 are the start, 127 is 1, 128 is reserved
+  // (written 0 and ignored) and 129 is the position. Refuses even words among the first 128, and
+  // positions from 63 on.
+  using StateWord = std::uint64_t;
+  static constexpr std::size_t kStateWords = 2 * (kLag + 1) + 2;
+  void save(StateWord* words) const noexcept;
+  [[nodiscard]] bool load(StateWord const* words) noexcept;
+
  private:
   // The last 63 words, oldest first, to be moved by n steps.
   Table& inOrder(std::size_t n) noexcept;

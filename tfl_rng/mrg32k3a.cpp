@@ -1,10 +1,12 @@
 #include "tfl_rng/mrg32k3a.h"
 
+#include <algorithm>
 #include <bit>
 
 #include "tfl_rng/kernels/mrg32k3a.h"
 #include "tfl_rng/kernels/mrg32k3a_reference.h"
 #include "tfl_rng/modular.h"
+#include "tfl_rng/saved_words.h"
 #include "tfl_rng/splitmix.h"
 
 namespace tfl_rng {
@@ -37,6 +39,14 @@ Words seededWords(std::uint32_t seed) noexcept {
   return words;
 }
 
+bool areTerms(std::uint32_t const* words, std::uint32_t modulus) noexcept {
+  return !allZero(words, 3) && std::all_of(words, words + 3, [=](auto w) { return w < modulus; });
+}
+
+bool areWords(std::uint32_t const* words) noexcept {
+  return areTerms(words, mrg32k3a::kModulus1) && areTerms(words + 3, mrg32k3a::kModulus2);
+}
+
 }  // namespace
 
 mrg32k3a::mrg32k3a(std::uint32_t seed, std::size_t streamIndex, bool fullPrecision)
@@ -58,6 +68,18 @@ Words mrg32k3a::ahead(Words words, std::uint64_t count, unsigned log2Steps) noex
 void mrg32k3a::reset(std::uint32_t seed) {
   state_.start = ahead(seededWords(seed), streamIndex(), kLog2StreamLen);
   setSubstream(0);
+}
+
+void mrg32k3a::save(StateWord* words) const noexcept {
+  words = std::ranges::copy(state_.current, words).out;
+  std::ranges::copy(state_.start, words);
+}
+
+bool mrg32k3a::load(StateWord const* words) noexcept {
+  if (!areWords(words) || !areWords(words + 6)) return false;
+  std::copy_n(words, 6, state_.current.begin());
+  std::copy_n(words + 6, 6, state_.start.begin());
+  return true;
 }
 
 void mrg32k3a::randu(double* out, std::size_t n) {

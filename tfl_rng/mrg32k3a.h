@@ -69,6 +69,13 @@ class TFL_EXPORT mrg32k3a final : public CoreStreamRNG {
   // The words must be as described at Words.
   void setState(State const& state) noexcept { state_ = state; }
 
+  // The words now, then those at the start of the stream. Refuses states that setState may not
+  // take.
+  using StateWord = std::uint32_t;
+  static constexpr std::size_t kStateWords = 12;
+  void save(StateWord* words) const noexcept;
+  [[nodiscard]] bool load(StateWord const* words) noexcept;
+
  private:
   State state_;
 };

@@ -5,6 +5,7 @@
 #include "tfl_rng/core_ziggurat.h"
 #include "tfl_rng/generator_catalogue.h"
 #include "tfl_rng/kernels/mt19937_reference.h"
+#include "tfl_rng/saved_words.h"
 #include "tfl_rng/to_double.h"
 
 namespace tfl_rng {
@@ -44,6 +45,18 @@ mt19937ar::State mt19937ar::state() const noexcept {
 void mt19937ar::setState(State const& state) noexcept {
   std::copy(state.words.begin(), state.words.end(), batch_.words);
   position_ = state.position;
+}
+
+void mt19937ar::save(StateWord* words) const noexcept {
+  std::copy_n(batch_.words, kWords, words);
+  words[kWords] = static_cast<StateWord>(position_);
+}
+
+bool mt19937ar::load(StateWord const* words) noexcept {
+  if (allZero(words, kWords) || words[kWords] > kWords) return false;
+  std::copy_n(words, kWords, batch_.words);
+  position_ = words[kWords];
+  return true;
 }
 
 void mt19937ar::randu(double* out, std::size_t n) {

@@ -47,6 +47,12 @@ class TFL_EXPORT mt19937ar final : public CoreNormalRNG {
   // The position must be at most 624 and the words not all zero.
   void setState(State const& state) noexcept;
 
+  // The 624 words of the vector, then the position. Refuses states that setState may not take.
+  using StateWord = std::uint32_t;
+  static constexpr std::size_t kStateWords = kWords + 1;
+  void save(StateWord* words) const noexcept;
+  [[nodiscard]] bool load(StateWord const* words) noexcept;
+
   // The state right after the published init_genrand(seed), for any seed.
   static State seeded(std::uint32_t seed) noexcept;
 

@@ -1,8 +1,11 @@
 #include "tfl_rng/philox4x32.h"
 
+#include <algorithm>
+
 #include "tfl_rng/counter_blocks.h"
 #include "tfl_rng/kernels/philox4x32.h"
 #include "tfl_rng/kernels/philox4x32_reference.h"
+#include "tfl_rng/saved_words.h"
 #include "tfl_rng/splitmix.h"
 
 namespace tfl_rng {
@@ -85,6 +88,19 @@ void philox4x32::setState(State const& state) noexcept {
   key_ = join(state.key[0], state.key[1]);
   position_ = state.position % kDraws;
   ahead_.forget();
+}
+
+void philox4x32::save(StateWord* words) const noexcept {
+  State const saved = state();
+  words = std::ranges::copy(saved.counter, words).out;
+  words = std::ranges::copy(saved.key, words).out;
+  *words = saved.position;
+}
+
+bool philox4x32::load(StateWord const* words) noexcept {
+  if (allZero(words, kStateWords)) return false;
+  setState({{words[0], words[1], words[2], words[3]}, {words[4], words[5]}, words[6]});
+  return true;
 }
 
 }  // namespace tfl_rng

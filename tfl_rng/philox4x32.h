@@ -63,6 +63,13 @@ class TFL_EXPORT philox4x32 final : public CoreStreamRNG {
   // Takes any words; the position is reduced to its lowest bit.
   void setState(State const& state) noexcept;
 
+  // The members of State in their order. All zero is refused, but as the position is reduced, zero
+  // words with another even position make the one state that is read and cannot be set.
+  using StateWord = std::uint32_t;
+  static constexpr std::size_t kStateWords = 7;
+  void save(StateWord* words) const noexcept;
+  [[nodiscard]] bool load(StateWord const* words) noexcept;
+
  private:
   void move(std::size_t n) noexcept;
 

@@ -2,6 +2,7 @@
 
 #include <array>
 
+#include "tfl_rng/convert.h"
 #include "tfl_rng/elementary.h"
 #include "tfl_rng/kernels/shr3cong.h"
 #include "tfl_rng/to_double.h"
@@ -38,6 +39,18 @@ shr3cong::shr3cong(std::uint32_t seed, bool fullPrecision) : CoreNormalRNG(fullP
 
 void shr3cong::reset(std::uint32_t seed) {
   state_ = {kCongruentialStart, seed == 0 ? kShiftRegisterDefault : seed};
+}
+
+void shr3cong::save(StateWord* words) const noexcept {
+  words[0] = state_.congruential;
+  words[1] = state_.shiftRegister;
+}
+
+bool shr3cong::load(StateWord const* words) noexcept {
+  if (words[1] == 0) return false;
+  const std::uint32_t shiftRegister = toLow32(words[1]);
+  state_ = {toLow32(words[0]), shiftRegister == 0 ? kShiftRegisterDefault : shiftRegister};
+  return true;
 }
 
 void shr3cong::randu(double* out, std::size_t n) {

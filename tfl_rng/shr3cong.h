@@ -69,6 +69,13 @@ class TFL_EXPORT shr3cong final : public CoreNormalRNG {
   State const& state() const noexcept { return state_; }
   void setState(State const& state) noexcept { state_ = state; }
 
+  // The congruential word, then the shift register's, for which 0 is refused. Fractions and
+  // multiples of 2^32 are not, though 0 as words: they become kShiftRegisterDefault.
+  using StateWord = double;
+  static constexpr std::size_t kStateWords = 2;
+  void save(StateWord* words) const noexcept;
+  [[nodiscard]] bool load(StateWord const* words) noexcept;
+
  private:
   double normal(Ziggurat128 const& zig) noexcept;
   double tailNormal() noexcept;

@@ -54,6 +54,14 @@ class TFL_EXPORT swb2712 final : public CoreRNG {
   State const& state() const noexcept { return state_; }
   void setState(State const& state) noexcept { state_ = state; }
 
+  // Values 0 to 31 are the lag values, 32 is the borrow (0 or 2^-53), 33 the position and 34 the
+  // counter, both times 2^-52. Accepts values in [0, 1), the lag values from 2^-53 on. A borrow
+  // below 2^-53 is none; of the position the low 5 bits count.
+  using StateWord = double;
+  static constexpr std::size_t kStateWords = kLags + 3;
+  void save(StateWord* words) const noexcept;
+  [[nodiscard]] bool load(StateWord const* words) noexcept;
+
  private:
   void jump(std::uint64_t n) noexcept;
 

@@ -3,6 +3,7 @@
 #include "tfl_rng/counter_blocks.h"
 #include "tfl_rng/kernels/threefry4x64.h"
 #include "tfl_rng/kernels/threefry4x64_reference.h"
+#include "tfl_rng/saved_words.h"
 #include "tfl_rng/uint128.h"
 
 namespace tfl_rng {
@@ -69,6 +70,30 @@ void threefry4x64::setState(State const& state) noexcept {
   state_ = state;
   state_.position %= kDraws;
   ahead_.forget();
+}
+
+void threefry4x64::save(StateWord* words) const noexcept {
+  for (Block const& block : {state_.counter, state_.key}) {
+    for (std::uint64_t word : block) {
+      *words++ = static_cast<StateWord>(word >> 32);
+      *words++ = static_cast<StateWord>(word);
+    }
+  }
+  *words = state_.position;
+}
+
+bool threefry4x64::load(StateWord const* words) noexcept {
+  if (allZero(words, kStateWords)) return false;
+  const auto next = [&words] {
+    words += 2;
+    return std::uint64_t{words[-2]} << 32 | words[-1];
+  };
+  State loaded;
+  std::ranges::generate(loaded.counter, next);
+  std::ranges::generate(loaded.key, next);
+  loaded.position = *words;
+  setState(loaded);
+  return true;
 }
 
 }  // namespace tfl_rng

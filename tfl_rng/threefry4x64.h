@@ -58,6 +58,14 @@ class TFL_EXPORT threefry4x64 final : public CoreStreamRNG {
   // Takes any words; the position is reduced to its two lowest bits.
   void setState(State const& state) noexcept;
 
+  // Counter and key (low word first, of each the high half first) and the position. All zero is
+  // refused, but as the position is reduced, zero words with another multiple of four make the one
+  // state that is read and cannot be set.
+  using StateWord = std::uint32_t;
+  static constexpr std::size_t kStateWords = 17;
+  void save(StateWord* words) const noexcept;
+  [[nodiscard]] bool load(StateWord const* words) noexcept;
+
  private:
   void move(std::size_t n) noexcept;
 

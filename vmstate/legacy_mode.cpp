@@ -8,7 +8,6 @@
 #include "host/allocator.h"
 #include "plugin_rng/legacy_plugin.h"
 #include "plugin_rng/own_plugin.h"
-#include "plugin_rng/saved_state.h"
 #include "rng/stream_handle.h"
 #include "tfl_rng/convert.h"
 #include "tfl_rng/generator_catalogue.h"
@@ -18,7 +17,6 @@
 namespace {
 
 using plugin_rng::legacy_plugin;
-using plugin_rng::saveState;
 
 struct LegacyRandStreamUSMContext {
   std::shared_ptr<randstream> stream;
@@ -135,16 +133,16 @@ void seedLegacyGenerator(LegacyGenerator generator, double seed) {
       state.uniformSeed = seed;
       break;
     case LegacyGenerator::uniformState:
-      saveState(legacy_plugin::V5Uniform(word, true), state.uniformState);
+      legacy_plugin::V5Uniform(word, true).save(state.uniformState);
       break;
     case LegacyGenerator::uniformTwister:
-      saveState(legacy_plugin::Twister(word, true), state.uniformTwister);
+      legacy_plugin::Twister(word, true).save(state.uniformTwister);
       break;
     case LegacyGenerator::normalSeed:
       state.normalSeed = seed;
       break;
     case LegacyGenerator::normalState:
-      saveState(legacy_plugin::V5Normal(word, true), state.normalState);
+      legacy_plugin::V5Normal(word, true).save(state.normalState);
       break;
   }
   activate(generator, state, legacy);

@@ -138,18 +138,17 @@ template <>
 void plugin_rng::OutOfRangeError<Stuck>() {
   throw std::string("out of range");
 }
+template <>
+void plugin_rng::cannotJump<Stuck>() {
+  throw std::string("cannot jump");
+}
 
 namespace {
 
-class StuckPlugin final : public plugin_rng::PluginRNGSubstreams<Stuck> {
- public:
-  explicit StuckPlugin(boost::shared_ptr<Stuck> stuck)
-      : PluginRNGSubstreams(std::move(stuck), 1024) {}
+struct StuckPlugin final : plugin_rng::PluginRNGSubstreams<Stuck> {
+  using PluginRNGSubstreams::PluginRNGSubstreams;
   void getStateComponents(void* const*) const override {}
   void setStateComponents(void const* const*) override {}
-
- private:
-  [[noreturn]] void cannotJump() const override { throw std::string("cannot jump"); }
 };
 
 TEST_P(FillWorkers, CoreThatCannotJumpIsToldFromLeavesToo) {

@@ -4,11 +4,11 @@
 
 #include <gtest/gtest.h>
 
+#include <stdexcept>
 #include <type_traits>
 #include <vector>
 
-// Of all cores; written by tests/tfl_rng/CMakeLists.txt.
-#include <core_headers.h>
+#include <core_headers.h>  // of all cores; written by tfl_rng/CMakeLists.txt
 
 namespace testing_support {
 
@@ -49,17 +49,13 @@ Core makeCore(std::uint32_t seed, bool fullPrecision) {
 
 template <class Core>
 auto stateOf(Core const& core) {
-  if constexpr (requires { core.state(); })
-    return core.state();
-  else
-    return core.word();
+  std::vector<typename Core::StateWord> words(Core::kStateWords);
+  core.save(words.data());
+  return words;
 }
-template <class Core, class State>
-void setState(Core& core, State const& state) {
-  if constexpr (requires { core.setState(state); })
-    core.setState(state);
-  else
-    core.setWord(state);
+template <class Core>
+void setState(Core& core, std::vector<typename Core::StateWord> const& words) {
+  if (!core.load(words.data())) throw std::logic_error("a state that was saved is refused");
 }
 
 template <class Core>

@@ -37,20 +37,20 @@ template <class Core>
 Core unusual(std::mt19937_64& bits, bool fullPrecision) {
   Core core(static_cast<std::uint32_t>(bits()), fullPrecision);
   auto state = stateOf(core);
-  if constexpr (std::same_as<Core, tfl_rng::dsfmt19937>) {
-    for (auto& word : state.words) word = bits();
-    state.position = static_cast<std::uint32_t>(bits() % 500);
-  } else if constexpr (std::same_as<Core, tfl_rng::mt19937ar>) {
-    for (auto& word : state.words) word = static_cast<std::uint32_t>(bits());
-    state.position = static_cast<std::uint32_t>(bits() % 625);
-  } else if constexpr (std::same_as<Core, tfl_rng::swb2712>) {
+  if constexpr (std::same_as<Core, tfl_rng::swb2712>) {
     const double same[] = {0x1p-53, 1 - 0x1p-53, 0.3, 0};
     const double value = same[bits() % 4];
     const bool all = bits() % 2;
-    for (double& lag : state.lags)
-      if (value != 0 && (all || bits() % 16 != 0)) lag = value;
-    state.borrow = bits() % 2;
-    state.position = static_cast<std::uint32_t>(bits() % 32);
+    for (std::size_t i = 0; i < Core::kLags; ++i)
+      if (value != 0 && (all || bits() % 16 != 0)) state[i] = value;
+    state[32] = bits() % 2 ? 0x1p-53 : 0;
+    state[33] = static_cast<double>(bits() % 32) * 0x1p-52;
+  } else if constexpr (Core::kStateWords > 600) {  // a vector and a position
+    for (auto& word : state) word = static_cast<std::uint32_t>(bits());
+    if constexpr (std::same_as<Core, tfl_rng::mt19937ar>)
+      state.back() = static_cast<std::uint32_t>(bits() % 625);
+    else
+      state[2 * Core::kOutputs + 4] = static_cast<std::uint32_t>(bits() % 500);
   }
   setState(core, state);
   return core;
