@@ -18,6 +18,7 @@
 #include "errors/keys.h"
 #include "host/strings.h"
 #include "rng/randstream.h"
+#include "rng/state_components.h"
 #include "rng/stream_handle.h"
 
 namespace RandStream {
@@ -30,58 +31,42 @@ namespace set_keys = TALVOR::RandStream::set;
 
 constexpr int kValuePosition = 3;
 
-// Class and length of each component of a stream's state.
-class StateLayout {
- public:
-  explicit StateLayout(randstream const& stream)
-      : classes_(stream.getNumStateComponents()), lengths_(classes_.view().size()) {
-    stream.getStateComponentTypes(size(), classes_.data(), lengths_.data());
-  }
-  std::size_t size() const noexcept { return classes_.view().size(); }
-  txClassID classID(std::size_t i) const noexcept { return classes_.view()[i]; }
-  unsigned long length(std::size_t i) const noexcept { return lengths_.view()[i]; }
-
- private:
-  InlineBuffer<txClassID> classes_;
-  InlineBuffer<unsigned long> lengths_;
-};
-
 // One column for a state of one component, otherwise a cell row of them.
 txArrayPtr readState(randstream const& stream) {
-  StateLayout const layout(stream);
-  InlineBuffer<txArrayPtr> columns(layout.size());
-  InlineBuffer<void*> elements(layout.size());
-  for (std::size_t i = 0; i < layout.size(); ++i) {
-    columns.data()[i] =
-        txCreateUninitialized(std::array<std::uint64_t, 2>{layout.length(i), 1}, layout.classID(i));
+  StateComponents const layout(stream);
+  InlineBuffer<txArrayPtr> columns(layout.count());
+  InlineBuffer<void*> elements(layout.count());
+  for (std::size_t i = 0; i < layout.count(); ++i) {
+    columns.data()[i] = txCreateUninitialized(std::array<std::uint64_t, 2>{layout.length(i), 1},
+                                              layout.elementClass(i).classID);
     elements.data()[i] = columns.data()[i]->data();
   }
-  stream.getStateComponents(layout.size(), elements.data());
-  if (layout.size() == 1) return std::move(columns.data()[0]);
-  txArrayPtr cell = txCreateCell(std::array<std::uint64_t, 2>{1, layout.size()});
-  for (std::size_t i = 0; i < layout.size(); ++i) cell->setCell(i, std::move(columns.data()[i]));
+  stream.getStateComponents(layout.count(), elements.data());
+  if (layout.count() == 1) return std::move(columns.data()[0]);
+  txArrayPtr cell = txCreateCell(std::array<std::uint64_t, 2>{1, layout.count()});
+  for (std::size_t i = 0; i < layout.count(); ++i) cell->setCell(i, std::move(columns.data()[i]));
   return cell;
 }
 
 void writeState(randstream& stream, txArray const& value) {
-  StateLayout const layout(stream);
+  StateComponents const layout(stream);
   char const* const type = stream.generatorType();
-  bool const single = layout.size() == 1;
-  if (!single && (value.classID() != txClassCell || value.numel() != layout.size()))
+  bool const single = layout.count() == 1;
+  if (!single && (value.classID() != txClassCell || value.numel() != layout.count()))
     errors::raise(set_keys::InvalidNumStateComponents(type), kValuePosition);
-  InlineBuffer<void const*> elements(layout.size());
-  for (std::size_t i = 0; i < layout.size(); ++i) {
+  InlineBuffer<void const*> elements(layout.count());
+  for (std::size_t i = 0; i < layout.count(); ++i) {
     txArray const* const component = single ? &value : value.cell(i);
     if (!component) errors::raise(set_keys::InvalidNumStateComponents(type), kValuePosition);
     // Complex and sparse arrays of the right class lay their elements out in another way.
-    if (component->classID() != layout.classID(i) || component->isComplex() ||
+    if (component->classID() != layout.elementClass(i).classID || component->isComplex() ||
         component->isSparse())
       errors::raise(set_keys::InvalidStateClass(type), kValuePosition);
     if (component->numel() != layout.length(i))
       errors::raise(set_keys::InvalidStateLen(type), kValuePosition);
     elements.data()[i] = component->data();
   }
-  stream.setStateComponents(layout.size(), elements.data());
+  stream.setStateComponents(layout.count(), elements.data());
 }
 
 // Indices count from 1 here and are doubles as long as that is of use.

@@ -241,8 +241,7 @@ std::unique_ptr<randstream> readStream(Lines& lines, std::string const& generato
 
 std::string takeSnapshot(randstream const& stream) {
   StateComponents components(stream);
-  void* const* const pieces = components.allocate();
-  stream.getStateComponents(components.count(), pieces);
+  void* const* const pieces = components.fetch(stream);
 
   auto const truth = [](bool on) { return on ? "true" : "false"; };
   std::optional<double> const pending = StreamContents::pending(stream);

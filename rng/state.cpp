@@ -66,7 +66,7 @@ void randstream::getStateBuf(void* buf, unsigned long len) const {
   if (len != getStateBufLen()) errors::raise(get::InvalidStateBufLen());
   StateComponents components(*this);
   if (components.count() == 0) return;
-  getStateComponents(components.count(), components.allocate());
+  components.fetch(*this);
   components.copyTo(buf);
 }
 

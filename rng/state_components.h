@@ -1,9 +1,11 @@
 #pragma once
 
-// Temporary storage for the components of a stream's state, each aligned for its elements.
+// The components of a stream's state: their classes and lengths, and temporary storage for them,
+// each aligned for its elements.
 
 #include <algorithm>
 #include <cstddef>
+#include <iterator>
 #include <string_view>
 
 #include "host/allocator.h"
@@ -22,36 +24,48 @@ inline constexpr StateClass kStateClasses[] = {
     {txClassUint64, "uint64", 8},
 };
 
+// The table of a state's components. A class that no state can have counts as one without elements.
 class StateComponents {
  public:
-  // The classes and lengths of the stream's components; their elements are undefined.
+  // Classes and lengths; the elements are undefined until they are fetched or written.
   explicit StateComponents(randstream const& stream)
-      : count_(stream.getNumStateComponents()), components_(txMakeBuffer<Component>(count_)) {
-    const auto classes = txMakeBuffer<txClassID>(count_);
-    const auto lengths = txMakeBuffer<unsigned long>(count_);
+      : count_(stream.getNumStateComponents()),
+        classes_(txMakeBuffer<txClassID>(count_)),
+        lengths_(txMakeBuffer<unsigned long>(count_)) {
     // No components are no error, and are asked for nothing.
-    if (count_ != 0) stream.getStateComponentTypes(count_, classes.get(), lengths.get());
-    for (std::size_t i = 0; i < count_; ++i) {
-      StateClass const* const row = classOf(classes[i]);
-      components_[i] = {row, row->classID == txClassUnknown ? 0 : lengths[i]};
-      flatSize_ += bytesOf(i);
-    }
+    if (count_ != 0) stream.getStateComponentTypes(count_, classes_.get(), lengths_.get());
   }
 
   unsigned long count() const { return count_; }
-  StateClass const& elementClass(std::size_t i) const { return *components_[i].elementClass; }
-  unsigned long length(std::size_t i) const { return components_[i].length; }
-  std::size_t flatSize() const { return flatSize_; }
+  StateClass const& elementClass(std::size_t i) const {
+    static constexpr StateClass kNone = {txClassUnknown, "", 1};
+    auto const* const row = std::ranges::find(kStateClasses, classes_[i], &StateClass::classID);
+    return row == std::end(kStateClasses) ? kNone : *row;
+  }
+  unsigned long length(std::size_t i) const {
+    return elementClass(i).classID == txClassUnknown ? 0 : lengths_[i];
+  }
+  std::size_t bytes(std::size_t i) const { return elementClass(i).bytes * length(i); }
+  std::size_t flatSize() const {
+    std::size_t size = 0;
+    for (std::size_t i = 0; i < count_; ++i) size += bytes(i);
+    return size;
+  }
 
   // Makes the storage and returns the address of each component.
   void* const* allocate() {
-    storage_ = txMakeBuffer<std::byte>(flatSize_ + count_ * kAlignment);
+    storage_ = txMakeBuffer<std::byte>(flatSize() + count_ * kAlignment);
     pieces_ = txMakeBuffer<void*>(count_);
     std::size_t at = 0;
     for (std::size_t i = 0; i < count_; ++i) {
       pieces_[i] = storage_.get() + at;
-      at += (bytesOf(i) + kAlignment - 1) / kAlignment * kAlignment;
+      at += (bytes(i) + kAlignment - 1) / kAlignment * kAlignment;
     }
+    return pieces_.get();
+  }
+  // The same with the elements of the stream's state.
+  void* const* fetch(randstream const& stream) {
+    stream.getStateComponents(count_, allocate());
     return pieces_.get();
   }
 
@@ -59,36 +73,20 @@ class StateComponents {
   void copyTo(void* flat) const {
     auto* to = static_cast<std::byte*>(flat);
     for (std::size_t i = 0; i < count_; ++i)
-      to = std::copy_n(static_cast<std::byte const*>(pieces_[i]), bytesOf(i), to);
+      to = std::copy_n(static_cast<std::byte const*>(pieces_[i]), bytes(i), to);
   }
   void copyFrom(void const* flat) {
     auto const* from = static_cast<std::byte const*>(flat);
-    for (std::size_t i = 0; i < count_; from += bytesOf(i++))
-      std::copy_n(from, bytesOf(i), static_cast<std::byte*>(pieces_[i]));
+    for (std::size_t i = 0; i < count_; from += bytes(i++))
+      std::copy_n(from, bytes(i), static_cast<std::byte*>(pieces_[i]));
   }
 
  private:
   static constexpr std::size_t kAlignment = 8;
 
-  struct Component {
-    StateClass const* elementClass;
-    unsigned long length;
-  };
-
-  // A class that no state can have counts as one without elements.
-  static StateClass const* classOf(txClassID classID) {
-    static constexpr StateClass kNone = {txClassUnknown, "", 1};
-    for (StateClass const& row : kStateClasses)
-      if (row.classID == classID) return &row;
-    return &kNone;
-  }
-  std::size_t bytesOf(std::size_t i) const {
-    return components_[i].length * components_[i].elementClass->bytes;
-  }
-
   unsigned long count_;
-  txBuffer<Component> components_;
-  std::size_t flatSize_ = 0;
+  txBuffer<txClassID> classes_;
+  txBuffer<unsigned long> lengths_;
   txBuffer<std::byte> storage_;
   txBuffer<void*> pieces_;
 };

@@ -8,6 +8,7 @@
 #include "host/allocator.h"
 #include "plugin_rng/legacy_plugin.h"
 #include "plugin_rng/own_plugin.h"
+#include "rng/state_components.h"
 #include "rng/stream_handle.h"
 #include "tfl_rng/convert.h"
 #include "tfl_rng/generator_catalogue.h"
@@ -44,35 +45,34 @@ std::shared_ptr<randstream> makeLegacyStream() {
 }
 
 // The components of the legacy stream's state.
-struct LegacyState {
-  struct {
-    std::uint32_t uniform, normal;
-  } selectors;
-  double uniformSeed;
-  double uniformState[tfl_rng::kGeneratorOf<legacy_plugin::V5Uniform>->stateLen];
-  std::uint32_t uniformTwister[tfl_rng::kGeneratorOf<legacy_plugin::Twister>->stateLen];
-  double normalSeed;
-  double normalState[tfl_rng::kGeneratorOf<legacy_plugin::V5Normal>->stateLen];
+class LegacyState {
+ public:
+  explicit LegacyState(randstream const& stream)
+      : components_(stream), pieces_(components_.fetch(stream)) {}
 
-  explicit LegacyState(randstream const& stream) { stream.getStateComponents(kCount, pieces); }
-  LegacyState(LegacyState const&) = delete;
-  LegacyState& operator=(LegacyState const&) = delete;
+  void store(randstream& stream) const { stream.setStateComponents(components_.count(), pieces_); }
 
-  void store(randstream& stream) const { stream.setStateComponents(kCount, pieces); }
-
-  void* piece(LegacyGenerator generator) { return pieces[static_cast<std::size_t>(generator)]; }
-  static std::size_t bytes(LegacyGenerator generator) {
-    constexpr std::size_t kBytes[kCount] = {sizeof selectors,    sizeof uniformSeed,
-                                            sizeof uniformState, sizeof uniformTwister,
-                                            sizeof normalSeed,   sizeof normalState};
-    return kBytes[static_cast<std::size_t>(generator)];
+  // Which generator draws uniforms, or normals.
+  std::uint32_t& selector(bool normal) const {
+    return static_cast<std::uint32_t*>(pieces_[legacy_plugin::kSelectors])[normal];
+  }
+  void* piece(LegacyGenerator generator) const {
+    return pieces_[static_cast<std::size_t>(generator)];
+  }
+  std::size_t bytes(LegacyGenerator generator) const {
+    return components_.bytes(static_cast<std::size_t>(generator));
   }
 
  private:
-  static constexpr std::size_t kCount = legacy_plugin::kComponents;
-  void* pieces[kCount] = {&selectors,     &uniformSeed, uniformState,
-                          uniformTwister, &normalSeed,  normalState};
+  StateComponents components_;
+  void* const* pieces_;
 };
+
+// The state of a generator alone, seeded.
+template <class Core>
+void saveSeeded(std::uint32_t seed, void* state) {
+  Core(seed, true).save(static_cast<typename Core::StateWord*>(state));
+}
 
 // Generators are counted through: three of uniforms, then those of normals.
 constexpr std::size_t kUniformGenerators = std::size(tfl_rng::kLegacyUniforms);
@@ -91,17 +91,17 @@ tfl_rng::LegacyKeyword const& rowOf(LegacyGenerator generator) {
 
 bool drawsGlobally(LegacyGenerator generator, LegacyState const& state,
                    std::shared_ptr<randstream> const& legacy) {
-  const auto selector = isNormal(generator) ? state.selectors.normal : state.selectors.uniform;
-  return findGlobalRandStream() == legacy && selector == selectorOf(generator);
+  return findGlobalRandStream() == legacy &&
+         state.selector(isNormal(generator)) == selectorOf(generator);
 }
 
 // Selects `generator`, whose component is in place, in the legacy stream and makes that global.
-void activate(LegacyGenerator generator, LegacyState& state,
+void activate(LegacyGenerator generator, LegacyState const& state,
               std::shared_ptr<randstream> const& legacy) {
   // A machine whose global stream cannot be made is in no mode at all.
   const bool entering = acquireGlobalRandStream() != legacy;
   const bool normal = isNormal(generator);
-  (normal ? state.selectors.normal : state.selectors.uniform) = selectorOf(generator);
+  state.selector(normal) = selectorOf(generator);
   state.store(*legacy);
   if (!entering) return;
   setGlobalRandStream(legacy);
@@ -126,23 +126,22 @@ std::shared_ptr<randstream> acquireLegacyRandStream() {
 
 void seedLegacyGenerator(LegacyGenerator generator, double seed) {
   auto const legacy = acquireLegacyRandStream();
-  LegacyState state(*legacy);
+  LegacyState const state(*legacy);
   const std::uint32_t word = tfl_rng::toLow32(seed);
+  void* const piece = state.piece(generator);
   switch (generator) {
     case LegacyGenerator::uniformSeed:
-      state.uniformSeed = seed;
+    case LegacyGenerator::normalSeed:
+      *static_cast<double*>(piece) = seed;
       break;
     case LegacyGenerator::uniformState:
-      legacy_plugin::V5Uniform(word, true).save(state.uniformState);
+      saveSeeded<legacy_plugin::V5Uniform>(word, piece);
       break;
     case LegacyGenerator::uniformTwister:
-      legacy_plugin::Twister(word, true).save(state.uniformTwister);
-      break;
-    case LegacyGenerator::normalSeed:
-      state.normalSeed = seed;
+      saveSeeded<legacy_plugin::Twister>(word, piece);
       break;
     case LegacyGenerator::normalState:
-      legacy_plugin::V5Normal(word, true).save(state.normalState);
+      saveSeeded<legacy_plugin::V5Normal>(word, piece);
       break;
   }
   activate(generator, state, legacy);
@@ -150,15 +149,15 @@ void seedLegacyGenerator(LegacyGenerator generator, double seed) {
 
 void loadLegacyGenerator(LegacyGenerator generator, void const* state) {
   auto const legacy = acquireLegacyRandStream();
-  LegacyState all(*legacy);
-  std::memcpy(all.piece(generator), state, LegacyState::bytes(generator));
+  LegacyState const all(*legacy);
+  std::memcpy(all.piece(generator), state, all.bytes(generator));
   activate(generator, all, legacy);
 }
 
 void readLegacyGenerator(LegacyGenerator generator, void* state) {
   auto const legacy = acquireLegacyRandStream();
-  LegacyState all(*legacy);
-  std::memcpy(state, all.piece(generator), LegacyState::bytes(generator));
+  LegacyState const all(*legacy);
+  std::memcpy(state, all.piece(generator), all.bytes(generator));
   if (drawsGlobally(generator, all, legacy)) return;
   txWarningMsgId(TALVOR::RandStream::ReadingInactiveLegacyGeneratorState(
       legacyKeyword(generator), isNormal(generator) ? "normal" : "uniform"));

@@ -162,6 +162,7 @@ TEST_F(StreamState, EmptyOnesReachThePlugin) {
   empty.setStateBuf(nullptr, 0);
   empty.getStateBuf(nullptr, 0);
   EXPECT_THAT(script.calls, ::testing::ElementsAre("setState 0", "get", "setState 0", "get"));
+  EXPECT_THAT(takeSnapshot(empty), ::testing::HasSubstr("component  0\ncomponent uint32 0\n"));
 }
 
 TEST_F(StreamState, RestoringKeepsAPendingPolarValue) {
