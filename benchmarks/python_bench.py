@@ -46,6 +46,14 @@ def numpy_generators():
         yield kind.__name__, np.random.Generator(kind(0))
 
 
+def distributions(out):
+    """Yields (title, what fills `out`, or as many integers) for NumPy's own distributions."""
+    yield "`random`", lambda g: g.random(out=out)
+    yield "`standard_normal`", lambda g: g.standard_normal(out=out)
+    yield "`integers(0, 100)`", lambda g: g.integers(0, 100, out.size)
+    yield "`standard_exponential`", lambda g: g.standard_exponential(out=out)
+
+
 def race(contestants, calls, rounds):
     """The median time of one call in nanoseconds, by name; turns in a new order each round."""
     times = {name: [] for name in contestants}
@@ -84,14 +92,20 @@ def main():
         ratio = medians[f"Python {name}"] / medians[f"C++ {name}"]
         print(f"\n{name}: Python takes {ratio:.3f} times what C++ takes")
 
+    kinds = [np.random.MT19937, tv.MT19937ar, np.random.Philox, tv.Philox4x32]
+    generators = {kind.__name__: np.random.Generator(kind(1)) for kind in kinds}
+    part = out[: N // 20]
+    print(f"\nNumPy's distributions, ns a value\n\n| | {' | '.join(generators)} |\n|---" + "|---:" * 4 + "|")
+    for title, fill in distributions(part):
+        medians = race({n: lambda g=g: fill(g) for n, g in generators.items()}, 1, 5 * rounds)
+        print(f"| {title} | " + " | ".join(f"{m / part.size:.3g}" for m in medians.values()) + " |")
+
     scalars = {f"s.rand(), {name}": tv.RandStream(name).rand for name in GENERATORS}
     scalars["s.randn(), mt19937ar"] = tv.RandStream().randn
     scalars["tv.rand()"] = tv.rand
     for name, g in numpy_generators():
         scalars[f"rng.random(), NumPy {name}"] = g.random
-    scalars["rng.random() on philox4x32_10"] = np.random.Generator(
-        tv.RandStream("philox").bit_generator()
-    ).random
+    scalars["rng.random() on philox4x32_10"] = np.random.Generator(tv.Philox4x32(0)).random
     show("One number a call", race(scalars, 10_000, rounds), 1, "ns a call")
 
 

@@ -1,14 +1,13 @@
 #pragma once
 
-// A stream as a bit generator of NumPy: numpy.random.Generator and RandomState draw from it.
+// What NumPy's bit generators need of a stream: the functions by which NumPy draws, and the lock.
 
 #include <pybind11/pybind11.h>
 
-#include "python/stream.h"
-
 namespace tvpython {
 
-// Adds the class BitGenerator to the module, and to RandStream the method that makes one.
-void addBitGenerator(pybind11::module_& module, pybind11::class_<Stream>& streams);
+// For tvmathrng.bit_generators: the class StreamLock, attach(capsule, stream), held(capsule) and
+// catalogue().
+void addBitGenerator(pybind11::module_& module);
 
 }  // namespace tvpython

@@ -273,39 +273,16 @@ Lengths are in draws, for mrg32k3a in steps of which a draw of full precision ta
 64
 )";
 
-inline constexpr char const* kBitGenerator = R"(BitGenerator(stream)
+inline constexpr char const* kBitGenerator = R"(bit_generator()
 
-A stream as NumPy's generators take it; stream.bit_generator() makes one. All of NumPy's
-distributions then draw from the stream.
+This stream as a bit generator of NumPy. It draws from the stream itself, not from a copy: whoever
+draws next gets the next numbers.
 
-A double of NumPy's is one draw, 32 random bits are the leading bits of one draw, 64 bits those of
-two. The lock makes Generators of several threads wait for each other; while one draws, a call on
-the stream itself raises TvThreadError. Pickled and copied, the stream goes along.
-
->>> g = np.random.Generator(tv.RandStream('philox4x32_10', seed=7).bit_generator())
->>> g.gamma(2, size=10).shape
-(10,)
-)";
-inline constexpr char const* kBitGeneratorMethod = R"(bit_generator()
-
-This stream as a bit generator of NumPy. It draws from the stream itself, not from a copy.
-
->>> s = tv.RandStream('philox4x32_10', seed=7)
->>> np.random.Generator(s.bit_generator()).random() == s.at_substream(0).rand()
+>>> s, twin = tv.RandStream('philox', seed=7), tv.RandStream('philox', seed=7)
+>>> g = np.random.Generator(s.bit_generator())
+>>> [g.random(), s.rand(), g.random()] == twin.rand(3).tolist()
 True
 )";
-inline constexpr char const* kBitGeneratorStream = "The RandStream behind it.";
-inline constexpr char const* kCapsule = "The table of functions that NumPy calls.";
-inline constexpr char const* kBitGeneratorLock = "What NumPy holds while it draws.";
 inline constexpr char const* kLock = "The right to draw from a stream, for a with statement.";
-inline constexpr char const* kBitGeneratorState =
-    "The stream's snapshot. Setting it restores the stream.";
-inline constexpr char const* kRandomRaw = R"(random_raw(size=None)
-
-64 random bits, or an array of uint64 of them.
-
->>> tv.RandStream().bit_generator().random_raw(3).dtype
-dtype('uint64')
-)";
 
 }  // namespace tvpython::docs

@@ -23,7 +23,7 @@ PYBIND11_MODULE(_tvmathrng, module) {
   guardObjects();
   auto type = addStreamClass(module);
   addSampling(module, type);
-  addBitGenerator(module, type);
+  addBitGenerator(module);
   module.def("generators", generatorNames, docs::kGenerators);
   module.attr("__version__") = TV_VERSION;
 }

@@ -98,18 +98,20 @@ void initialise(py::handle self, py::object const& generator, py::object const& 
   auto stream =
       makeStream(readText(generator, "generator"), readSeed(seed, "TALVOR:RandStream:create"),
                  readCount(streamIndex, "stream_index"), readCount(numStreams, "num_streams"));
-  randstream& settings = stream->get();
-  settings.setFullPrecision(readFlag(fullPrecision, "full_precision"));
-  settings.setAntithetic(readFlag(antithetic, "antithetic"));
-  if (!randnAlg.is_none()) settings.setRandnAlg(readText(randnAlg, "randn_alg").c_str());
-  settings.setSubstream(readCount(substream, "substream"));
+  {
+    Stream::Use const settings(*stream);
+    settings->setFullPrecision(readFlag(fullPrecision, "full_precision"));
+    settings->setAntithetic(readFlag(antithetic, "antithetic"));
+    if (!randnAlg.is_none()) settings->setRandnAlg(readText(randnAlg, "randn_alg").c_str());
+    settings->setSubstream(readCount(substream, "substream"));
+  }
   put(self.ptr(), std::move(stream));
 }
 
 void reset(py::handle self, py::object const& seed) {
   Stream& stream = streamOf(self.ptr());
   std::uint32_t const start =
-      seed.is_none() ? stream.get().seed() : readSeed(seed, "TALVOR:RandStream:reset");
+      seed.is_none() ? stream.constants().seed() : readSeed(seed, "TALVOR:RandStream:reset");
   Stream::Use(stream)->reset(start);
 }
 
@@ -118,15 +120,17 @@ void advance(py::handle self, py::object const& n) {
   draw(streamOf(self.ptr()), draws, [&](randstream& stream) { stream.advance(draws); });
 }
 
+// Of constants alone, so that it does not matter who draws from the stream meanwhile.
 std::unique_ptr<Stream> atSubstream(py::handle self, py::object const& k) {
   std::uint64_t const index = readCount(k, "k");
-  Stream::Use const use(streamOf(self.ptr()));
-  auto item = makeStream(use->generatorType(), use->seed(), use->streamIndex(), use->numStreams());
-  randstream& settings = item->get();
-  settings.setFullPrecision(use->fullPrecision());
-  settings.setAntithetic(use->antithetic());
-  settings.setRandnAlg(use->getRandnAlg());
-  settings.setSubstream(index);
+  randstream const& family = streamOf(self.ptr()).constants();
+  auto item =
+      makeStream(family.generatorType(), family.seed(), family.streamIndex(), family.numStreams());
+  Stream::Use const settings(*item);
+  settings->setFullPrecision(family.fullPrecision());
+  settings->setAntithetic(family.antithetic());
+  settings->setRandnAlg(family.getRandnAlg());
+  settings->setSubstream(index);
   return item;
 }
 
@@ -175,7 +179,7 @@ py::object reduce(py::handle self) {
 }
 
 py::str representation(py::handle self) {
-  randstream const& stream = streamOf(self.ptr()).get();
+  randstream const& stream = streamOf(self.ptr()).constants();
   std::string text = std::string("RandStream('") + stream.generatorType() +
                      "', seed=" + std::to_string(stream.seed());
   if (stream.numStreams() > 1)
@@ -186,14 +190,14 @@ py::str representation(py::handle self) {
 
 }  // namespace
 
-void Stream::Use::refuseUse() {
+void Stream::refuseUse() {
   refuse(Kind::thread, "StreamInUse",
          "the stream is in use by another thread; give each thread a stream of its own, such as "
          "stream.at_substream(k) for work item k");
 }
 
 void Stream::acquire() {
-  if (PyThread_acquire_lock(lock_.get(), NOWAIT_LOCK)) return;
+  if (tryToHold()) return;
   constexpr bool kEndedBySignals = true;
   constexpr PY_TIMEOUT_T kForever = -1;
   for (PyLockStatus status = PY_LOCK_INTR; status != PY_LOCK_ACQUIRED;) {
@@ -203,6 +207,13 @@ void Stream::acquire() {
     }
     if (status == PY_LOCK_INTR && PyErr_CheckSignals() != 0) throw py::error_already_set();
   }
+  noteHolder();
+  ++holds_;
+}
+
+Ahead& Stream::ahead() {
+  if (!ahead_) ahead_ = std::make_unique<Ahead>(*Use(*this));
+  return *ahead_;
 }
 
 std::unique_ptr<Stream> makeStream(std::string const& generator, std::uint32_t seed,
@@ -240,13 +251,18 @@ py::class_<Stream> addStreamClass(py::module_& module) {
       .def("snapshot", snapshot, docs::kSnapshot)
       .def("restore", restore, py::arg("snapshot"), docs::kRestore)
       .def_static("from_snapshot", fromSnapshot, py::arg("snapshot"), docs::kFromSnapshot)
+      .def(
+          "bit_generator",
+          [](py::object const& self) {
+            return py::module_::import("tvmathrng.bit_generators").attr("of_stream")(self);
+          },
+          docs::kBitGenerator)
       .def("__repr__", representation);
 
   // Values that only the constructor and reset set are read without the right to the stream.
   auto const constant = [&](char const* name, auto get, char const* doc) {
     type.def_property_readonly(
-        name, [get](py::handle self) { return get(std::as_const(streamOf(self.ptr()).get())); },
-        doc);
+        name, [get](py::handle self) { return get(streamOf(self.ptr()).constants()); }, doc);
   };
   constant(
       "generator", [](randstream const& s) { return s.generatorType(); }, docs::kGenerator);

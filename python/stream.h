@@ -5,6 +5,7 @@
 
 #include <pybind11/pybind11.h>
 
+#include <atomic>
 #include <cstddef>
 #include <cstdint>
 #include <memory>
@@ -12,6 +13,7 @@
 #include <string>
 #include <utility>
 
+#include "python/ahead.h"
 #include "python/interpreter.h"
 #include "python/objects.h"
 #include "rng/randstream.h"
@@ -28,13 +30,14 @@ class Stream {
   }
 
   // The right to use the stream, for the life of this object. Errors: "TALVOR:python:StreamInUse"
-  // when another thread has it.
+  // when another thread has it, or this one in the middle of another use.
   class Use {
    public:
-    explicit Use(Stream& owner) : owner_(owner) {
-      if (!PyThread_acquire_lock(owner.lock_.get(), NOWAIT_LOCK)) refuseUse();
+    explicit Use(Stream& owner) : owner_(owner) { owner.beginUse(); }
+    ~Use() {
+      owner_.used_ = false;
+      owner_.release();
     }
-    ~Use() { owner_.release(); }
     Use(Use const&) = delete;
     Use& operator=(Use const&) = delete;
 
@@ -42,19 +45,54 @@ class Stream {
     randstream* operator->() const noexcept { return owner_.stream_.get(); }
 
    private:
-    [[noreturn]] static void refuseUse();
     Stream& owner_;
   };
 
-  // The same right for a caller that waits for it and gives it back by hand. Waiting leaves the
-  // interpreter to other threads and ends with an error when a signal's handler raises one.
+  // The same right for a caller that waits for it and gives it back by hand, as often as it took
+  // it; meanwhile its thread may use the stream. Waiting leaves the interpreter to other threads
+  // and ends with an error when a signal's handler raises one.
   void acquire();
-  void release() noexcept { PyThread_release_lock(lock_.get()); }
+  void release() noexcept {
+    if (--holds_ > 0) return;
+    holder_.store(kNobody, std::memory_order_relaxed);
+    PyThread_release_lock(lock_.get());
+  }
+  bool heldHere() const noexcept {
+    return holder_.load(std::memory_order_relaxed) == PyThread_get_thread_ident();
+  }
 
-  // For those who hold the right already.
-  randstream& get() noexcept { return *stream_; }
+  // What never changes by drawing: the name, seed, indices and settings. They change with the
+  // interpreter's lock held, and are read with it.
+  randstream const& constants() const noexcept { return *stream_; }
+
+  // The stream for those who take uniforms one by one, with the right to use it.
+  Ahead& ahead();
 
  private:
+  static constexpr unsigned long kNobody = 0;
+
+  bool tryToHold() noexcept {
+    if (!heldHere()) {
+      if (!PyThread_acquire_lock(lock_.get(), NOWAIT_LOCK)) return false;
+      noteHolder();
+    }
+    ++holds_;
+    return true;
+  }
+  void noteHolder() noexcept {
+    holder_.store(PyThread_get_thread_ident(), std::memory_order_relaxed);
+  }
+  void beginUse() {
+    if (!tryToHold()) refuseUse();
+    if (used_) {
+      release();
+      refuseUse();
+    }
+    used_ = true;
+    if (ahead_) ahead_->giveBack();
+  }
+  [[noreturn]] static void refuseUse();
+
   std::unique_ptr<randstream> const stream_;
   // The interpreter's own kind of lock: may be tried by the thread that holds it, and costs no
   // system call while nobody waits.
@@ -62,6 +100,10 @@ class Stream {
     void operator()(void* lock) const noexcept { PyThread_free_lock(lock); }
   };
   std::unique_ptr<void, FreeLock> const lock_;
+  std::atomic<unsigned long> holder_ = kNobody;
+  std::size_t holds_ = 0;  // the rest belongs to the holder
+  bool used_ = false;
+  std::unique_ptr<Ahead> ahead_;  // once somebody has asked for it
 };
 
 // Requests of this many values or more leave the interpreter to other threads meanwhile; below, the

@@ -1,10 +1,14 @@
 """NumPy's generators on our streams."""
 
 import copy
+import gc
+import json
 import pickle
 
 import numpy as np
 import pytest
+from conftest import WITH_SUBSTREAMS
+from numpy.random import SeedSequence
 
 import tvmathrng as tv
 
@@ -101,7 +105,8 @@ def test_generators_of_numpy_are_copied_with_their_streams(make):
     g.random(3)
     twin = make(g)
     assert g.gamma(2, size=5).tolist() == twin.gamma(2, size=5).tolist()
-    assert twin.bit_generator.stream is not g.bit_generator.stream
+    g.bit_generator.spawn(1)
+    assert make(g).bit_generator.seed_seq.spawn(1)[0].spawn_key == (1,)
 
 
 def test_the_state_of_a_bit_generator_resumes():
@@ -112,13 +117,102 @@ def test_the_state_of_a_bit_generator_resumes():
     assert g.random(5).tolist() == first.tolist()
 
 
-def test_the_stream_lives_as_long_as_what_draws_from_it():
-    g = on(tv.RandStream("philox", seed=7))
-    assert g.random() == tv.RandStream("philox", seed=7).rand()
-    capsule = tv.RandStream("philox", seed=7).bit_generator().capsule
+def test_blocks_drawn_ahead_are_never_seen(generator):
+    """Whatever comes between NumPy's draws: the stream's own, its state, its settings, jumps."""
+    stream, plain = tv.RandStream(generator, seed=3), tv.RandStream(generator, seed=3)
+    g = on(stream)
+    for full in (True, False):
+        stream.full_precision = plain.full_precision = full
+        for count in (1, 15, 16, 17, 5000):
+            uniforms = plain.rand(2 * count)
+            words = (uniforms[count:] * 2.0**32).astype(np.uint32)
+            assert np.array_equal(g.random(count), uniforms[:count])
+            assert np.array_equal(g.integers(2**32, size=count, dtype=np.uint32), words)
+            assert np.array_equal(stream.state, plain.state)
+        for act in (tv.RandStream.rand, tv.RandStream.randn, lambda s: s.advance(7), copy.copy,
+                    lambda s: s.__setattr__("antithetic", not s.antithetic)):
+            act(stream), act(plain)
+            assert g.random() == plain.rand()
+    for s in (stream, plain):
+        s.substream = 0 if generator not in WITH_SUBSTREAMS else 5
+        s.reset()
+    assert g.random() == plain.rand() and stream.snapshot() == plain.snapshot()
 
-    class Holder:  # what NumPy needs of a bit generator
-        def __init__(self):
-            self.capsule, self.lock = capsule, tv.RandStream().bit_generator().lock
 
-    assert np.random.Generator(Holder()).random() == tv.RandStream("philox", seed=7).rand()
+def test_seeds_are_those_of_streams_or_go_through_seed_sequences(generator):
+    kind = tv.bit_generators.CLASSES[generator]
+    assert kind(7).random_raw() == tv.RandStream(generator, 7).bit_generator().random_raw()
+    seeds = [7, 2**32, 2**100, [1, 2], np.arange(1500), SeedSequence(7), *SeedSequence(7).spawn(2)]
+    first = [kind(seed).random_raw() for seed in seeds]
+    assert len({*first, kind().random_raw(), kind().random_raw()}) == len(seeds) + 2
+    assert first == [kind(seed).random_raw() for seed in seeds[:-2]] + first[-2:]
+    parent = kind(7)
+    assert [b.random_raw() for b in parent.spawn(2)] != [b.random_raw() for b in parent.spawn(2)]
+    assert [b.random_raw() for b in kind(7).spawn(2)] == [b.random_raw() for b in kind(7).spawn(2)]
+
+
+def test_places_of_a_family_are_those_of_streams():
+    bits = tv.MRG32k3a(7, stream=2, num_streams=5, substream=9)
+    twin = tv.RandStream("mrg32k3a", 7, stream_index=2, num_streams=5, substream=9)
+    assert np.random.Generator(bits).random() == twin.rand()
+    assert bits.jumped(2).stream.rand() == twin.at_substream(11).rand()
+    assert bits.jumped().spawn(1)[0].random_raw() != bits.spawn(1)[0].random_raw()
+
+
+def test_the_twister_is_seeded_by_all_its_words():
+    words = SeedSequence(2**40).generate_state(624)
+    words[0] = 2**31
+    twin = np.random.MT19937()
+    twin.state = {"bit_generator": "MT19937", "state": {"key": words, "pos": 624}}
+    assert tv.MT19937ar(2**40).stream.rand() == np.random.Generator(twin).random()
+
+
+def test_a_bit_generator_made_again_reseeds_all_that_draw_from_it():
+    bits = tv.Philox4x32(1)
+    g, address = np.random.Generator(bits), bits.ctypes.state_address
+    g.random(5)
+    bits.__init__(7, substream=3)
+    expected = tv.RandStream("philox", seed=7, substream=3).rand(2).tolist()
+    assert [g.random(), np.random.Generator(bits).random()] == expected
+    assert bits.ctypes.state_address == address
+    del bits
+    gc.collect()
+    assert 0 < g.random() < 1
+
+
+def test_interfaces_of_numpy_are_all_there():
+    bits = tv.Philox4x32(7)
+    assert isinstance(bits, np.random.BitGenerator) and bits.lock is bits.lock
+    assert bits.random_raw((2, 3)).shape == (2, 3) and bits.random_raw(4, output=False) is None
+    face = bits.ctypes
+    assert face.next_double(face.state) == tv.RandStream("philox", seed=7).rand(21)[20]
+    assert bits.advance(3) is bits
+    assert json.loads(json.dumps(bits.state)) == bits.state == copy.deepcopy(bits).state
+
+
+# Generators without substreams have nowhere to jump to, and say so.
+smoke = pytest.importorskip("numpy.random.tests.test_smoke", reason="NumPy's own tests are not installed")
+for name, kind in tv.bit_generators.CLASSES.items():
+
+    class Smoke(smoke.RNG):
+        bit_generator = kind
+        advance = 2**63 + 2**31 + 2**15 + 1
+        seed = [12345]
+        seed_vector_bits = 64
+
+        @classmethod
+        def setup_class(cls):
+            cls.rg = np.random.Generator(cls.bit_generator(*cls.seed))
+            cls.initial_state = cls.rg.bit_generator.state
+            cls._extra_setup()
+
+        if name not in WITH_SUBSTREAMS:
+
+            @pytest.mark.xfail(strict=True, raises=tv.TvValueError)
+            def test_jump(self):
+                super().test_jump()
+
+    Smoke.__name__ = f"Test{kind.__name__}"
+    globals()[Smoke.__name__] = Smoke
+    del Smoke
+dtype = smoke.dtype

@@ -4,6 +4,7 @@ import copy
 import pickle
 import signal
 import threading
+from concurrent.futures import ThreadPoolExecutor
 
 import numpy as np
 import pytest
@@ -12,6 +13,7 @@ from conftest import GENERATORS, WITH_SUBSTREAMS, same, unmoved
 import tvmathrng as tv
 
 PHILOX = tv.RandStream("philox")
+PHILOX7 = tv.RandStream("philox", seed=7).rand()
 COPIES = [
     lambda s: tv.RandStream.from_snapshot(s.snapshot()),
     lambda s: pickle.loads(pickle.dumps(s)),
@@ -140,7 +142,7 @@ def test_a_fill_lets_other_threads_run_and_keeps_its_stream_to_itself():
     refused = drawn = 0
     for _ in busy_elsewhere(stream, lambda: stream.randn(out=out)):
         try:
-            stream.at_substream(0)
+            stream.rand()
         except tv.TvThreadError as error:
             refused += 1
             assert error.identifier == "TALVOR:python:StreamInUse" and "at_substream" in str(error)
@@ -165,7 +167,6 @@ USES = [
     lambda s: s.randi(6, 3),
     lambda s: s.randperm(5),
     lambda s: s.advance(3),
-    lambda s: s.at_substream(2),
     lambda s: s.restore(PHILOX.snapshot()),
     lambda s: s.__setstate__(PHILOX.snapshot()),
     lambda s: s.bit_generator().random_raw(),
@@ -173,22 +174,33 @@ USES = [
 ]
 
 
-def test_a_stream_locked_for_numpy_is_in_use(stream):
+def test_a_stream_locked_for_numpy_is_in_use_elsewhere(stream):
+    def refused(use):
+        with pytest.raises(tv.TvThreadError):
+            use(stream)
+
     bits = stream.bit_generator()
-    with bits.lock:
-        for use in USES:
-            with pytest.raises(tv.TvThreadError):
-                use(stream)
-    assert stream.rand() == tv.RandStream("philox", seed=7).rand()
+    with bits.lock, ThreadPoolExecutor(1) as other:
+        list(other.map(refused, USES))
+        assert other.submit(stream.at_substream, 0).result().rand() == PHILOX7  # constants are free
+        with bits.lock, stream.bit_generator().lock:  # the thread that holds it goes on
+            drawn = [stream.rand(), np.random.Generator(bits).random(), stream.rand()]
+    assert drawn == tv.RandStream("philox", seed=7).rand(3).tolist()
+    with ThreadPoolExecutor(1) as other:
+        assert other.submit(stream.rand).result() == tv.RandStream("philox", seed=7).rand(4)[3]
 
 
 def test_a_lock_is_left_as_often_as_it_was_entered(stream):
     lock = stream.bit_generator().lock
-    with lock:
-        pass
-    with pytest.raises(tv.TvThreadError) as caught:
-        lock.__exit__(None, None, None)
-    assert caught.value.identifier == "TALVOR:python:NotLocked"
+
+    def leave():
+        with pytest.raises(tv.TvThreadError) as caught:
+            lock.__exit__(None, None, None)
+        assert caught.value.identifier == "TALVOR:python:NotLocked"
+
+    with lock, ThreadPoolExecutor(1) as other:
+        other.submit(leave).result()
+    leave()
 
 
 def test_waiting_for_a_stream_ends_with_a_signal(stream):
@@ -196,17 +208,25 @@ def test_waiting_for_a_stream_ends_with_a_signal(stream):
         raise TimeoutError
 
     lock, other = stream.bit_generator().lock, stream.bit_generator().lock
-    before = signal.signal(signal.SIGALRM, give_up)
-    late = threading.Timer(20, lock.__exit__, [None, None, None])
-    try:
+    held, done = threading.Event(), threading.Event()
+
+    def hold():
         with lock:
-            late.start()
-            signal.setitimer(signal.ITIMER_REAL, 0.05)
-            with pytest.raises(TimeoutError):
-                other.__enter__()
-            late.cancel()
+            held.set()
+            done.wait(20)
+
+    before = signal.signal(signal.SIGALRM, give_up)
+    thread = threading.Thread(target=hold)
+    thread.start()
+    try:
+        held.wait()
+        signal.setitimer(signal.ITIMER_REAL, 0.05)
+        with pytest.raises(TimeoutError):
+            other.__enter__()
     finally:
         signal.signal(signal.SIGALRM, before)
+        done.set()
+        thread.join()
     assert stream.rand() == tv.RandStream("philox", seed=7).rand()
 
 

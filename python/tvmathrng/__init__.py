@@ -8,7 +8,6 @@
 from tvmathrng.errors import TvError, TvMemoryError, TvThreadError, TvTypeError, TvValueError
 from tvmathrng.parameters import Parameters
 from tvmathrng._tvmathrng import (
-    BitGenerator,
     RandStream,
     __version__,
     generators,
@@ -19,6 +18,9 @@ from tvmathrng._tvmathrng import (
     randperm,
     set_global_stream,
 )
+from tvmathrng.bit_generators import CLASSES as _CLASSES, BitGenerator
+
+globals().update({kind.__name__: kind for kind in _CLASSES.values()})
 
 
 def streams(generator, num_streams, seed=0, **settings):
@@ -54,4 +56,5 @@ __all__ = [
     "randperm",
     "set_global_stream",
     "streams",
+    *(kind.__name__ for kind in _CLASSES.values()),
 ]
