@@ -32,7 +32,7 @@ void addJump(std::string const& work, std::string const& generator, std::string 
   });
 }
 
-constexpr unsigned long kSkipped = 1'000'000;
+constexpr std::uint64_t kSkipped = 1'000'000;
 
 // What a core of a generator with substreams does for parallel work.
 template <class Core>

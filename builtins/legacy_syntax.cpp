@@ -32,13 +32,13 @@ bool acceptsAny(txArray const&) { return true; }
 // The table needs values that its recurrence can hold; the borrow and the counters may be 0.
 bool acceptsUniformState(txArray const& array) {
   constexpr std::size_t kTable = 32;
-  const std::span values(array.dataAs<double>(), array.numel());
+  const std::span values(array.dataAs<double>(), static_cast<std::size_t>(array.numel()));
   return std::ranges::all_of(values, [](double v) { return v >= 0 && v < 1; }) &&
          std::ranges::all_of(values.first(kTable), [](double v) { return v >= 0x1p-53; });
 }
 
 bool acceptsTwisterState(txArray const& array) {
-  std::size_t const position = array.numel() - 1;  // behind the words, whose number it may reach
+  std::uint64_t const position = array.numel() - 1;  // behind the words, whose number it may reach
   return array.dataAs<std::uint32_t>()[position] <= position;
 }
 

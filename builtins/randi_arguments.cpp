@@ -35,7 +35,7 @@ bool isIntegerElement(txClassID classID) noexcept {
   }
 }
 
-void fillIntegers(randstream& stream, Limits const& limits, txArray& result, unsigned long n) {
+void fillIntegers(randstream& stream, Limits const& limits, txArray& result, std::uint64_t n) {
   switch (result.classID()) {
 #define RNG_ELEMENT(type, class_) \
   case class_:                    \

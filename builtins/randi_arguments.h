@@ -23,6 +23,6 @@ void checkRange(Limits const& limits, int position);
 bool isIntegerElement(txClassID classID) noexcept;
 
 // Fills an array of such a class with n integers.
-void fillIntegers(randstream& stream, Limits const& limits, txArray& result, unsigned long n);
+void fillIntegers(randstream& stream, Limits const& limits, txArray& result, std::uint64_t n);
 
 }  // namespace builtins

@@ -17,7 +17,7 @@ struct Uniform {
   static constexpr char const* kMethod = "rand";
   static constexpr char const* kMethodLike = "randLike";
   template <class T>
-  static void fill(randstream& stream, T* out, unsigned long n, bool /*complex*/) {
+  static void fill(randstream& stream, T* out, std::uint64_t n, bool /*complex*/) {
     stream.randuFcn(out, n);
   }
 };
@@ -27,7 +27,7 @@ struct Normal {
   static constexpr char const* kMethod = "randn";
   static constexpr char const* kMethodLike = "randnLike";
   template <class T>
-  static void fill(randstream& stream, T* out, unsigned long n, bool complex) {
+  static void fill(randstream& stream, T* out, std::uint64_t n, bool complex) {
     stream.randnFcn(out, n, complex);
   }
 };
@@ -69,13 +69,13 @@ Arguments argumentsAfter(int nrhs, txArray const* const* prhs) noexcept {
 }
 
 // Numbers to draw for an array: one an element, two for a complex one.
-inline unsigned long drawsFor(txArray const& array) noexcept {
+inline std::uint64_t drawsFor(txArray const& array) noexcept {
   return array.numel() * (array.isComplex() ? 2 : 1);
 }
 
 template <class Distribution>
 void fill(randstream& stream, txArray& result) {
-  unsigned long const n = drawsFor(result);
+  std::uint64_t const n = drawsFor(result);
   if (result.classID() == txClassSingle)
     Distribution::fill(stream, result.dataAs<float>(), n, result.isComplex());
   else

@@ -35,7 +35,7 @@ void create(int nlhs, txArrayPtr* plhs, int nrhs, txArray const** prhs) {
 
   // The factories refuse parameters, and only look at how many there are.
   auto* const words =
-      params.isEmpty() ? nullptr : const_cast<unsigned long*>(params.dataAs<unsigned long>());
+      params.isEmpty() ? nullptr : const_cast<std::uint64_t*>(params.dataAs<std::uint64_t>());
   std::shared_ptr<randstream> stream(mrCreateRNGStream(
       type.get(), *numStreams.dataAs<std::uint64_t>(), *streamIndex.dataAs<std::uint64_t>() - 1,
       *seed.dataAs<std::uint32_t>(), words, params.numel()));

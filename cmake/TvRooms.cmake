@@ -28,6 +28,10 @@ function(tv_add_room name)
   tv_compile_alone(kernels/*.cpp ${ARG_ALONE})
   add_library(room_${name} STATIC ${sources} ${ARG_MORE})
   target_link_libraries(room_${name} PUBLIC ${ARG_LIBRARIES})
+  # What has an address counts in that many bits; what a stream counts has 64 everywhere.
+  if(CMAKE_SIZEOF_VOID_P LESS 8 AND NOT name MATCHES "^(tfl_rng|plugin_rng|rng|vmstate|builtins)$")
+    target_compile_options(room_${name} PRIVATE -Wno-conversion -Wno-narrowing)
+  endif()
   # Calls inside a library need no detour by which another library could replace them.
   target_compile_options(room_${name} PRIVATE -fno-semantic-interposition)
 endfunction()

@@ -5,6 +5,8 @@ option(TV_BENCHMARKS "Build the benchmarks and their peers" OFF)
 option(TV_FUZZ "Build the fuzzing programs with libFuzzer (clang)" OFF)
 option(TV_WERROR "Treat warnings as errors" OFF)
 option(CMAKE_UNITY_BUILD "Compile several sources of a room at a time" ON)
+option(TV_THREADS "Fill large results on all cores, which takes oneTBB" ON)
+option(TV_LARGE_BLOCKS "Large arrays of the embedded host on huge pages of Linux" ON)
 set(TV_SANITIZE "" CACHE STRING "Sanitizers, for example address;undefined")
 
 if(NOT CMAKE_BUILD_TYPE AND NOT CMAKE_CONFIGURATION_TYPES)
@@ -39,6 +41,15 @@ set(CMAKE_INSTALL_RPATH "$ORIGIN;$ORIGIN/${_to_libraries}")
 configure_file(${CMAKE_CURRENT_LIST_DIR}/version.h.in
   ${PROJECT_BINARY_DIR}/generated/tvmathrng/version.h @ONLY)
 include_directories(${PROJECT_SOURCE_DIR} ${PROJECT_BINARY_DIR}/generated)
+
+# Libraries of threads: none where TV_THREADS is off.
+add_library(tv_threads INTERFACE)
+if(TV_THREADS)
+  find_package(TBB REQUIRED)
+  target_link_libraries(tv_threads INTERFACE TBB::tbb)
+else()
+  add_compile_definitions(TV_SERIAL)
+endif()
 
 # Contraction into fused multiply-adds would change results from machine to machine.
 add_compile_options(-ffp-contract=off -Wall -Wextra -Wshadow -Wconversion -Wno-sign-conversion)

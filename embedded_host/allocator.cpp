@@ -1,7 +1,6 @@
 #include "embedded_host/allocator.h"
 
-#include <malloc.h>
-
+#include <algorithm>
 #include <atomic>
 #include <cstdlib>
 
@@ -17,17 +16,25 @@
 #endif
 #endif
 
+#ifdef TV_ADDRESS_SANITIZER
+#include <malloc.h>
+#endif
+
 namespace {
 
 using embedded_host::LargeBlocks;
 
 constexpr std::size_t kAlignment = 64;
 
+#if defined(TV_ADDRESS_SANITIZER) || defined(TV_NO_LARGE_BLOCKS)
+constexpr std::size_t kLargeFrom = PTRDIFF_MAX;
+#else
+constexpr std::size_t kLargeFrom = std::size_t{4} << 20;
+#endif
+
 #ifdef TV_ADDRESS_SANITIZER
 
 // The sanitizer watches exactly the blocks of the system's allocator.
-constexpr std::size_t kLargeFrom = PTRDIFF_MAX;
-
 void* allocateSmall(std::size_t bytes) noexcept {
   void* memory = nullptr;
   return posix_memalign(&memory, kAlignment, bytes > 0 ? bytes : 1) == 0 ? memory : nullptr;
@@ -37,23 +44,23 @@ void freeSmall(void* memory) noexcept { std::free(memory); }
 
 #else
 
-constexpr std::size_t kLargeFrom = std::size_t{4} << 20;
-
 // Stands in front of a small block. The system's aligned allocation takes six times as long as its
 // plain one, more than anything else in making a scalar.
 struct Header {
   void* start;  // of the system's block
   std::size_t bytes;
 };
-static_assert(sizeof(Header) <= alignof(std::max_align_t));
 
 Header& headerOf(void* memory) noexcept { return static_cast<Header*>(memory)[-1]; }
 
 void* allocateSmall(std::size_t bytes) noexcept {
-  auto* const start = static_cast<char*>(std::malloc(bytes + kAlignment));
+  // Room for the header comes with the alignment where the system aligns to the header's size.
+  constexpr std::size_t kAligned = std::min(alignof(std::max_align_t), sizeof(Header));
+  auto* const start =
+      static_cast<char*>(std::malloc(bytes + kAlignment + (sizeof(Header) - kAligned)));
   if (!start) return nullptr;
-  // The system aligns to the size of the header, so that there is room for one.
-  void* const memory = start + (kAlignment - reinterpret_cast<std::uintptr_t>(start) % kAlignment);
+  char* const first = start + sizeof(Header);
+  void* const memory = first + -reinterpret_cast<std::uintptr_t>(first) % kAlignment;
   headerOf(memory) = {start, bytes};
   return memory;
 }

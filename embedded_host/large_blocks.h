@@ -9,6 +9,20 @@
 
 namespace embedded_host {
 
+#ifdef TV_NO_LARGE_BLOCKS
+
+// None: the system's allocator serves all.
+class LargeBlocks {
+ public:
+  static constexpr std::size_t kHugePage = 1;
+  static LargeBlocks instance() noexcept { return {}; }
+  static void* allocate(std::size_t) noexcept { return nullptr; }
+  static std::size_t sizeOf(void const*) noexcept { return 0; }
+  static void release(void*) noexcept {}
+};
+
+#else
+
 // Large results are written once from end to end, and then most of their cost is the system's: a
 // page fault for every 4 KiB, which huge pages make one for every 2 MiB, and clearing the pages.
 // Released blocks are therefore kept for the next request of about their size. While they are kept,
@@ -44,5 +58,7 @@ class LargeBlocks {
   std::vector<Block> kept_;  // oldest first
   std::size_t bytesKept_ = 0;
 };
+
+#endif
 
 }  // namespace embedded_host

@@ -47,9 +47,12 @@ std::string dimensionsText(embedded_host::Dims dims) {
   return text;
 }
 
-std::uint64_t physicalBytes() {
-  static std::uint64_t const bytes = static_cast<std::uint64_t>(sysconf(_SC_PHYS_PAGES)) *
-                                     static_cast<std::uint64_t>(sysconf(_SC_PAGE_SIZE));
+// What an array may take at most: the machine's memory, or what an address reaches of it.
+std::uint64_t mostBytes() {
+  static std::uint64_t const bytes =
+      std::min<std::uint64_t>(static_cast<std::uint64_t>(sysconf(_SC_PHYS_PAGES)) *
+                                  static_cast<std::uint64_t>(sysconf(_SC_PAGE_SIZE)),
+                              PTRDIFF_MAX);
   return bytes;
 }
 
@@ -62,14 +65,14 @@ std::uint64_t countElements(Dims dims, std::size_t bytesEach) {
   bool tooMany = false;
   for (std::uint64_t d : dims) tooMany |= __builtin_mul_overflow(count, d, &count);
   tooMany |= __builtin_mul_overflow(count, bytesEach, &bytes);
-  if (!tooMany && bytes <= physicalBytes()) return count;
+  if (!tooMany && bytes <= mostBytes()) return count;
   // A dimension of 0 leaves nothing to hold, however long the others are.
   if (std::find(dims.begin(), dims.end(), 0u) != dims.end()) return 0;
   constexpr double kGigabyte = 0x1p30;
   double gigabytes = static_cast<double>(bytesEach) / kGigabyte;
   for (std::uint64_t d : dims) gigabytes *= static_cast<double>(d);
   raiseHostError("TALVOR:array:SizeLimitExceeded", dimensionsText(dims), std::ceil(gigabytes),
-                 std::floor(static_cast<double>(physicalBytes()) / kGigabyte));
+                 std::floor(static_cast<double>(mostBytes()) / kGigabyte));
 }
 
 }  // namespace embedded_host

@@ -76,7 +76,7 @@ std::vector<double> drawAsChosen(randstream& stream, std::uint8_t choices, std::
   if (choices & kSubstream) {
     try {
       stream.setSubstream(1 + sizes);
-      stream.advance(std::size_t{1} << 40);
+      stream.advance(std::uint64_t{1} << 40);
     } catch (foundation::core::except::AnyException const&) {
       // A generator without substreams.
     }

@@ -138,7 +138,7 @@ void computeDraws(std::string_view generator, TakeRow const& take) {
     vm.evaluate(family == kOld ? kBeginLegacy : family == kSingle ? kBeginSingle : kBegin);
     txArrayPtr const value = vm.evaluate(row.program);
     Hash hash;
-    hash.add(value->data(), value->numel() * (value->isComplex() ? 2 : 1),
+    hash.add(value->data(), static_cast<std::size_t>(value->numel()) * (value->isComplex() ? 2 : 1),
              embedded_host::elementBytes(value->classID()));
     take(row.name, hash.value());
   }

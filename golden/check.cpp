@@ -1,11 +1,10 @@
 #include "golden/check.h"
 
 #include <hwy/targets.h>
-#include <tbb/global_control.h>
-#include <tbb/task_arena.h>
 
 #include "golden/cases.h"
 #include "golden/table.h"
+#include "plugin_rng/parallel.h"
 
 namespace golden {
 
@@ -29,23 +28,17 @@ std::string Setting::targetName() const { return hwy::TargetName(target); }
 std::vector<Setting> settings() {
   std::vector<Setting> result;
   for (std::int64_t const target : hwy::SupportedAndGeneratedTargets())
-    for (int const threads : kThreads) result.push_back({target, threads});
+    for (int const threads : kThreads)
+      if (threads == 1 || plugin_rng::kThreads) result.push_back({target, threads});
   return result;
 }
 
 Result check(Setting const& setting, std::string const& generator) {
   ForcedTarget const forced(setting.target);
-  // Its threads stay from one setting to the next: those that are ending count where a user may
-  // have few.
-  static tbb::task_scheduler_handle const kept{tbb::attach{}};
-  // As many threads as told, also where the machine has fewer cores.
-  tbb::global_control const limit(tbb::global_control::max_allowed_parallelism,
-                                  static_cast<std::size_t>(setting.threads));
-  tbb::task_arena arena(setting.threads);
   Result result;
   Hash all;
   Hash allGolden;
-  arena.execute([&] {
+  plugin_rng::withThreads(static_cast<std::size_t>(setting.threads), [&] {
     computeRows(generator, [&](std::string_view name, std::uint64_t drawn) {
       ++result.rows;
       auto const golden = goldenHash(generator, name);

@@ -4,11 +4,14 @@
 #include <bit>
 #include <cmath>
 
-#include "language/int128.h"
+#include "tfl_rng/uint128.h"
 
 namespace language {
 
 namespace {
+
+using tfl_rng::int128;
+using tfl_rng::uint128;
 
 using enum Exact::Kind;
 

@@ -7,15 +7,16 @@
 #include "language/exact.h"
 #include "language/fault.h"
 #include "language/functions.h"
-#include "language/int128.h"
 #include "language/lines.h"
 #include "language/truth.h"
+#include "tfl_rng/uint128.h"
 
 namespace language {
 
 namespace {
 
 using embedded_host::makeUninitialized;
+using tfl_rng::int128;
 
 // The sum of a line so far: of integers exact, of the others in double, in order.
 template <class T>

@@ -2,10 +2,12 @@
 
 // first:step:last
 
-#include "language/int128.h"
 #include "language/values.h"
+#include "tfl_rng/uint128.h"
 
 namespace language {
+
+using tfl_rng::int128;
 
 // The elements of a range, without room for them. Its class is the integer class of the bounds,
 // else that of the step, else single if one of the three is, else double.

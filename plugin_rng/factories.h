@@ -6,9 +6,9 @@
 
 namespace plugin_rng {
 
-#define TFL_GENERATOR(name, ...)                                                               \
-  IPluginRNG* make_##name(std::size_t numStreams, std::size_t streamIndex, std::uint32_t seed, \
-                          double const* params, std::size_t nParams);
+#define TFL_GENERATOR(name, ...)                                                                   \
+  IPluginRNG* make_##name(std::uint64_t numStreams, std::uint64_t streamIndex, std::uint32_t seed, \
+                          double const* params, std::uint64_t nParams);
 #include "tfl_rng/generators.def"
 #undef TFL_GENERATOR
 

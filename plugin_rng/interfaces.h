@@ -33,10 +33,10 @@ class TV_EXPORT IPluginRNG {
   virtual void randu(double* out, std::size_t n) = 0;
   // Returns to the start of the sequence of `seed`.
   virtual void reset(std::uint32_t seed) = 0;
-  virtual std::size_t getNumStateComponents() const = 0;
+  virtual std::uint64_t getNumStateComponents() const = 0;
   // Writes the pluginStateClassID value and the element count of each component.
-  virtual void getStateComponentTypes(std::size_t nComponents, txClassID* classes,
-                                      std::size_t* lengths) const = 0;
+  virtual void getStateComponentTypes(std::uint64_t nComponents, txClassID* classes,
+                                      std::uint64_t* lengths) const = 0;
   // Copies component i into buffers[i].
   virtual void getStateComponents(void* const* buffers) const = 0;
   // Checks all components, then loads them; a refused state changes nothing.
@@ -63,12 +63,12 @@ class TV_EXPORT IPluginRNGSubstreams : public virtual IPluginRNG {
  public:
   // 0 when `numStreams` streams exist and this plug-in's index is below the generator's limit,
   // otherwise 3.
-  virtual int checkNumStreams(std::size_t numStreams) const = 0;
+  virtual int checkNumStreams(std::uint64_t numStreams) const = 0;
   // Moves to the start of a substream of this stream.
-  virtual void setSubstream(std::size_t index) = 0;
-  virtual std::size_t getSubstream() const = 0;
+  virtual void setSubstream(std::uint64_t index) = 0;
+  virtual std::uint64_t getSubstream() const = 0;
   // Moves forward by n draws without drawing them.
-  virtual void advance(std::size_t n) = 0;
+  virtual void advance(std::uint64_t n) = 0;
   // Number of streams, and the binary logarithm of a stream's length.
   virtual std::pair<std::uint64_t, std::uint64_t> getStreamLimits() const = 0;
   // The same of substreams.
@@ -86,7 +86,7 @@ class TV_EXPORT PluginRNGError {
 
 // Makes a seeded plug-in, released through destroy(). Checks `nParams` (must be 0) first, then the
 // number of streams and the index, and raises the generator's own identifiers.
-using Factory = IPluginRNG* (*)(std::size_t numStreams, std::size_t streamIndex, std::uint32_t seed,
-                                double const* params, std::size_t nParams);
+using Factory = IPluginRNG* (*)(std::uint64_t numStreams, std::uint64_t streamIndex,
+                                std::uint32_t seed, double const* params, std::uint64_t nParams);
 
 }  // namespace plugin_rng

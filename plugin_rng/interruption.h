@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <atomic>
 #include <cstddef>
+#include <cstdint>
 
 #include "host/export.h"
 
@@ -36,10 +37,11 @@ inline constexpr std::size_t kUninterrupted = 262'000;
 
 // Calls body(at, length) for the consecutive parts of [0, n), each of kUninterrupted but the last.
 template <class Body>
-void inInterruptibleParts(std::size_t n, Body&& body) {
-  for (std::size_t at = 0; at < n; at += kUninterrupted) {
+void inInterruptibleParts(std::uint64_t n, Body&& body) {
+  for (std::uint64_t at = 0; at < n; at += kUninterrupted) {
     if (at > 0) checkInterruption();
-    body(at, std::min(kUninterrupted, n - at));
+    body(static_cast<std::size_t>(at),
+         static_cast<std::size_t>(std::min<std::uint64_t>(kUninterrupted, n - at)));
   }
 }
 

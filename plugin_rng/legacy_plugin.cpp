@@ -54,7 +54,7 @@ void legacy_plugin::randu(double* out, std::size_t n) {
   }
 }
 
-void legacy_plugin::advance(std::size_t n) {
+void legacy_plugin::advance(std::uint64_t n) {
   switch (generators_.uniformSelector) {
     case kV4:
       generators_.v4UniformWord = tfl_rng::minimalStandardAhead(generators_.v4UniformWord, n);
@@ -93,8 +93,8 @@ void legacy_plugin::reset(std::uint32_t seed) {
   }
 }
 
-void legacy_plugin::getStateComponentTypes(std::size_t /*nComponents*/, txClassID* classes,
-                                           std::size_t* lengths) const {
+void legacy_plugin::getStateComponentTypes(std::uint64_t /*nComponents*/, txClassID* classes,
+                                           std::uint64_t* lengths) const {
   for (std::size_t i = 0; i < kComponents; ++i) {
     classes[i] = static_cast<txClassID>(kTypes[i].classID);
     lengths[i] = kTypes[i].length;

@@ -46,13 +46,13 @@ class legacy_plugin : public IPluginRNGRandn {
   void randu(double* out, std::size_t n) override;
   void randn(double* out, std::size_t n) override;
   // Moves the selected uniform generator.
-  void advance(std::size_t n);
+  void advance(std::uint64_t n);
   // Seeds the two selected generators. 0 stands for each one's default seed.
   void reset(std::uint32_t seed) override;
 
-  std::size_t getNumStateComponents() const override { return kComponents; }
-  void getStateComponentTypes(std::size_t nComponents, txClassID* classes,
-                              std::size_t* lengths) const override;
+  std::uint64_t getNumStateComponents() const override { return kComponents; }
+  void getStateComponentTypes(std::uint64_t nComponents, txClassID* classes,
+                              std::uint64_t* lengths) const override;
   void getStateComponents(void* const* buffers) const override;
   // Selectors are taken as they stand: every uniform one but 1 and 2 means the twister, every
   // normal one but 1 means V5. V4 words are repaired like seeds, V5 normal words taken as they are.

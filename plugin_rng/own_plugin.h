@@ -25,7 +25,7 @@ class IOwnPluginRNG {
   // caller owns it and releases it through destroy().
   virtual Views clone() const = 0;
   // Moves forward by n draws without making them.
-  virtual void jump(std::size_t n) = 0;
+  virtual void jump(std::uint64_t n) = 0;
 
  protected:
   ~IOwnPluginRNG() = default;
@@ -42,7 +42,7 @@ class Own final : public Plugin, public IOwnPluginRNG {
     auto* const copy = new Own(*this);
     return {copy, view<IPluginRNGRandn>(copy), view<IPluginRNGSubstreams>(copy), copy};
   }
-  void jump(std::size_t n) override { this->advance(n); }
+  void jump(std::uint64_t n) override { this->advance(n); }
 
  private:
   template <class Extension>

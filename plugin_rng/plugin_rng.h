@@ -44,14 +44,14 @@ class PluginRNG : public virtual IPluginRNG {
 
   void randu(double* out, std::size_t n) override { drawPart(*core, out, n, n); }
   void reset(std::uint32_t seed) override { core->reset(seed); }
-  std::size_t getNumStateComponents() const override { return 1; }
-  void getStateComponentTypes(std::size_t /*nComponents*/, txClassID* classes,
-                              std::size_t* lengths) const override {
+  std::uint64_t getNumStateComponents() const override { return 1; }
+  void getStateComponentTypes(std::uint64_t /*nComponents*/, txClassID* classes,
+                              std::uint64_t* lengths) const override {
     classes[0] = static_cast<txClassID>(stateClassID);
     lengths[0] = stateLen;
   }
   void setFullPrecision(bool on) override { core->setFullPrecision(on); }
-  void advance(std::size_t n) { core->advance(n); }
+  void advance(std::uint64_t n) { core->advance(n); }
   void destroy() override { delete this; }
 
  protected:

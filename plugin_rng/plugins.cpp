@@ -14,8 +14,8 @@ namespace {
 // checks because it knows the limits, and the index is held against the generator's limit only, not
 // against the number of streams asked for.
 template <class Plugin, class Core>
-IPluginRNG* make(std::size_t numStreams, std::size_t streamIndex, std::uint32_t seed,
-                 std::size_t nParams) {
+IPluginRNG* make(std::uint64_t numStreams, std::uint64_t streamIndex, std::uint32_t seed,
+                 std::uint64_t nParams) {
   using Errors = errors::GeneratorErrors<Core>;
   if (nParams != 0) errors::raise(typename Errors::InvalidParameter());
   if constexpr (std::is_base_of_v<IPluginRNGSubstreams, Plugin>) {
@@ -39,11 +39,11 @@ void OutOfRangeError() {
 
 #define TV_INSTANTIATE_Single(core)
 #define TV_INSTANTIATE_Substreams(core) template TV_EXPORT void OutOfRangeError<tfl_rng::core>();
-#define TFL_GENERATOR(name, core, otherSpelling, family, ...)                                      \
-  TV_INSTANTIATE_##family(core)                                                                    \
-      IPluginRNG* make_##name(std::size_t numStreams, std::size_t streamIndex, std::uint32_t seed, \
-                              double const* /*params*/, std::size_t nParams) {                     \
-    return make<core##_plugin, tfl_rng::core>(numStreams, streamIndex, seed, nParams);             \
+#define TFL_GENERATOR(name, core, otherSpelling, family, ...)                          \
+  TV_INSTANTIATE_##family(core) IPluginRNG* make_##name(                               \
+      std::uint64_t numStreams, std::uint64_t streamIndex, std::uint32_t seed,         \
+      double const* /*params*/, std::uint64_t nParams) {                               \
+    return make<core##_plugin, tfl_rng::core>(numStreams, streamIndex, seed, nParams); \
   }
 #include "tfl_rng/generators.def"
 #undef TFL_GENERATOR

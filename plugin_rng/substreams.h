@@ -57,17 +57,17 @@ class PluginRNGSubstreams : public PluginRNG<Core, id>, public IPluginRNGSubstre
     fill(out, n, kUniformSplit, [](double*, std::size_t) {});
   }
 
-  int checkNumStreams(std::size_t count) const override {
+  int checkNumStreams(std::uint64_t count) const override {
     return count <= numStreams && this->core->streamIndex() < numStreams ? tfl_rng::ok
                                                                          : tfl_rng::tooManyStreams;
   }
-  void setSubstream(std::size_t index) override {
+  void setSubstream(std::uint64_t index) override {
     const auto status = this->core->setSubstream(index);
     if (status == tfl_rng::indexOutOfRange) OutOfRangeError<Core>();
     if (status != tfl_rng::ok) cannotJump<Core>();
   }
-  std::size_t getSubstream() const override { return this->core->substream(); }
-  void advance(std::size_t n) override { move(*this->core, n); }
+  std::uint64_t getSubstream() const override { return this->core->substream(); }
+  void advance(std::uint64_t n) override { move(*this->core, n); }
   std::pair<std::uint64_t, std::uint64_t> getStreamLimits() const override {
     return {numStreams, log2StreamLen};
   }
@@ -94,7 +94,7 @@ class PluginRNGSubstreams : public PluginRNG<Core, id>, public IPluginRNGSubstre
   std::uint64_t log2SubstreamLen;
 
  private:
-  static void move(Core& generator, std::size_t n) {
+  static void move(Core& generator, std::uint64_t n) {
     if (generator.advance(n) != tfl_rng::ok) cannotJump<Core>();
   }
 };

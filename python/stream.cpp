@@ -37,7 +37,7 @@ struct StateLayout {
 };
 StateLayout stateLayout(randstream const& stream) {
   txClassID classID;
-  unsigned long length;
+  std::uint64_t length;
   stream.getStateComponentTypes(1, &classID, &length);
   char const* const type = classID == txClassUint32 ? "u4" : classID == txClassUint64 ? "u8" : "f8";
   return {py::dtype(type), length};

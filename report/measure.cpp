@@ -40,12 +40,14 @@ std::vector<Result> measureAll(Subject const& subject, Progress const& progress)
     }
   };
   {
+#ifndef TV_SERIAL
     std::vector<std::jthread> workers;
     try {
       for (unsigned i = 1; i < std::thread::hardware_concurrency(); ++i) workers.emplace_back(work);
     } catch (std::system_error const&) {
       // Fewer threads do the same work.
     }
+#endif
     work();
   }
   if (failure) std::rethrow_exception(failure);

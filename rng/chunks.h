@@ -6,6 +6,7 @@
 
 #include <algorithm>
 #include <cstddef>
+#include <cstdint>
 
 #include "plugin_rng/interruption.h"
 
@@ -15,13 +16,14 @@ inline constexpr std::size_t kLongChunk = 2000;  // even, so that pairs stay tog
 // Calls body(at, len) for the consecutive pieces of [0, n): len is `size`, at the end what remains.
 // A long draw may be ended between two of them.
 template <class Body>
-void forEachChunk(std::size_t n, std::size_t size, Body&& body) {
-  std::size_t look = plugin_rng::kUninterrupted;
-  for (std::size_t at = 0; at < n; at += size) {
+void forEachChunk(std::uint64_t n, std::size_t size, Body&& body) {
+  std::uint64_t look = plugin_rng::kUninterrupted;
+  for (std::uint64_t at = 0; at < n; at += size) {
     if (at >= look) [[unlikely]] {
       plugin_rng::checkInterruption();
       look += plugin_rng::kUninterrupted;
     }
-    body(at, std::min(size, n - at));
+    body(static_cast<std::size_t>(at),
+         static_cast<std::size_t>(std::min<std::uint64_t>(size, n - at)));
   }
 }

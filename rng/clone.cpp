@@ -13,15 +13,16 @@
 #include "rng/uniform_source.h"
 #include "rng/whole_draw.h"
 
-std::unique_ptr<randstream> remade(randstream const& original, unsigned long substream) {
+std::unique_ptr<randstream> remade(randstream const& original, std::uint64_t substream) {
   std::unique_ptr<randstream> copy(mrCreateRNGStream(original.generatorType(),
                                                      original.numStreams(), original.streamIndex(),
                                                      original.seed(), nullptr, 0));
   if (substream != 0) copy->setSubstream(substream);
   // One word a byte: room to spare, aligned for every state, and a length that no array can have
   // is refused by the allocation itself.
-  unsigned long const length = original.getStateBufLen();
-  auto const state = std::make_unique_for_overwrite<std::uint64_t[]>(length);
+  std::uint64_t const length = original.getStateBufLen();
+  auto const state =
+      std::make_unique_for_overwrite<std::uint64_t[]>(static_cast<std::size_t>(length));
   original.getStateBuf(state.get(), length);
   copy->setStateBuf(state.get(), length);
   copy->setAntithetic(original.antithetic());
@@ -49,7 +50,7 @@ std::unique_ptr<randstream> randstream::clone() const {
   return copy;
 }
 
-std::unique_ptr<randstream> randstream::atSubstream(unsigned long k) const {
+std::unique_ptr<randstream> randstream::atSubstream(std::uint64_t k) const {
   std::unique_ptr<randstream> item = clone();
   item->setSubstream(k);
   item->pendingNormalValid_ = false;

@@ -24,7 +24,7 @@ class DenseShuffle {
 
   // Returns a[target], then sets a[target] = a[last].
   std::uint64_t takeAndReplace(std::uint64_t target, std::uint64_t last) {
-    return std::exchange(a_[target], a_[last]);
+    return std::exchange(a_[static_cast<std::size_t>(target)], a_[static_cast<std::size_t>(last)]);
   }
 
  private:

@@ -6,17 +6,17 @@
 
 randstream* mrGetGlobalStream() { return acquireGlobalRandStream().get(); }
 
-void mrRandu(double* out, unsigned long n) { acquireGlobalRandStream()->randuFcn(out, n); }
+void mrRandu(double* out, std::uint64_t n) { acquireGlobalRandStream()->randuFcn(out, n); }
 
-void mrRandn(double* out, unsigned long n) { acquireGlobalRandStream()->randnFcn(out, n, false); }
+void mrRandn(double* out, std::uint64_t n) { acquireGlobalRandStream()->randnFcn(out, n, false); }
 
-void mrRandi(double* out, unsigned long n, double lo, double hi) {
+void mrRandi(double* out, std::uint64_t n, double lo, double hi) {
   acquireGlobalRandStream()->randiFcn(lo, hi, out, n);
 }
 
-void mrRandperm(double* out, unsigned long n) { acquireGlobalRandStream()->randpermFcn(out, n); }
+void mrRandperm(double* out, std::uint64_t n) { acquireGlobalRandStream()->randpermFcn(out, n); }
 
-void mrRandkperm(double* out, unsigned long k, double n) {
+void mrRandkperm(double* out, std::uint64_t k, double n) {
   acquireGlobalRandStream()->randkpermFcn(out, k, n);
 }
 

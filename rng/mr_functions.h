@@ -9,20 +9,20 @@ extern "C" {
 
 // Makes a stream of a generator by name (case ignored); the caller owns it. `streamIndex` counts
 // from 0; `nParams` must be 0. Errors: create:UnknownRNGType and those of the generator's factory.
-TV_EXPORT randstream* mrCreateRNGStream(char const* type, unsigned long numStreams,
-                                        unsigned long streamIndex, unsigned int seed,
-                                        unsigned long* params, unsigned long nParams);
+TV_EXPORT randstream* mrCreateRNGStream(char const* type, std::uint64_t numStreams,
+                                        std::uint64_t streamIndex, unsigned int seed,
+                                        std::uint64_t* params, std::uint64_t nParams);
 
 // The functions below work on the current VM's global stream, which they make on first use, and
 // share it for the length of the call.
 
 // The global stream, borrowed.
 TV_EXPORT randstream* mrGetGlobalStream();
-TV_EXPORT void mrRandu(double* out, unsigned long n);
-TV_EXPORT void mrRandn(double* out, unsigned long n);
-TV_EXPORT void mrRandi(double* out, unsigned long n, double lo, double hi);
-TV_EXPORT void mrRandperm(double* out, unsigned long n);
-TV_EXPORT void mrRandkperm(double* out, unsigned long k, double n);
+TV_EXPORT void mrRandu(double* out, std::uint64_t n);
+TV_EXPORT void mrRandn(double* out, std::uint64_t n);
+TV_EXPORT void mrRandi(double* out, std::uint64_t n, double lo, double hi);
+TV_EXPORT void mrRandperm(double* out, std::uint64_t n);
+TV_EXPORT void mrRandkperm(double* out, std::uint64_t k, double n);
 
 // The stream behind a host RandStream object, borrowed; the global stream for an empty array.
 // Errors: "TALVOR:RandStream:InvalidHandle".

@@ -89,7 +89,7 @@ double zigguratTail(UniformStore& store, std::size_t slot, double x) {
 
 // Marsaglia and Tsang (2000), 256 layers. Runs of candidates inside their layers are taken
 // in one go; the candidate that ends a run is decided here.
-void randstream::randnZiggurat(double* buffer, unsigned long n) {
+void randstream::randnZiggurat(double* buffer, std::size_t n) {
   using ziggurat::kF;
   UniformStore store(uniforms(), buffer, n);
   Rejections rejections;
@@ -124,7 +124,7 @@ void randstream::randnZiggurat(double* buffer, unsigned long n) {
 
 // Marsaglia's polar method. The uniforms stand in the buffer from the output slot on, two for each
 // pair still to produce.
-void randstream::randnPolar(double* buffer, unsigned long n) {
+void randstream::randnPolar(double* buffer, std::size_t n) {
   if (n == 0) return;
   std::size_t slot = 0;
   if (std::exchange(pendingNormalValid_, false)) buffer[slot++] = pendingNormal_;
@@ -157,15 +157,15 @@ void randstream::randnPolar(double* buffer, unsigned long n) {
   }
 }
 
-void randstream::randnInversion(double* buffer, unsigned long n) {
+void randstream::randnInversion(double* buffer, std::size_t n) {
   uniforms().randu(buffer, n);
   tfl_rng::normalQuantileInPlace(buffer, n);
 }
 
-void randstream::drawNativeNormals(double* out, std::size_t n) {
+void randstream::drawNativeNormals(double* out, std::uint64_t n) {
   counts_.normals += n;
   counts_.latest = drawsInThread += n;
-  normalView_->randn(out, n);
+  normalView_->randn(out, static_cast<std::size_t>(n));
 }
 
 namespace {
@@ -180,12 +180,12 @@ void deliver(double const* normals, T* out, std::size_t n, delivery::Change chan
 }  // namespace
 
 template <>
-void randstream::randnFcn(double* out, unsigned long n, bool halfVariance) {
+void randstream::randnFcn(double* out, std::uint64_t n, bool halfVariance) {
   const InUse inUse(*this);
   const delivery::Change change{antithetic_, halfVariance};
   if (nativeNormals_ && n <= plugin_rng::kUninterrupted) {
     drawNativeNormals(out, n);
-    return deliver(out, out, n, change);
+    return deliver(out, out, static_cast<std::size_t>(n), change);
   }
   const WholeDraw whole(*this, n);
   if (nativeNormals_) {
@@ -202,7 +202,7 @@ void randstream::randnFcn(double* out, unsigned long n, bool halfVariance) {
 }
 
 template <>
-void randstream::randnFcn(float* out, unsigned long n, bool halfVariance) {
+void randstream::randnFcn(float* out, std::uint64_t n, bool halfVariance) {
   const InUse inUse(*this);
   const WholeDraw whole(*this, n);
   double scratch[kLongChunk];

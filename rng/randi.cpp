@@ -34,7 +34,7 @@ double checkRandiLimits(double lo, double hi) {
 }
 
 template <class T>
-void randstream::randiFcn(double lo, double hi, T* out, unsigned long n) {
+void randstream::randiFcn(double lo, double hi, T* out, std::uint64_t n) {
   const InUse inUse(*this);
   // An antithetic stream mirrors the integer within the range, not the uniform.
   const delivery::Range range{lo, checkRandiLimits(lo, hi), antithetic_};
@@ -49,6 +49,6 @@ void randstream::randiFcn(double lo, double hi, T* out, unsigned long n) {
 }
 
 #define INSTANTIATE(T, classID) \
-  template TV_EXPORT void randstream::randiFcn<T>(double, double, T*, unsigned long);
+  template TV_EXPORT void randstream::randiFcn<T>(double, double, T*, std::uint64_t);
 RNG_INTEGER_ELEMENTS(INSTANTIATE)
 #undef INSTANTIATE

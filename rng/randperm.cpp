@@ -27,8 +27,8 @@ constexpr std::size_t kPrefetchFrom = std::size_t{1} << 19;
 // So few uniforms are ordered on the spot, which asks for no memory.
 constexpr std::size_t kFewValues = 32;
 
-std::size_t truncated(double product) {
-  return static_cast<std::size_t>(tfl_rng::toUint64(tfl_rng::truncateProduct(product)));
+std::uint64_t truncated(double product) {
+  return tfl_rng::toUint64(tfl_rng::truncateProduct(product));
 }
 
 // The inside-out shuffle (Durstenfeld 1964, in the form that builds the result). Draws n-1
@@ -93,11 +93,12 @@ void shuffleFromTop(UniformSource source, double* out, std::size_t k, double n, 
 
 void shuffleSparse(UniformSource source, double* out, std::size_t k, double n) {
   // Up to here the whole array takes no more than twice the memory of its sparse form.
-  constexpr std::size_t kDense = 16;
+  constexpr double kDense = 16;
   constexpr double kPositions = 0x1p32;
-  if (n <= static_cast<double>(kDense * k) && n <= kPositions) {
+  if (n <= kDense * static_cast<double>(k) && n <= kPositions) {
     // The entry that a fraction of n adds can be drawn too.
-    shuffleFromTop(source, out, k, n, DenseShuffle(truncated(std::ceil(n))));
+    shuffleFromTop(source, out, k, n,
+                   DenseShuffle(static_cast<std::size_t>(truncated(std::ceil(n)))));
   } else {
     shuffleFromTop(source, out, k, n, SparseShuffle(k));
   }
@@ -123,7 +124,7 @@ void selectSequentially(UniformSource source, double* out, std::size_t k, double
         p += (1 - p) * (toSelect / candidatesLeft);
       }
       ++selected;
-      const std::size_t j = truncated(static_cast<double>(selected) * uniforms[2 * i + 1]);
+      const std::uint64_t j = truncated(static_cast<double>(selected) * uniforms[2 * i + 1]);
       out[selected - 1] = out[j];
       out[j] = candidate;
       ++candidate;
@@ -135,9 +136,9 @@ void selectSequentially(UniformSource source, double* out, std::size_t k, double
 }  // namespace
 
 template <>
-void randstream::randpermFcn(double* out, unsigned long n) {
+void randstream::randpermFcn(double* out, std::uint64_t n) {
   const InUse inUse(*this);
-  if (n <= kFewValues) return orderFew(uniforms(), out, n);
+  if (n <= kFewValues) return orderFew(uniforms(), out, static_cast<std::size_t>(n));
   const std::uint64_t dims[] = {n, 1};
   const txArrayPtr values = txCreateUninitialized(dims, txClassDouble);
   const WholeDraw whole(*this, n);
@@ -151,14 +152,15 @@ void randstream::randpermFcn(double* out, unsigned long n) {
 }
 
 template <>
-void randstream::randkpermFcn(double* out, unsigned long k, double n) {
+void randstream::randkpermFcn(double* out, std::uint64_t length, double n) {
   const InUse inUse(*this);
   namespace keys = TALVOR::RandStream::randperm;
-  if (k == 0) return;
-  const auto count = static_cast<double>(k);
+  if (length == 0) return;
+  const auto count = static_cast<double>(length);
   if (n >= kLargestCount) errors::raise(keys::inputNTooLarge());
   if (count > n) errors::raise(keys::inputKTooLarge());
-  const WholeDraw whole(*this, k);
+  const WholeDraw whole(*this, length);
+  const auto k = static_cast<std::size_t>(length);
   if (count == n) return shuffleInsideOut(uniforms(), out, k);
   if (0.25 * n > count) return shuffleSparse(uniforms(), out, k, n);
   selectSequentially(uniforms(), out, k, n);

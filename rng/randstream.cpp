@@ -19,7 +19,7 @@
 namespace set = TALVOR::RandStream::set;
 
 randstream::randstream(char const* generatorType, unsigned int seed, plugin_rng::IPluginRNG* plugin,
-                       unsigned long numStreams, unsigned long streamIndex)
+                       std::uint64_t numStreams, std::uint64_t streamIndex)
     : seed_(seed),
       numStreams_(numStreams),
       streamIndex_(streamIndex),
@@ -75,7 +75,7 @@ void randstream::reset(unsigned int seed) {
   ++counts_.moves;
 }
 
-void randstream::setSubstream(unsigned long k) {
+void randstream::setSubstream(std::uint64_t k) {
   const InUse inUse(*this);
   if (substreamView_) {
     guarded([&] { substreamView_->setSubstream(k); });
@@ -85,12 +85,12 @@ void randstream::setSubstream(unsigned long k) {
   }
 }
 
-unsigned long randstream::getSubstream() const {
+std::uint64_t randstream::getSubstream() const {
   const InUse inUse(*this);
   return substreamView_ ? guarded([&] { return substreamView_->getSubstream(); }) : 0;
 }
 
-void randstream::advance(unsigned long n) {
+void randstream::advance(std::uint64_t n) {
   const InUse inUse(*this);
   guarded([&] {
     if (jumpView_ || ownView_) {

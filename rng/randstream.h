@@ -47,7 +47,7 @@ class TV_EXPORT randstream {
   // which arrives seeded. Normals start with the plug-in's own default method, else with
   // "Ziggurat". Errors: set:CantInitRandnAlg; the plug-in then stays with the caller.
   randstream(char const* generatorType, unsigned int seed, plugin_rng::IPluginRNG* plugin,
-             unsigned long numStreams, unsigned long streamIndex);
+             std::uint64_t numStreams, std::uint64_t streamIndex);
   ~randstream();
 
   // Streams live in host memory, so that host code may release them.
@@ -64,7 +64,7 @@ class TV_EXPORT randstream {
   std::unique_ptr<randstream> clone() const;
   // The same at the start of substream k, from which it goes on without a pending Polar value.
   // Errors: those of clone and of setSubstream.
-  std::unique_ptr<randstream> atSubstream(unsigned long k) const;
+  std::unique_ptr<randstream> atSubstream(std::uint64_t k) const;
   // Back to where this stream was cloned as `earlier`. What it drew since counts as not drawn.
   void rewind(std::unique_ptr<randstream> earlier) noexcept;
 
@@ -80,11 +80,11 @@ class TV_EXPORT randstream {
   void reset(unsigned int seed);
   // Moves to substream k (from 0). Without substreams only 0 is accepted, as a no-op; else
   // set:SubstreamsNotSupported.
-  void setSubstream(unsigned long k);
-  unsigned long getSubstream() const;
+  void setSubstream(std::uint64_t k);
+  std::uint64_t getSubstream() const;
   // Leaves the generator where n draws would. The generators of this library jump, in milliseconds
   // at most; a plug-in from elsewhere that has no substreams draws and discards.
-  void advance(unsigned long n);
+  void advance(std::uint64_t n);
   void setFullPrecision(bool on);
   // Chooses the method for normals, ignoring case: one that the generator brings itself, else
   // ziggurat, polar or inversion. Errors: set:UnknownRandnAlg, and nothing changes.
@@ -99,8 +99,8 @@ class TV_EXPORT randstream {
   bool pendingNormal() const noexcept { return pendingNormalValid_; }
   // Whether the generator has substreams.
   bool hasSubstreams() const noexcept { return substreamView_ != nullptr; }
-  unsigned long numStreams() const noexcept { return numStreams_; }
-  unsigned long streamIndex() const noexcept { return streamIndex_; }  // from 0
+  std::uint64_t numStreams() const noexcept { return numStreams_; }
+  std::uint64_t streamIndex() const noexcept { return streamIndex_; }  // from 0
   bool antithetic() const noexcept { return antithetic_; }
   void setAntithetic(bool on) noexcept { antithetic_ = on; }
   bool fullPrecision() const noexcept { return fullPrecision_; }
@@ -108,47 +108,47 @@ class TV_EXPORT randstream {
   // Generator state: typed components, or one flat buffer of their bytes back to back in native
   // byte order. Modes, seed, normal method and a pending Polar value are not part of it.
 
-  unsigned long getNumStateComponents() const;
+  std::uint64_t getNumStateComponents() const;
   // Class and element count of each component. Errors: get:InvalidNumStateComponents.
-  void getStateComponentTypes(unsigned long count, txClassID* classes,
-                              unsigned long* lengths) const;
+  void getStateComponentTypes(std::uint64_t count, txClassID* classes,
+                              std::uint64_t* lengths) const;
   // Copies component i to dest[i]. Errors: get:InvalidNumStateComponents.
-  void getStateComponents(unsigned long count, void* const* dest) const;
+  void getStateComponents(std::uint64_t count, void* const* dest) const;
   // Loads all components, or none; the method for normals of a legacy stream is the one that its
   // state selects. Errors: set:InvalidNumStateComponents and the generator's InvalidState.
-  void setStateComponents(unsigned long count, void const* const* src);
-  unsigned long getStateBufLen() const;  // in bytes
+  void setStateComponents(std::uint64_t count, void const* const* src);
+  std::uint64_t getStateBufLen() const;  // in bytes
   // Errors: get:InvalidStateBufLen.
-  void getStateBuf(void* buf, unsigned long len) const;
+  void getStateBuf(void* buf, std::uint64_t len) const;
   // Errors: set:InvalidStateBufLen and the generator's InvalidState.
-  void setStateBuf(void const* buf, unsigned long len);
+  void setStateBuf(void const* buf, std::uint64_t len);
 
   // Sampling. No guard: a plug-in's error propagates, values already written stay written. A long
   // draw that is ended from outside (plugin_rng/interruption.h) leaves the stream where it was.
 
   // n uniforms in (0,1), T double or float; an antithetic stream delivers 1-u. Draws n uniforms.
   template <class T>
-  void randuFcn(T* out, unsigned long n);
+  void randuFcn(T* out, std::uint64_t n);
   // n standard normals, T double or float, each divided by sqrt(2) when `halfVariance` (the parts
   // of a complex normal). An antithetic stream delivers -z. Draws from the generator's own normals,
   // or uniforms: Inversion n; Polar one pair for each pair of normals and each rejected candidate,
   // one value kept for the next call after an odd count; Ziggurat at least 2n.
   template <class T>
-  void randnFcn(T* out, unsigned long n, bool halfVariance);
+  void randnFcn(T* out, std::uint64_t n, bool halfVariance);
   // n integers of [lo, hi], stored in T by saturation; T double, float, bool or an integer type of
   // up to 32 bits. Draws n uniforms. Errors, also for n = 0: those of checkRandiLimits.
   template <class T>
-  void randiFcn(double lo, double hi, T* out, unsigned long n);
+  void randiFcn(double lo, double hi, T* out, std::uint64_t n);
   // A permutation of 1..n: the order of n uniforms. Draws n uniforms, also when the host's sort
   // then fails for lack of memory.
   template <class T>
-  void randpermFcn(T* out, unsigned long n);
+  void randpermFcn(T* out, std::uint64_t n);
   // k distinct values of 1..n in random order; T double. Draws n-1 uniforms for k = n, k for
   // k < n/4, else 2k. Callers refuse an n that is no count: here a fraction is not looked for (its
   // selections may repeat and reach the integer above n), and a negative n is less than k.
   // Errors, none for k = 0: randperm:inputNTooLarge, randperm:inputKTooLarge.
   template <class T>
-  void randkpermFcn(T* out, unsigned long k, double n);
+  void randkpermFcn(T* out, std::uint64_t k, double n);
 
  private:
   class InUse;
@@ -157,13 +157,13 @@ class TV_EXPORT randstream {
   randstream(randstream const&) = default;
   randstream& operator=(randstream const&) = default;
 
-  using NormalGenerator = void (randstream::*)(double* buffer, unsigned long n);
+  using NormalGenerator = void (randstream::*)(double* buffer, std::size_t n);
 
   // Each writes n normals to the front of `buffer`, which also stores their uniforms and must hold
   // 2n values for Ziggurat, n+1 for Polar and n for Inversion.
-  void randnZiggurat(double* buffer, unsigned long n);
-  void randnPolar(double* buffer, unsigned long n);
-  void randnInversion(double* buffer, unsigned long n);
+  void randnZiggurat(double* buffer, std::size_t n);
+  void randnPolar(double* buffer, std::size_t n);
+  void randnInversion(double* buffer, std::size_t n);
 
   // The plug-in, inside the guard of a control operation: a stream without one fails there.
   TV_LOCAL plugin_rng::IPluginRNG& requiredPlugin() const;
@@ -171,8 +171,8 @@ class TV_EXPORT randstream {
   // Sampling reaches the generator through these two, which count.
   TV_LOCAL UniformSource uniforms() noexcept;
   TV_LOCAL std::size_t chunk() const noexcept;  // of rng/chunks.h, for this stream's generator
-  TV_LOCAL void drawNativeNormals(double* out, std::size_t n);
-  TV_LOCAL void randuLongOrMirrored(double* out, unsigned long n);
+  TV_LOCAL void drawNativeNormals(double* out, std::uint64_t n);
+  TV_LOCAL void randuLongOrMirrored(double* out, std::uint64_t n);
 
   // Becomes `other`, a stream of the same generator, but for the spelling of the name and the
   // counts.
@@ -202,17 +202,17 @@ class TV_EXPORT randstream {
 };
 
 template <>
-TV_EXPORT void randstream::randuFcn(double* out, unsigned long n);
+TV_EXPORT void randstream::randuFcn(double* out, std::uint64_t n);
 template <>
-TV_EXPORT void randstream::randuFcn(float* out, unsigned long n);
+TV_EXPORT void randstream::randuFcn(float* out, std::uint64_t n);
 template <>
-TV_EXPORT void randstream::randnFcn(double* out, unsigned long n, bool halfVariance);
+TV_EXPORT void randstream::randnFcn(double* out, std::uint64_t n, bool halfVariance);
 template <>
-TV_EXPORT void randstream::randnFcn(float* out, unsigned long n, bool halfVariance);
+TV_EXPORT void randstream::randnFcn(float* out, std::uint64_t n, bool halfVariance);
 template <>
-TV_EXPORT void randstream::randpermFcn(double* out, unsigned long n);
+TV_EXPORT void randstream::randpermFcn(double* out, std::uint64_t n);
 template <>
-TV_EXPORT void randstream::randkpermFcn(double* out, unsigned long k, double n);
+TV_EXPORT void randstream::randkpermFcn(double* out, std::uint64_t k, double n);
 
 // Checks the limits of randi and returns the number of values hi - lo + 1.
 // Errors: randi:invalidLimits (not whole, lo > hi, NaN), randi:LimitsTooLarge (2^53 and beyond),

@@ -21,13 +21,13 @@ constexpr int kFirstHostClass = txClassDouble;
 
 }  // namespace
 
-unsigned long randstream::getNumStateComponents() const {
+std::uint64_t randstream::getNumStateComponents() const {
   const InUse inUse(*this);
   return guarded([&] { return requiredPlugin().getNumStateComponents(); });
 }
 
-void randstream::getStateComponentTypes(unsigned long count, txClassID* classes,
-                                        unsigned long* lengths) const {
+void randstream::getStateComponentTypes(std::uint64_t count, txClassID* classes,
+                                        std::uint64_t* lengths) const {
   const InUse inUse(*this);
   if (count != getNumStateComponents())
     errors::raise(get::InvalidNumStateComponents(generatorType()));
@@ -37,14 +37,14 @@ void randstream::getStateComponentTypes(unsigned long count, txClassID* classes,
     classes[i] = static_cast<txClassID>(classes[i] + kFirstHostClass);
 }
 
-void randstream::getStateComponents(unsigned long count, void* const* dest) const {
+void randstream::getStateComponents(std::uint64_t count, void* const* dest) const {
   const InUse inUse(*this);
   if (count != getNumStateComponents())
     errors::raise(get::InvalidNumStateComponents(generatorType()));
   guarded([&] { plugin_->getStateComponents(dest); });
 }
 
-void randstream::setStateComponents(unsigned long count, void const* const* src) {
+void randstream::setStateComponents(std::uint64_t count, void const* const* src) {
   const InUse inUse(*this);
   if (count != getNumStateComponents())
     errors::raise(set::InvalidNumStateComponents(generatorType()));
@@ -56,12 +56,12 @@ void randstream::setStateComponents(unsigned long count, void const* const* src)
     utStrncpy(randnAlg_, normalView_->getDefaultRandnAlg(), kNameSize - 1);
 }
 
-unsigned long randstream::getStateBufLen() const {
+std::uint64_t randstream::getStateBufLen() const {
   const InUse inUse(*this);
   return StateComponents(*this).flatSize();
 }
 
-void randstream::getStateBuf(void* buf, unsigned long len) const {
+void randstream::getStateBuf(void* buf, std::uint64_t len) const {
   const InUse inUse(*this);
   if (len != getStateBufLen()) errors::raise(get::InvalidStateBufLen());
   StateComponents components(*this);
@@ -70,7 +70,7 @@ void randstream::getStateBuf(void* buf, unsigned long len) const {
   components.copyTo(buf);
 }
 
-void randstream::setStateBuf(void const* buf, unsigned long len) {
+void randstream::setStateBuf(void const* buf, std::uint64_t len) {
   const InUse inUse(*this);
   if (len != getStateBufLen()) errors::raise(set::InvalidStateBufLen());
   StateComponents components(*this);

@@ -29,21 +29,21 @@ class StateComponents {
  public:
   // Classes and lengths; the elements are undefined until they are fetched or written.
   explicit StateComponents(randstream const& stream)
-      : count_(stream.getNumStateComponents()),
+      : count_(static_cast<std::size_t>(stream.getNumStateComponents())),
         classes_(txMakeBuffer<txClassID>(count_)),
-        lengths_(txMakeBuffer<unsigned long>(count_)) {
+        lengths_(txMakeBuffer<std::uint64_t>(count_)) {
     // No components are no error, and are asked for nothing.
     if (count_ != 0) stream.getStateComponentTypes(count_, classes_.get(), lengths_.get());
   }
 
-  unsigned long count() const { return count_; }
+  std::size_t count() const { return count_; }
   StateClass const& elementClass(std::size_t i) const {
     static constexpr StateClass kNone = {txClassUnknown, "", 1};
     auto const* const row = std::ranges::find(kStateClasses, classes_[i], &StateClass::classID);
     return row == std::end(kStateClasses) ? kNone : *row;
   }
-  unsigned long length(std::size_t i) const {
-    return elementClass(i).classID == txClassUnknown ? 0 : lengths_[i];
+  std::size_t length(std::size_t i) const {
+    return elementClass(i).classID == txClassUnknown ? 0 : static_cast<std::size_t>(lengths_[i]);
   }
   std::size_t bytes(std::size_t i) const { return elementClass(i).bytes * length(i); }
   std::size_t flatSize() const {
@@ -84,9 +84,9 @@ class StateComponents {
  private:
   static constexpr std::size_t kAlignment = 8;
 
-  unsigned long count_;
+  std::size_t count_;
   txBuffer<txClassID> classes_;
-  txBuffer<unsigned long> lengths_;
+  txBuffer<std::uint64_t> lengths_;
   txBuffer<std::byte> storage_;
   txBuffer<void*> pieces_;
 };

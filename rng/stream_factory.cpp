@@ -17,8 +17,8 @@ constexpr plugin_rng::Factory kFactories[] = {
 
 }  // namespace
 
-randstream* mrCreateRNGStream(char const* type, unsigned long numStreams, unsigned long streamIndex,
-                              unsigned int seed, unsigned long* params, unsigned long nParams) {
+randstream* mrCreateRNGStream(char const* type, std::uint64_t numStreams, std::uint64_t streamIndex,
+                              unsigned int seed, std::uint64_t* params, std::uint64_t nParams) {
   if (!type) type = "";
   tfl_rng::Generator const* const generator = rng::generatorNamed(type);
   if (!generator) {

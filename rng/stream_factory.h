@@ -14,8 +14,8 @@ using PluginOwner = std::unique_ptr<plugin_rng::IPluginRNG, PluginDestroyer>;
 
 // Wraps a plug-in in a new stream; on failure the plug-in is destroyed and nothing remains.
 inline std::unique_ptr<randstream> makeStream(char const* type, unsigned int seed,
-                                              PluginOwner plugin, unsigned long numStreams,
-                                              unsigned long streamIndex) {
+                                              PluginOwner plugin, std::uint64_t numStreams,
+                                              std::uint64_t streamIndex) {
   auto stream = std::make_unique<randstream>(type, seed, plugin.get(), numStreams, streamIndex);
   (void)plugin.release();
   return stream;
@@ -24,4 +24,4 @@ inline std::unique_ptr<randstream> makeStream(char const* type, unsigned int see
 // A stream of the same generator, made by its factory at `substream`, with the state and the
 // settings of `original`: no pending Polar value comes along. Errors: those of the factory and of
 // the state.
-std::unique_ptr<randstream> remade(randstream const& original, unsigned long substream = 0);
+std::unique_ptr<randstream> remade(randstream const& original, std::uint64_t substream = 0);

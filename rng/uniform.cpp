@@ -9,13 +9,13 @@
 
 // The shortest draws of all pay for nothing that the others need.
 template <>
-void randstream::randuFcn(double* out, unsigned long n) {
+void randstream::randuFcn(double* out, std::uint64_t n) {
   const InUse inUse(*this);
   if (!antithetic_ && n <= plugin_rng::kUninterrupted) return uniforms().randu(out, n);
   randuLongOrMirrored(out, n);
 }
 
-void randstream::randuLongOrMirrored(double* out, unsigned long n) {
+void randstream::randuLongOrMirrored(double* out, std::uint64_t n) {
   const WholeDraw whole(*this, n);
   if (!antithetic_) return uniforms().randu(out, n);
   forEachChunk(n, chunk(), [&](std::size_t at, std::size_t len) {
@@ -25,7 +25,7 @@ void randstream::randuLongOrMirrored(double* out, unsigned long n) {
 }
 
 template <>
-void randstream::randuFcn(float* out, unsigned long n) {
+void randstream::randuFcn(float* out, std::uint64_t n) {
   const InUse inUse(*this);
   const WholeDraw whole(*this, n);
   double drawn[kLongChunk];

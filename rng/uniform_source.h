@@ -18,10 +18,10 @@ class UniformSource {
       : plugin_(plugin), counts_(counts) {}
 
   // Counted first: a generator that fails may have moved.
-  void randu(double* out, std::size_t n) const {
+  void randu(double* out, std::uint64_t n) const {
     counts_.uniforms += n;
     counts_.latest = drawsInThread += n;
-    plugin_.randu(out, n);
+    plugin_.randu(out, static_cast<std::size_t>(n));
   }
 
  private:

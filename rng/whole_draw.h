@@ -11,7 +11,7 @@
 class TV_LOCAL randstream::WholeDraw {
  public:
   // Short draws, of at most plugin_rng::kUninterrupted values, are never ended.
-  WholeDraw(randstream& stream, unsigned long n) {
+  WholeDraw(randstream& stream, std::uint64_t n) {
     if (n > plugin_rng::kUninterrupted) [[unlikely]]
       begin(stream);
   }

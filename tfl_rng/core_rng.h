@@ -61,29 +61,29 @@ class TFL_EXPORT CoreStreamRNG : public CoreRNG {
  public:
   // Moves forward by n draws; afterwards the core stands where n draws would have left it.
   // On a status other than ok nothing has moved. The reported substream stays.
-  virtual errorID advance(std::size_t n) = 0;
+  virtual errorID advance(std::uint64_t n) = 0;
   // Moves to the start of substream `index` (from 0) of this stream. indexOutOfRange: nothing
   // moved.
-  virtual errorID setSubstream(std::size_t index) = 0;
+  virtual errorID setSubstream(std::uint64_t index) = 0;
 
   virtual std::uint64_t getNumStreams() const = 0;
   virtual std::uint64_t getNumSubstreams() const = 0;
   virtual std::uint64_t getLog2StreamLen() const = 0;
   virtual std::uint64_t getLog2SubstreamLen() const = 0;
 
-  std::size_t streamIndex() const noexcept { return streamIndex_; }
+  std::uint64_t streamIndex() const noexcept { return streamIndex_; }
   // The index given to the last setSubstream, 0 after construction and reset.
-  std::size_t substream() const noexcept { return substream_; }
+  std::uint64_t substream() const noexcept { return substream_; }
 
  protected:
-  CoreStreamRNG(std::size_t streamIndex, bool fullPrecision) noexcept
+  CoreStreamRNG(std::uint64_t streamIndex, bool fullPrecision) noexcept
       : CoreRNG(fullPrecision), streamIndex_(streamIndex) {}
 
-  void noteSubstream(std::size_t index) noexcept { substream_ = index; }
+  void noteSubstream(std::uint64_t index) noexcept { substream_ = index; }
 
  private:
-  std::size_t streamIndex_;
-  std::size_t substream_ = 0;
+  std::uint64_t streamIndex_;
+  std::uint64_t substream_ = 0;
 };
 
 }  // namespace tfl_rng

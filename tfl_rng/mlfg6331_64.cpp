@@ -41,7 +41,7 @@ struct Powers {
 };
 
 // The canonical table of a seed and a stream; see the header.
-Table canonicalTable(std::uint32_t seed, std::size_t streamIndex) noexcept {
+Table canonicalTable(std::uint32_t seed, std::uint64_t streamIndex) noexcept {
   constexpr std::uint64_t kOdd = 0x9E3779B97F4A7C15;  // scatters neighbouring indices
   constexpr std::uint64_t kSeedBits = 0x1FFFFFFFE;    // bits 1 to 32
   SplitMix64 source(mix64(mix64(streamIndex) + seed));
@@ -59,7 +59,7 @@ Table canonicalTable(std::uint32_t seed, std::size_t streamIndex) noexcept {
 
 }  // namespace
 
-mlfg6331_64::mlfg6331_64(std::uint32_t seed, std::size_t streamIndex, bool fullPrecision)
+mlfg6331_64::mlfg6331_64(std::uint32_t seed, std::uint64_t streamIndex, bool fullPrecision)
     : CoreStreamRNG(streamIndex, fullPrecision) {
   reset(seed);
 }
@@ -93,15 +93,17 @@ void mlfg6331_64::reset(std::uint32_t seed) {
 
 mlfg6331_64::State mlfg6331_64::state() const noexcept {
   State state{{}, position_, start_};
+  const auto position = static_cast<std::size_t>(position_);
   for (std::size_t i = 0; i < kLag; ++i) {
-    state.ring[(position_ + i) % kLag] = words_[(oldest_ + i) % kLag];
+    state.ring[(position + i) % kLag] = words_[(oldest_ + i) % kLag];
   }
   return state;
 }
 
 void mlfg6331_64::setState(State const& state) noexcept {
   words_ = state.ring;
-  oldest_ = position_ = state.position;
+  position_ = state.position;
+  oldest_ = static_cast<std::size_t>(state.position);
   start_ = state.start;
 }
 
@@ -129,7 +131,7 @@ bool mlfg6331_64::load(StateWord const* words) noexcept {
   return true;
 }
 
-Table& mlfg6331_64::inOrder(std::size_t n) noexcept {
+Table& mlfg6331_64::inOrder(std::uint64_t n) noexcept {
   if (oldest_ != 0) {
     Table ordered;
     std::ranges::rotate_copy(words_, words_.begin() + oldest_, ordered.begin());
@@ -155,9 +157,9 @@ void mlfg6331_64::randuStreaming(double* out, std::size_t n) {
   mlfg6331::runStreaming(inOrder(n), out, n);
 }
 
-errorID mlfg6331_64::advance(std::size_t n) {
+errorID mlfg6331_64::advance(std::uint64_t n) {
   if (n <= kMostSteps) {
-    mlfg6331::run(inOrder(n), nullptr, n);
+    mlfg6331::run(inOrder(n), nullptr, static_cast<std::size_t>(n));
     return ok;
   }
   Table jumped = inOrder(0);
@@ -166,12 +168,13 @@ errorID mlfg6331_64::advance(std::size_t n) {
   return ok;
 }
 
-errorID mlfg6331_64::setSubstream(std::size_t index) {
+errorID mlfg6331_64::setSubstream(std::uint64_t index) {
   if (index >= kNumSubstreams) return indexOutOfRange;
   Table table = start_;
   if (index != 0 && !jump(table, index, kLog2SubstreamLen)) return cannotComputeState;
   words_ = table;
-  oldest_ = position_ = 0;
+  oldest_ = 0;
+  position_ = 0;
   noteSubstream(index);
   return ok;
 }

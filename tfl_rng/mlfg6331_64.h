@@ -60,7 +60,7 @@ class TFL_EXPORT mlfg6331_64 final : public CoreStreamRNG {
   static constexpr std::uint64_t kLog2StreamLen = 124;
   static constexpr std::uint64_t kLog2SubstreamLen = 72;
 
-  mlfg6331_64(std::uint32_t seed, std::size_t streamIndex, bool fullPrecision);
+  mlfg6331_64(std::uint32_t seed, std::uint64_t streamIndex, bool fullPrecision);
 
   // Moves `table`, oldest word first, by count * 2^log2Steps steps, log2Steps at most 72. False,
   // with nothing moved, when a word is even: such a table is no product of powers.
@@ -71,8 +71,8 @@ class TFL_EXPORT mlfg6331_64 final : public CoreStreamRNG {
   // The same past the caches, for results that these will not hold.
   void randuStreaming(double* out, std::size_t n);
   // Both: cannotComputeState when the state has an even word.
-  errorID advance(std::size_t n) override;
-  errorID setSubstream(std::size_t index) override;
+  errorID advance(std::uint64_t n) override;
+  errorID setSubstream(std::uint64_t index) override;
 
   std::uint64_t getNumStreams() const override { return kNumStreams; }
   std::uint64_t getNumSubstreams() const override { return kNumSubstreams; }
@@ -93,7 +93,7 @@ class TFL_EXPORT mlfg6331_64 final : public CoreStreamRNG {
 
  private:
   // The last 63 words, oldest first, to be moved by n steps.
-  Table& inOrder(std::size_t n) noexcept;
+  Table& inOrder(std::uint64_t n) noexcept;
 
   // The words of the state's ring, which large requests turn until the oldest one is the first.
   Table words_;

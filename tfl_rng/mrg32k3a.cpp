@@ -49,7 +49,7 @@ bool areWords(std::uint32_t const* words) noexcept {
 
 }  // namespace
 
-mrg32k3a::mrg32k3a(std::uint32_t seed, std::size_t streamIndex, bool fullPrecision)
+mrg32k3a::mrg32k3a(std::uint32_t seed, std::uint64_t streamIndex, bool fullPrecision)
     : CoreStreamRNG(streamIndex, fullPrecision) {
   reset(seed);
 }
@@ -90,12 +90,12 @@ void mrg32k3a::randu(double* out, std::size_t n) {
   }
 }
 
-errorID mrg32k3a::advance(std::size_t n) {
+errorID mrg32k3a::advance(std::uint64_t n) {
   state_.current = ahead(state_.current, n, fullPrecision() ? 1 : 0);
   return ok;
 }
 
-errorID mrg32k3a::setSubstream(std::size_t index) {
+errorID mrg32k3a::setSubstream(std::uint64_t index) {
   if (index >= kNumSubstreams) return indexOutOfRange;
   state_.current = ahead(state_.start, index, kLog2SubstreamLen);
   noteSubstream(index);

@@ -50,15 +50,15 @@ class TFL_EXPORT mrg32k3a final : public CoreStreamRNG {
   static constexpr std::uint64_t kLog2StreamLen = 127;
   static constexpr std::uint64_t kLog2SubstreamLen = 76;
 
-  mrg32k3a(std::uint32_t seed, std::size_t streamIndex, bool fullPrecision);
+  mrg32k3a(std::uint32_t seed, std::uint64_t streamIndex, bool fullPrecision);
 
   // `words` after count * 2^log2Steps steps, log2Steps at most 127.
   static Words ahead(Words words, std::uint64_t count, unsigned log2Steps) noexcept;
 
   void reset(std::uint32_t seed) override;
   void randu(double* out, std::size_t n) override;
-  errorID advance(std::size_t n) override;
-  errorID setSubstream(std::size_t index) override;
+  errorID advance(std::uint64_t n) override;
+  errorID setSubstream(std::uint64_t index) override;
 
   std::uint64_t getNumStreams() const override { return kNumStreams; }
   std::uint64_t getNumSubstreams() const override { return kNumSubstreams; }

@@ -22,14 +22,14 @@ std::uint64_t join(std::uint32_t low, std::uint32_t high) noexcept {
 }
 
 // 1 + (sum mod 2^64 - 1); the sum itself may need 65 bits.
-std::uint64_t keyOf(std::uint32_t seed, std::size_t streamIndex) noexcept {
+std::uint64_t keyOf(std::uint32_t seed, std::uint64_t streamIndex) noexcept {
   const uint128 sum = uint128{streamIndex} + mix64(seed);
   return 1 + low64(sum % ~std::uint64_t{0});
 }
 
 }  // namespace
 
-philox4x32::philox4x32(std::uint32_t seed, std::size_t streamIndex, bool fullPrecision)
+philox4x32::philox4x32(std::uint32_t seed, std::uint64_t streamIndex, bool fullPrecision)
     : CoreStreamRNG(streamIndex, fullPrecision) {
   reset(seed);
 }
@@ -57,19 +57,19 @@ void philox4x32::randu(double* out, std::size_t n) {
   advance(n);
 }
 
-void philox4x32::move(std::size_t n) noexcept {
+void philox4x32::move(std::uint64_t n) noexcept {
   const uint128 draws = uint128{n} + position_;
   counter_ += draws / kDraws;
   position_ = static_cast<std::uint32_t>(draws % kDraws);
 }
 
-errorID philox4x32::advance(std::size_t n) {
+errorID philox4x32::advance(std::uint64_t n) {
   move(n);
   ahead_.forget();
   return ok;
 }
 
-errorID philox4x32::setSubstream(std::size_t index) {
+errorID philox4x32::setSubstream(std::uint64_t index) {
   if (index >= kNumSubstreams) return indexOutOfRange;
   counter_ = (uint128{index} << kLog2SubstreamLen) / kDraws;
   position_ = 0;

@@ -137,7 +137,7 @@ errorID swb2712::advance(std::uint64_t n) {
   const bool near = n < kDraws;
   double unread[256];
   for (std::uint64_t left = near ? n : kDrawnAlways; left > 0;) {
-    const std::size_t some = std::min<std::uint64_t>(left, std::size(unread));
+    const auto some = static_cast<std::size_t>(std::min<std::uint64_t>(left, std::size(unread)));
     randu(unread, some);
     left -= some;
   }

@@ -16,7 +16,7 @@ using threefry::plus;
 
 }  // namespace
 
-threefry4x64::threefry4x64(std::uint32_t seed, std::size_t streamIndex, bool fullPrecision)
+threefry4x64::threefry4x64(std::uint32_t seed, std::uint64_t streamIndex, bool fullPrecision)
     : CoreStreamRNG(streamIndex, fullPrecision) {
   reset(seed);
 }
@@ -44,19 +44,19 @@ void threefry4x64::randu(double* out, std::size_t n) {
   advance(n);
 }
 
-void threefry4x64::move(std::size_t n) noexcept {
+void threefry4x64::move(std::uint64_t n) noexcept {
   const uint128 draws = uint128{n} + state_.position;
   state_.counter = plus(state_.counter, low64(draws / kDraws));
   state_.position = static_cast<std::uint32_t>(draws % kDraws);
 }
 
-errorID threefry4x64::advance(std::size_t n) {
+errorID threefry4x64::advance(std::uint64_t n) {
   move(n);
   ahead_.forget();
   return ok;
 }
 
-errorID threefry4x64::setSubstream(std::size_t index) {
+errorID threefry4x64::setSubstream(std::uint64_t index) {
   if (index >= kNumSubstreams) return indexOutOfRange;
   const uint128 first = (uint128{index} << kLog2SubstreamLen) / kDraws;
   state_.counter = {low64(first), high64(first), 0, 0};

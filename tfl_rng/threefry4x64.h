@@ -39,15 +39,15 @@ class TFL_EXPORT threefry4x64 final : public CoreStreamRNG {
   static constexpr std::uint64_t kLog2StreamLen = 128;
   static constexpr std::uint64_t kLog2SubstreamLen = 64;
 
-  threefry4x64(std::uint32_t seed, std::size_t streamIndex, bool fullPrecision);
+  threefry4x64(std::uint32_t seed, std::uint64_t streamIndex, bool fullPrecision);
 
   // The published function of counter and key.
   static Block encrypt(Block counter, Block const& key) noexcept;
 
   void reset(std::uint32_t seed) override;
   void randu(double* out, std::size_t n) override;
-  errorID advance(std::size_t n) override;
-  errorID setSubstream(std::size_t index) override;
+  errorID advance(std::uint64_t n) override;
+  errorID setSubstream(std::uint64_t index) override;
 
   std::uint64_t getNumStreams() const override { return kNumStreams; }
   std::uint64_t getNumSubstreams() const override { return kNumSubstreams; }
@@ -67,7 +67,7 @@ class TFL_EXPORT threefry4x64 final : public CoreStreamRNG {
   [[nodiscard]] bool load(StateWord const* words) noexcept;
 
  private:
-  void move(std::size_t n) noexcept;
+  void move(std::uint64_t n) noexcept;
 
   State state_{};
   DrawsAhead<threefry::kDraws> ahead_;

@@ -20,14 +20,15 @@ LAYERS = {
     "vmstate": "tfl_rng host errors plugin_rng rng",
     "builtins": "tfl_rng host errors plugin_rng rng vmstate",
     "embedded_host": "host",
-    "language": "host embedded_host",
+    # Of tfl_rng the integers of 128 bits.
+    "language": "tfl_rng host embedded_host",
     # The one place where the library and the embedded host meet.
     "runtime": "tfl_rng host errors plugin_rng rng vmstate builtins embedded_host language",
     # Tests of samples, for the battery and for reports; knows no generator.
     "statistics": "",
     "cpp": "tfl_rng host rng",
     "c": "tfl_rng host rng cpp",
-    "golden": "tfl_rng host rng embedded_host language runtime",
+    "golden": "tfl_rng host plugin_rng rng embedded_host language runtime",
     "report": "tfl_rng host rng embedded_host runtime statistics golden",
     "shell": "tfl_rng host rng embedded_host language statistics runtime golden report",
     "python": "tfl_rng host rng vmstate",
@@ -49,11 +50,11 @@ THIRD_PARTY = {
     "histedit.h": "shell",
     "hwy/": "tfl_rng rng embedded_host golden benchmarks tests",
     "numpy/": "python",
-    "oneapi/": "plugin_rng/parallel_fill.h golden tests",
+    "oneapi/": "plugin_rng/parallel.h tests",
     "pybind11/": "python",
     # The C++ and C interfaces, as installed.
     "tvmathrng/": "cpp c examples benchmarks tests",
-    "tbb/": "plugin_rng/parallel_fill.h golden benchmarks tests",
+    "tbb/": "plugin_rng/parallel.h benchmarks tests",
     "toml++/": "embedded_host tests",
     "benchmark/": "benchmarks",
 }

@@ -55,20 +55,20 @@ class EveryGenerator : public testing::TestWithParam<char const*> {
 // One call of each kind, n values into memory that is there.
 struct Draw {
   char const* normals;  // the method, null for that of a new stream
-  void (*fill)(randstream&, double* out, unsigned long n);
+  void (*fill)(randstream&, double* out, std::uint64_t n);
 };
 const Draw kDraws[] = {
-    {nullptr, [](randstream& s, double* out, unsigned long n) { s.randuFcn(out, n); }},
+    {nullptr, [](randstream& s, double* out, std::uint64_t n) { s.randuFcn(out, n); }},
     {nullptr, [](randstream& s, double* out,
-                 unsigned long n) { s.randuFcn(reinterpret_cast<float*>(out), n); }},
-    {nullptr, [](randstream& s, double* out, unsigned long n) { s.randiFcn(1, 6, out, n); }},
+                 std::uint64_t n) { s.randuFcn(reinterpret_cast<float*>(out), n); }},
+    {nullptr, [](randstream& s, double* out, std::uint64_t n) { s.randiFcn(1, 6, out, n); }},
     {nullptr, [](randstream& s, double* out,
-                 unsigned long n) { s.randiFcn(1, 6, reinterpret_cast<std::uint8_t*>(out), n); }},
-    {nullptr, [](randstream& s, double* out, unsigned long n) { s.randnFcn(out, n, false); }},
-    {"Ziggurat", [](randstream& s, double* out, unsigned long n) { s.randnFcn(out, n, false); }},
-    {"Polar", [](randstream& s, double* out, unsigned long n) { s.randnFcn(out, n, false); }},
+                 std::uint64_t n) { s.randiFcn(1, 6, reinterpret_cast<std::uint8_t*>(out), n); }},
+    {nullptr, [](randstream& s, double* out, std::uint64_t n) { s.randnFcn(out, n, false); }},
+    {"Ziggurat", [](randstream& s, double* out, std::uint64_t n) { s.randnFcn(out, n, false); }},
+    {"Polar", [](randstream& s, double* out, std::uint64_t n) { s.randnFcn(out, n, false); }},
     {"Inversion", [](randstream& s, double* out,
-                     unsigned long n) { s.randnFcn(reinterpret_cast<float*>(out), n, true); }},
+                     std::uint64_t n) { s.randnFcn(reinterpret_cast<float*>(out), n, true); }},
 };
 
 TEST_P(EveryGenerator, DrawsIntoGivenMemoryAskForNone) {
@@ -79,7 +79,7 @@ TEST_P(EveryGenerator, DrawsIntoGivenMemoryAskForNone) {
     draw.fill(*stream, out.data(), 1000);  // the first may choose kernels
     long const before = requests;
     embedded_host::FailingAllocation const host(1);
-    for (const unsigned long n : {1, 7, 100, 1000}) draw.fill(*stream, out.data(), n);
+    for (const std::uint64_t n : {1, 7, 100, 1000}) draw.fill(*stream, out.data(), n);
     EXPECT_EQ(requests, before) << &draw - kDraws;
     EXPECT_FALSE(host.happened()) << &draw - kDraws;
   }
@@ -92,7 +92,7 @@ TEST_P(EveryGenerator, StateSavedBetweenAnyTwoDrawsRestoresWhatFollows) {
     auto const stream = make();
     if (draw.normals) stream->setRandnAlg(draw.normals);
     std::vector<std::uint64_t> state(stream->getStateBufLen() / 4 + 1);
-    for (const unsigned long n : {1, 2, 3, 5, 30, 101, 624}) {
+    for (const std::uint64_t n : {1, 2, 3, 5, 30, 101, 624}) {
       draw.fill(*stream, out.data(), 2 * n);
       stream->getStateBuf(state.data(), stream->getStateBufLen());
       std::fill(out.begin(), out.end(), 0);

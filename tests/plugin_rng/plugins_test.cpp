@@ -30,7 +30,8 @@ class AnyPlugin : public testing::TestWithParam<Generator> {
   static std::string identifier(std::string const& key) {
     return "TALVOR:RandStream:" + GetParam().name + ":" + key;
   }
-  static std::string creation(std::uint64_t numStreams, std::uint64_t index, std::size_t nParams) {
+  static std::string creation(std::uint64_t numStreams, std::uint64_t index,
+                              std::uint64_t nParams) {
     return identifierOf([&] {
       const double params[] = {0, 0};
       GetParam().make(numStreams, index, 0, params, nParams)->destroy();

@@ -32,9 +32,9 @@ class DamagedPlugin final : public plugin_rng::IPluginRNG {
     damage_(out, n);
   }
   void reset(std::uint32_t seed) override { inner_->reset(seed); }
-  std::size_t getNumStateComponents() const override { return inner_->getNumStateComponents(); }
-  void getStateComponentTypes(std::size_t n, txClassID* classes,
-                              std::size_t* lengths) const override {
+  std::uint64_t getNumStateComponents() const override { return inner_->getNumStateComponents(); }
+  void getStateComponentTypes(std::uint64_t n, txClassID* classes,
+                              std::uint64_t* lengths) const override {
     inner_->getStateComponentTypes(n, classes, lengths);
     for (std::size_t i = 0; i < n; ++i) {
       classes[i] = static_cast<txClassID>(classes[i] - txClassDouble);  // as plug-ins count them

@@ -75,8 +75,8 @@ class ForeignPhilox : public ScriptedStreamsPlugin {
  public:
   static constexpr std::uint32_t kState[7] = {1, 2, 3, 4, 5, 6, 0};
   using ScriptedStreamsPlugin::ScriptedStreamsPlugin;
-  std::size_t getNumStateComponents() const override { return 1; }
-  void getStateComponentTypes(std::size_t, txClassID* classes, std::size_t* n) const override {
+  std::uint64_t getNumStateComponents() const override { return 1; }
+  void getStateComponentTypes(std::uint64_t, txClassID* classes, std::size_t* n) const override {
     classes[0] = static_cast<txClassID>(uint32State);
     n[0] = std::size(kState);
   }

@@ -92,8 +92,8 @@ class FailingPlugin : public ScriptedStreamsPlugin {
   void setFullPrecision(bool) override { raise_(); }
   void setSubstream(std::size_t) override { raise_(); }
   void advance(std::size_t) override { raise_(); }
-  std::size_t getSubstream() const override { return raise_(), 0; }
-  std::size_t getNumStateComponents() const override { return raise_(), 0; }
+  std::uint64_t getSubstream() const override { return raise_(), 0; }
+  std::uint64_t getNumStateComponents() const override { return raise_(), 0; }
   std::pair<std::uint64_t, std::uint64_t> getStreamLimits() const override {
     return raise_(), std::pair<std::uint64_t, std::uint64_t>();
   }

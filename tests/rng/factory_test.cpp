@@ -12,9 +12,9 @@ using testing_support::identifierOf;
 
 class Factory : public ::testing::TestWithParam<tfl_rng::Generator> {
  protected:
-  static std::unique_ptr<randstream> make(char const* type, unsigned long numStreams,
-                                          unsigned long index, unsigned long nParams = 0) {
-    unsigned long params[1] = {0};
+  static std::unique_ptr<randstream> make(char const* type, std::uint64_t numStreams,
+                                          std::uint64_t index, std::uint64_t nParams = 0) {
+    std::uint64_t params[1] = {0};
     return std::unique_ptr<randstream>(
         mrCreateRNGStream(type, numStreams, index, 7, params, nParams));
   }

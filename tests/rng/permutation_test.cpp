@@ -54,7 +54,7 @@ TEST_F(Permutation, FullOneAsksThePluginForItsUniformsAndNothingElse) {
   // Neither its state nor anything else, however the draw or the sort behind it ends.
   struct DrawsOnly : ScriptedPlugin {
     using ScriptedPlugin::ScriptedPlugin;
-    std::size_t getNumStateComponents() const override { throw std::logic_error("asked"); }
+    std::uint64_t getNumStateComponents() const override { throw std::logic_error("asked"); }
   };
   randstream sampled("scripted", 0, new DrawsOnly(script), 1, 0);
   std::vector<double> out(100);

@@ -48,7 +48,7 @@ TEST_F(Randi, LimitsAreCheckedInOrderBeforeAnyDrawAlsoForNoValues) {
       {0, 0x1p53 - 1, "RangeTooLarge"},
   };
   for (auto const& c : cases)
-    for (const unsigned long n : {0UL, 1UL}) {
+    for (const std::uint64_t n : {0UL, 1UL}) {
       double out = 0;
       EXPECT_EQ(identifierOf([&] { stream.randiFcn(c.lo, c.hi, &out, n); }),
                 std::string("TALVOR:RandStream:randi:") + c.key)

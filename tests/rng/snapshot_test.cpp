@@ -12,7 +12,7 @@ using testing_support::argumentsOf;
 using testing_support::identifierOf;
 using Stream = std::unique_ptr<randstream>;
 
-Stream make(char const* type, unsigned long numStreams = 1, unsigned long index = 0) {
+Stream make(char const* type, std::uint64_t numStreams = 1, std::uint64_t index = 0) {
   return Stream(mrCreateRNGStream(type, numStreams, index, 7, nullptr, 0));
 }
 

@@ -26,9 +26,9 @@ class StatefulPlugin : public ScriptedPlugin {
  public:
   StatefulPlugin(Script& script, State& state) : ScriptedPlugin(script), state_(state) {}
 
-  std::size_t getNumStateComponents() const override { return 4; }
-  void getStateComponentTypes(std::size_t n, txClassID* classes,
-                              std::size_t* lengths) const override {
+  std::uint64_t getNumStateComponents() const override { return 4; }
+  void getStateComponentTypes(std::uint64_t n, txClassID* classes,
+                              std::uint64_t* lengths) const override {
     const int ids[] = {uint8State, doubleState, uint16State, uint64State};
     const std::size_t counts[] = {3, 2, 1, 2};
     for (std::size_t i = 0; i < n; ++i) {
@@ -57,7 +57,7 @@ class StatefulPlugin : public ScriptedPlugin {
 
 class StreamState : public ::testing::Test {
  protected:
-  static constexpr unsigned long kBytes = 3 + 16 + 2 + 16;
+  static constexpr std::uint64_t kBytes = 3 + 16 + 2 + 16;
 
   State state{{1, 2, 3}, {0.5, -0.25}, {777}, {1ULL << 63, 42}};
   Script script;
@@ -95,7 +95,7 @@ TEST_F(StreamState, SnapshotHoldsEachElementInItsBytes) {
 
 TEST_F(StreamState, ClassesAreReportedAsHostClasses) {
   txClassID classes[4];
-  unsigned long lengths[4];
+  std::uint64_t lengths[4];
   stream.getStateComponentTypes(4, classes, lengths);
   EXPECT_THAT(classes,
               ::testing::ElementsAre(txClassUint8, txClassDouble, txClassUint16, txClassUint64));
@@ -104,13 +104,13 @@ TEST_F(StreamState, ClassesAreReportedAsHostClasses) {
 
 TEST_F(StreamState, WrongLengthsAndCountsNeverReachThePlugin) {
   unsigned char flat[kBytes + 1] = {};
-  for (const unsigned long length : {0UL, kBytes - 1, kBytes + 1}) {
+  for (const std::uint64_t length : {0UL, kBytes - 1, kBytes + 1}) {
     EXPECT_EQ(identifierOf([&] { stream.getStateBuf(flat, length); }),
               "TALVOR:RandStream:get:InvalidStateBufLen");
     EXPECT_EQ(identifierOf([&] { stream.setStateBuf(flat, length); }),
               "TALVOR:RandStream:set:InvalidStateBufLen");
   }
-  for (const unsigned long count : {0UL, 3UL, 5UL}) {
+  for (const std::uint64_t count : {0UL, 3UL, 5UL}) {
     const auto types = [&] { stream.getStateComponentTypes(count, nullptr, nullptr); };
     const auto get = [&] { stream.getStateComponents(count, nullptr); };
     const auto put = [&] { stream.setStateComponents(count, nullptr); };
@@ -142,9 +142,9 @@ TEST_F(StreamState, NoComponentsMeansAnEmptyBuffer) {
 TEST_F(StreamState, EmptyOnesReachThePlugin) {
   struct Bare : ScriptedPlugin {
     Bare(Script& script, std::size_t count) : ScriptedPlugin(script), count_(count) {}
-    std::size_t getNumStateComponents() const override { return count_; }
-    void getStateComponentTypes(std::size_t, txClassID* classes,
-                                std::size_t* lengths) const override {
+    std::uint64_t getNumStateComponents() const override { return count_; }
+    void getStateComponentTypes(std::uint64_t, txClassID* classes,
+                                std::uint64_t* lengths) const override {
       std::fill_n(classes, count_, static_cast<txClassID>(uint32State));
       std::fill_n(lengths, count_, 0);
       if (count_ == 0) return;

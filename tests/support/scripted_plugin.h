@@ -34,8 +34,8 @@ class ScriptedPlugin : public virtual plugin_rng::IPluginRNG {
     }
   }
   void reset(std::uint32_t seed) override { note("reset", seed); }
-  std::size_t getNumStateComponents() const override { return 0; }
-  void getStateComponentTypes(std::size_t, txClassID*, std::size_t*) const override {}
+  std::uint64_t getNumStateComponents() const override { return 0; }
+  void getStateComponentTypes(std::uint64_t, txClassID*, std::size_t*) const override {}
   void getStateComponents(void* const*) const override {}
   void setStateComponents(void const* const*) override { note("setState", 0); }
   void setFullPrecision(bool on) override { note("precision", on); }
@@ -71,18 +71,18 @@ class ScriptedStreamsPlugin : public ScriptedPlugin, public plugin_rng::IPluginR
  public:
   using ScriptedPlugin::ScriptedPlugin;
 
-  int checkNumStreams(std::size_t) const override { return 0; }
-  void setSubstream(std::size_t index) override {
+  int checkNumStreams(std::uint64_t) const override { return 0; }
+  void setSubstream(std::uint64_t index) override {
     note("substream", index);
     substream_ = index;
   }
-  std::size_t getSubstream() const override { return substream_; }
-  void advance(std::size_t n) override { note("advance", n); }
+  std::uint64_t getSubstream() const override { return substream_; }
+  void advance(std::uint64_t n) override { note("advance", n); }
   std::pair<std::uint64_t, std::uint64_t> getStreamLimits() const override { return {11, 22}; }
   std::pair<std::uint64_t, std::uint64_t> getSubstreamLimits() const override { return {33, 44}; }
 
  private:
-  std::size_t substream_ = 0;
+  std::uint64_t substream_ = 0;
 };
 
 }  // namespace testing_support

@@ -145,7 +145,7 @@ TYPED_TEST(StreamCore, NeighboursShareNoValues) {
       TypeParam core(seed, stream, true);
       add(core);
       if (seed != 1) continue;
-      for (std::size_t substream : {1, 2, 3}) {
+      for (std::uint64_t substream : {1, 2, 3}) {
         core.setSubstream(substream);
         add(core);
       }

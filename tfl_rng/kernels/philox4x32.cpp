@@ -148,7 +148,7 @@ void fillBlocks(uint128 counter, std::uint64_t key, double* out, std::size_t cou
   if (count == 1) return reference::fillBlocks(counter, key, out, count);  // the quicker way
   while (count > 0) {
     const std::uint64_t left = (std::uint64_t{1} << 32) - static_cast<std::uint32_t>(counter);
-    const std::size_t run = std::min<std::uint64_t>(count, left);
+    const auto run = static_cast<std::size_t>(std::min<std::uint64_t>(count, left));
     HWY_DYNAMIC_DISPATCH(fillRun)(counter, key, out, run);
     counter += run;
     out += run * kDraws;

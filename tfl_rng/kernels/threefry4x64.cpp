@@ -140,7 +140,7 @@ void fillBlocks(Block const& counter, Block const& key, double* out, std::size_t
   if (count == 1) return reference::fillBlocks(counter, key, out, count);  // the quicker way
   // Where the lowest word wraps, a new run begins.
   const std::uint64_t left = ~counter[0];
-  const std::size_t run = count <= left ? count : left + 1;
+  const std::size_t run = count <= left ? count : static_cast<std::size_t>(left + 1);
   HWY_DYNAMIC_DISPATCH(fillRun)(counter, key, out, run);
   if (run == count) return;
   HWY_DYNAMIC_DISPATCH(fillRun)(plus(counter, run), key, out + run * kDraws, count - run);

@@ -1,0 +1,35 @@
+# Cross build with Debian's compilers: TV_ARCH is Debian's name of the architecture, TV_SYSROOT holds
+# its packages, unpacked. Used by tools/cross.sh.
+set(triplet_aarch64 aarch64-linux-gnu)
+set(triplet_i386 i386-linux-gnu)
+set(triplet_ppc64el powerpc64le-linux-gnu)
+set(triplet_riscv64 riscv64-linux-gnu)
+set(triplet_s390x s390x-linux-gnu)
+set(triplet ${triplet_${TV_ARCH}})
+set(tools ${triplet})
+if(TV_ARCH STREQUAL i386)
+  set(tools i686-linux-gnu)
+  # Doubles are doubles in the vector registers only.
+  set(CMAKE_C_FLAGS_INIT "-msse2 -mfpmath=sse")
+  set(CMAKE_CXX_FLAGS_INIT "-msse2 -mfpmath=sse")
+endif()
+
+set(CMAKE_SYSTEM_NAME Linux)
+string(REGEX REPLACE "-.*" "" CMAKE_SYSTEM_PROCESSOR ${triplet})
+set(CMAKE_C_COMPILER ${tools}-gcc)
+set(CMAKE_CXX_COMPILER ${tools}-g++)
+
+list(APPEND CMAKE_TRY_COMPILE_PLATFORM_VARIABLES TV_SYSROOT TV_ARCH)
+set(CMAKE_LIBRARY_ARCHITECTURE ${triplet})
+set(CMAKE_FIND_ROOT_PATH ${TV_SYSROOT})
+set(CMAKE_FIND_ROOT_PATH_MODE_PROGRAM NEVER)
+set(CMAKE_FIND_ROOT_PATH_MODE_LIBRARY ONLY)
+set(CMAKE_FIND_ROOT_PATH_MODE_INCLUDE ONLY)
+set(CMAKE_FIND_ROOT_PATH_MODE_PACKAGE ONLY)
+set(libraries ${TV_SYSROOT}/usr/lib/${triplet})
+set(ENV{PKG_CONFIG_LIBDIR} ${libraries}/pkgconfig:${TV_SYSROOT}/usr/share/pkgconfig)
+set(ENV{PKG_CONFIG_SYSROOT_DIR} ${TV_SYSROOT})
+# Libraries that libraries need.
+set(rpaths "-Wl,-rpath-link,${libraries}:${TV_SYSROOT}/lib/${triplet}")
+set(CMAKE_EXE_LINKER_FLAGS_INIT ${rpaths})
+set(CMAKE_SHARED_LINKER_FLAGS_INIT ${rpaths})
