@@ -2,7 +2,12 @@
 
 #include <gmock/gmock.h>
 
+#include <cmath>
+#include <fstream>
+#include <sstream>
+
 #include "rng/mr_functions.h"
+#include "tests/support/data_folder.h"
 #include "tests/support/identifiers.h"
 #include "tfl_rng/generator_catalogue.h"
 
@@ -45,6 +50,33 @@ std::string edited(std::string text, std::string const& line, std::string const&
   char last[16];
   std::snprintf(last, sizeof last, "crc32 %08x", ~crc);
   return text + last;
+}
+
+// Those of tools/snapshots.tv, each with what its stream draws next in units of 2^-52.
+TEST(KeptSnapshots, GoOnAsWhenTheyWereTaken) {
+  std::ifstream file(dataFolder() + "/rng/snapshots.txt");
+  std::size_t count = 0;
+  std::string text;
+  for (std::string line; std::getline(file, line);) {
+    text += line + '\n';
+    if (!line.starts_with("crc32")) continue;
+    Stream const stream(createFromSnapshot(text));
+    EXPECT_EQ(takeSnapshot(*stream) + '\n', text);
+    double drawn[3];
+    stream->randuFcn(drawn, 1);
+    stream->randnFcn(drawn + 1, 1, false);
+    stream->randnFcn(drawn + 2, 1, false);
+    std::getline(file, line);
+    std::istringstream numbers(line);
+    for (double const x : drawn) {
+      std::int64_t expected = 0;
+      numbers >> expected;
+      ASSERT_EQ(std::llround(x * 0x1p52), expected) << text.substr(0, 200);
+    }
+    ++count;
+    text.clear();
+  }
+  EXPECT_EQ(count, 111u);
 }
 
 class Snapshot : public testing::TestWithParam<char const*> {};
