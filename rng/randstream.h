@@ -157,13 +157,13 @@ class TV_EXPORT randstream {
   randstream(randstream const&) = default;
   randstream& operator=(randstream const&) = default;
 
-  using NormalGenerator = void (randstream::*)(double* buffer, std::size_t n);
+  using NormalGenerator = void (randstream::*)(double* out, std::size_t n);
 
-  // Each writes n normals to the front of `buffer`, which also stores their uniforms and must hold
-  // 2n values for Ziggurat, n+1 for Polar and n for Inversion.
-  void randnZiggurat(double* buffer, std::size_t n);
-  void randnPolar(double* buffer, std::size_t n);
-  void randnInversion(double* buffer, std::size_t n);
+  // Each writes n normals to out[0, n). A generator from elsewhere is asked for as many uniforms as
+  // the method needs for the normals of this call that are not made yet.
+  void randnZiggurat(double* out, std::size_t n);
+  void randnPolar(double* out, std::size_t n);
+  void randnInversion(double* out, std::size_t n);
 
   // The plug-in, inside the guard of a control operation: a stream without one fails there.
   TV_LOCAL plugin_rng::IPluginRNG& requiredPlugin() const;

@@ -1,10 +1,10 @@
 #include "tfl_rng/mcg16807.h"
 
-#include <cmath>
+#include <algorithm>
 
 #include "tfl_rng/convert.h"
-#include "tfl_rng/elementary.h"
 #include "tfl_rng/kernels/mcg16807.h"
+#include "tfl_rng/polar.h"
 #include "tfl_rng/uint128.h"
 
 namespace tfl_rng {
@@ -43,24 +43,30 @@ errorID mcg16807::advance(std::uint64_t n) noexcept {
 }
 
 void mcg16807::randn(double* out, std::size_t n) {
-  for (std::size_t i = 0; i < n; i += 2) {
-    auto const [first, second] = minimalStandardNormalPair(word_);
-    out[i] = first;
-    if (i + 1 < n) out[i + 1] = second;
+  constexpr std::size_t kMostPairs = 512;
+  double uniforms[2 * kMostPairs];
+  for (double* const end = out + n; out < end;) {
+    const auto left = static_cast<std::size_t>(end - out);
+    const std::size_t pairs = std::min((left + 1) / 2, kMostPairs);
+    word_ = minimal_standard::fill(minimal_standard::Reduced{}, word_, uniforms, 2 * pairs);
+    const std::size_t fitting = std::min(pairs, left / 2);
+    out += 2 * polarNormals(uniforms, fitting, out);
+    if (fitting == pairs) continue;
+    const PolarPoint last(uniforms[2 * fitting], uniforms[2 * fitting + 1]);
+    if (!last.isAccepted()) continue;
+    const auto [first, second] = last.normals();
+    *out++ = first;
+    if (out < end) *out++ = second;
   }
 }
 
 std::pair<double, double> minimalStandardNormalPair(std::uint32_t& word) noexcept {
   for (;;) {
     word = minimalStandardStep(word);
-    const double x = 2 * minimalStandardUniform(word) - 1;
+    const double u = minimalStandardUniform(word);
     word = minimalStandardStep(word);
-    const double y = 2 * minimalStandardUniform(word) - 1;
-    // The squared radius is never 0: no word lies at the middle of its odd modulus.
-    const double s = x * x + y * y;
-    if (s > 1) continue;
-    const double factor = std::sqrt(-2 * pinnedLog(s) / s);
-    return {x * factor, y * factor};
+    const PolarPoint point(u, minimalStandardUniform(word));
+    if (point.isAccepted()) return point.normals();
   }
 }
 
