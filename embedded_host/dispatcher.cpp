@@ -28,6 +28,7 @@ std::vector<std::string> Functions::names() const {
   std::vector<std::string> result;
   result.reserve(functions_.size());
   for (auto const& [name, function] : functions_) result.push_back(name);
+  std::ranges::sort(result);
   return result;
 }
 

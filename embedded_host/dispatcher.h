@@ -7,6 +7,7 @@
 #include <span>
 #include <string>
 #include <string_view>
+#include <unordered_map>
 #include <vector>
 
 #include "host/closest_name.h"
@@ -35,7 +36,12 @@ class TV_EXPORT Functions {
   std::string adviceFor(std::string_view name) const;
 
  private:
-  std::map<std::string, Function, std::less<>> functions_;
+  struct Hash : std::hash<std::string_view> {
+    using is_transparent = void;
+  };
+
+  // Hashed: every call of a program looks its name up here.
+  std::unordered_map<std::string, Function, Hash, std::equal_to<>> functions_;
   std::map<std::string, std::string, std::less<>> advice_;
 };
 

@@ -33,17 +33,12 @@ std::vector<Expression const*> pathOf(Expression const& target) {
 }  // namespace
 
 void Evaluator::runAssignment(Assignment const& node) {
-  auto const rootOf = [](Expression const& target) {
-    return std::get<Name>(pathOf(target).front()->node).name;
-  };
   if (!node.many) {
     Expression const& target = *node.targets.front();
     bool const deletes = isEmptyBrackets(*node.value) && isParenIndex(target);
     NewValue value{evaluate(*node.value), node.value->span, deletes};
     checkInterrupt(node.value->span);
-    assign(target, std::move(value));
-    std::string const root = rootOf(target);
-    show(root, node.show);
+    show(assign(target, std::move(value)), node.show);
     return;
   }
   Values values = evaluateMany(*node.value, static_cast<int>(node.targets.size()));
@@ -61,34 +56,38 @@ void Evaluator::runAssignment(Assignment const& node) {
       raiseFaultAt(node.value->span, "fewValues",
                    "Value " + std::to_string(i + 1) + " did not come.");
     }
-    assign(target, {std::move(values[i]), node.value->span});
-    std::string const root = rootOf(target);
-    show(root, node.show);
+    show(assign(target, {std::move(values[i]), node.value->span}), node.show);
   }
 }
 
-void Evaluator::assign(Expression const& target, NewValue value) {
+std::string const& Evaluator::assign(Expression const& target, NewValue value) {
+  if (auto const* name = std::get_if<Name>(&target.node)) {
+    auto const found = session_.variables_.find(name->name);
+    if (found != session_.variables_.end()) {
+      found->second = std::move(value.array);
+    } else {
+      session_.setVariable(name->name, std::move(value.array));
+    }
+    return name->name;
+  }
   std::vector<Expression const*> const path = pathOf(target);
   std::string const& root = std::get<Name>(path.front()->node).name;
   std::span<Expression const* const> const steps(path.begin() + 1, path.end());
   auto const found = session_.variables_.find(root);
   if (found != session_.variables_.end()) {
     assignPath(found->second, steps, std::move(value));
-    return;
+    return root;
   }
   txArrayPtr fresh;
   assignPath(fresh, steps, std::move(value));
   session_.setVariable(root, std::move(fresh));
+  return root;
 }
 
 // Stores `value` at the end of the path below `slot`, reading each part on the way, changing it and
 // writing it back.
 void Evaluator::assignPath(txArrayPtr& slot, std::span<Expression const* const> path,
                            NewValue value) {
-  if (path.empty()) {
-    slot = std::move(value.array);
-    return;
-  }
   Expression const& step = *path.front();
   bool const last = path.size() == 1;
   if (auto const* member = std::get_if<Member>(&step.node)) {

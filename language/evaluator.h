@@ -65,6 +65,10 @@ class Evaluator {
   // All values of an expression that may have several (calls, c{:}); at least `outputs` are asked
   // for. A statement asks for 0: a call may then give none or one.
   Values evaluateMany(Expression const& expression, int outputs);
+  // The value of an expression that always has one; null for calls and members, and for names of
+  // functions.
+  txArrayPtr singleValue(Expression const& expression);
+  Values severalValues(Expression const& expression, int outputs);
   txArrayPtr evaluateMatrix(Matrix const& node);
   RangeValues evaluateRange(Range const& node, SourceSpan span);
   txArrayPtr endValue(SourceSpan span) const;
@@ -92,7 +96,8 @@ class Evaluator {
     SourceSpan span;
     bool deletes = false;
   };
-  void assign(Expression const& target, NewValue value);
+  // Returns the name of the variable that was changed.
+  std::string const& assign(Expression const& target, NewValue value);
   void assignPath(txArrayPtr& slot, std::span<Expression const* const> path, NewValue value);
   static Subscripts subscripts(Arguments const& arguments);
 

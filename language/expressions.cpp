@@ -47,7 +47,8 @@ Evaluator::Operand Evaluator::operand(Expression const& expression) {
 }
 
 txArrayPtr Evaluator::evaluate(Expression const& expression) {
-  Values values = evaluateMany(expression, 1);
+  if (txArrayPtr value = singleValue(expression)) return value;
+  Values values = severalValues(expression, 1);
   if (values.empty() || !values.front()) noValue(expression.span);
   if (values.size() > 1) {
     raiseFaultAt(expression.span, "manyValues",
@@ -58,49 +59,58 @@ txArrayPtr Evaluator::evaluate(Expression const& expression) {
 }
 
 Values Evaluator::evaluateMany(Expression const& expression, int outputs) {
-  auto const one = [](txArrayPtr value) {
-    Values values;
-    values.push_back(std::move(value));
-    return values;
-  };
+  txArrayPtr value = singleValue(expression);
+  if (!value) return severalValues(expression, outputs);
+  Values values;
+  values.push_back(std::move(value));
+  return values;
+}
+
+Values Evaluator::severalValues(Expression const& expression, int outputs) {
+  SourceSpan const span = expression.span;
+  if (auto const* name = std::get_if<Name>(&expression.node))
+    return callFunction(name->name, span, span, {}, outputs);
+  if (auto const* index = std::get_if<Index>(&expression.node))
+    return evaluateIndex(expression, *index, outputs);
+  if (auto const* member = std::get_if<Member>(&expression.node))
+    return memberValues(*member, span, nullptr, outputs);
+  return {};
+}
+
+txArrayPtr Evaluator::singleValue(Expression const& expression) {
   SourceSpan const span = expression.span;
   checkInterrupt(span);
   return std::visit(
-      Overloaded{[&](Number const& node) { return one(numberValue(node)); },
-                 [&](IntegerLiteral const& node) { return one(integerValue(node)); },
-                 [&](Text const& node) { return one(textValue(node)); },
-                 [&](Name const& node) {
-                   if (txArray const* value = session_.variable(node.name))
-                     return one(txShare(*value));
-                   return callFunction(node.name, span, span, {}, outputs);
-                 },
-                 [&](Unary const& node) {
-                   Operand const value = operand(*node.operand);
-                   return one(located(span, [&] { return applyUnary(node.op, *value); }));
-                 },
-                 [&](Binary const& node) {
-                   if (node.op == Operator::andAlso || node.op == Operator::orElse) {
-                     bool const stops = node.op == Operator::orElse;
-                     bool const answer =
-                         isTrueAt(*node.left) == stops ? stops : isTrueAt(*node.right);
-                     return one(txCreateLogical(answer));
-                   }
-                   Operand const left = operand(*node.left);
-                   Operand const right = operand(*node.right);
-                   return one(located(span, [&] { return applyBinary(node.op, *left, *right); }));
-                 },
-                 [&](Range const& node) {
-                   RangeValues const range = evaluateRange(node, span);
-                   return one(located(span, [&] { return range.all(); }));
-                 },
-                 [&](Index const& node) { return evaluateIndex(expression, node, outputs); },
-                 [&](Member const& node) { return memberValues(node, span, nullptr, outputs); },
-                 [&](Matrix const& node) {
-                   return one(located(span, [&] { return evaluateMatrix(node); }));
-                 },
-                 [&](WholeDimension const&) { return one(makeText(":")); },
-                 [&](EndValue const&) { return one(endValue(span)); },
-                 [&](Ignored const&) { return Values(); }},
+      Overloaded{
+          [&](Number const& node) { return numberValue(node); },
+          [&](IntegerLiteral const& node) { return integerValue(node); },
+          [&](Text const& node) { return textValue(node); },
+          [&](Name const& node) {
+            txArray const* const value = session_.variable(node.name);
+            return value ? txShare(*value) : nullptr;
+          },
+          [&](Unary const& node) {
+            Operand const value = operand(*node.operand);
+            return located(span, [&] { return applyUnary(node.op, *value); });
+          },
+          [&](Binary const& node) {
+            if (node.op == Operator::andAlso || node.op == Operator::orElse) {
+              bool const stops = node.op == Operator::orElse;
+              bool const answer = isTrueAt(*node.left) == stops ? stops : isTrueAt(*node.right);
+              return txCreateLogical(answer);
+            }
+            Operand const left = operand(*node.left);
+            Operand const right = operand(*node.right);
+            return located(span, [&] { return applyBinary(node.op, *left, *right); });
+          },
+          [&](Range const& node) {
+            RangeValues const range = evaluateRange(node, span);
+            return located(span, [&] { return range.all(); });
+          },
+          [&](Matrix const& node) { return located(span, [&] { return evaluateMatrix(node); }); },
+          [&](WholeDimension const&) { return makeText(":"); },
+          [&](EndValue const&) { return endValue(span); },
+          [](auto const&) { return txArrayPtr(); }},
       expression.node);
 }
 

@@ -148,11 +148,50 @@ void refuseMatrixOperator(Operator op, txArray const& left, txArray const& right
   }
 }
 
+bool isPlainNumber(txArray const& value) {
+  return value.classID() == txClassDouble && value.isScalar() && !value.isComplex() &&
+         !value.isSparse();
+}
+
+// What most turns of a loop compute; null for an operator that is left to the general way.
+txArrayPtr ofPlainNumbers(Operator op, double x, double y) {
+  switch (op) {
+    case Operator::add:
+      return makeDouble(x + y);
+    case Operator::subtract:
+      return makeDouble(x - y);
+    case Operator::multiply:
+    case Operator::elementMultiply:
+      return makeDouble(x * y);
+    case Operator::divide:
+    case Operator::elementDivide:
+      return makeDouble(x / y);
+    case Operator::equal:
+      return txCreateLogical(x == y);
+    case Operator::notEqual:
+      return txCreateLogical(x != y);
+    case Operator::less:
+      return txCreateLogical(x < y);
+    case Operator::lessEqual:
+      return txCreateLogical(x <= y);
+    case Operator::greater:
+      return txCreateLogical(x > y);
+    case Operator::greaterEqual:
+      return txCreateLogical(x >= y);
+    default:
+      return nullptr;
+  }
+}
+
 }  // namespace
 
 char const* spelling(Operator op) { return kSpelling[static_cast<std::size_t>(op)]; }
 
 txArrayPtr applyBinary(Operator op, txArray const& left, txArray const& right) {
+  if (isPlainNumber(left) && isPlainNumber(right)) {
+    if (txArrayPtr result = ofPlainNumbers(op, *left.dataAs<double>(), *right.dataAs<double>()))
+      return result;
+  }
   if (left.isSparse() || right.isSparse()) {
     return applyBinary(op, *txToFull(left), *txToFull(right));
   }
