@@ -19,6 +19,7 @@
 
 #include "plugin_rng/fork_join.h"
 #include "plugin_rng/thread_supply.h"
+#include "tfl_rng/float_environment.h"
 #endif
 
 namespace plugin_rng {
@@ -77,7 +78,10 @@ void forEachLeaf(std::size_t n, Split split, Leaf const& leaf) {
   using Range = tbb::blocked_range<std::size_t>;
   tbb::enumerable_thread_specific<Worker> workers;
   tbb::task_group_context context(tbb::task_group_context::isolated);
-  const auto part = [&](Range const& range) { leaf(workers.local(), range.begin(), range.end()); };
+  const auto part = [&](Range const& range) {
+    const tfl_rng::FloatEnvironment environment;  // a worker has that of whoever started it
+    leaf(workers.local(), range.begin(), range.end());
+  };
   {
     const Range all(0, n, split.grain);
     ForkJoin call(part);

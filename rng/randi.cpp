@@ -25,6 +25,7 @@ bool isWhole(double value) {
 
 double checkRandiLimits(double lo, double hi) {
   namespace keys = TALVOR::RandStream::randi;
+  const tfl_rng::FloatEnvironment environment;
   if (!(hi >= lo) || !isWhole(lo) || !isWhole(hi)) errors::raise(keys::invalidLimits());
   if (std::fabs(lo) >= kLargestCount || std::fabs(hi) >= kLargestCount)
     errors::raise(keys::LimitsTooLarge());

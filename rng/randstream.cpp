@@ -48,7 +48,7 @@ constinit thread_local std::uint64_t drawsInThread = 0;
 std::uint64_t randstream::drawnInThread() noexcept { return drawsInThread; }
 
 #ifndef NDEBUG
-void randstream::InUse::endProgram(randstream const& stream) noexcept {
+void randstream::OneThread::endProgram(randstream const& stream) noexcept {
   std::fprintf(
       stderr,
       "A %s stream (seed %u) is used by two threads at once, so that its numbers repeat or "

@@ -151,6 +151,7 @@ class TV_EXPORT randstream {
   void randkpermFcn(T* out, std::uint64_t k, double n);
 
  private:
+  class OneThread;
   class InUse;
   class WholeDraw;
   // For clone and takeOver, which see to the plug-in.

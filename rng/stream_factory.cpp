@@ -5,6 +5,7 @@
 #include "plugin_rng/factories.h"
 #include "rng/generator_names.h"
 #include "rng/mr_functions.h"
+#include "tfl_rng/float_environment.h"
 
 namespace {
 
@@ -19,6 +20,7 @@ constexpr plugin_rng::Factory kFactories[] = {
 
 randstream* mrCreateRNGStream(char const* type, std::uint64_t numStreams, std::uint64_t streamIndex,
                               unsigned int seed, std::uint64_t* params, std::uint64_t nParams) {
+  const tfl_rng::FloatEnvironment environment;
   if (!type) type = "";
   tfl_rng::Generator const* const generator = rng::generatorNamed(type);
   if (!generator) {

@@ -10,12 +10,14 @@
 // The shortest draws of all pay for nothing that the others need.
 template <>
 void randstream::randuFcn(double* out, std::uint64_t n) {
-  const InUse inUse(*this);
-  if (!antithetic_ && n <= plugin_rng::kUninterrupted) return uniforms().randu(out, n);
+  const OneThread oneThread(*this);
+  if (!antithetic_ && n <= plugin_rng::kUninterrupted && tfl_rng::FloatEnvironment::isDefault())
+    return uniforms().randu(out, n);
   randuLongOrMirrored(out, n);
 }
 
 void randstream::randuLongOrMirrored(double* out, std::uint64_t n) {
+  const tfl_rng::FloatEnvironment environment;
   const WholeDraw whole(*this, n);
   if (!antithetic_) return uniforms().randu(out, n);
   forEachChunk(n, chunk(), [&](std::size_t at, std::size_t len) {

@@ -12,6 +12,7 @@
 #include "host/tcos.h"
 #include "plugin_rng/interruption.h"
 #include "runtime/loaded.h"
+#include "tfl_rng/float_environment.h"
 
 namespace runtime {
 
@@ -83,6 +84,7 @@ Vm::~Vm() {
 
 std::vector<txArrayPtr> Vm::call(std::string_view name, std::span<txArray const* const> args,
                                  int nlhs) {
+  tfl_rng::FloatEnvironment const environment;
   embedded_host::EnterVm const inside(*context_);
   std::vector<txArrayPtr> outputs(static_cast<std::size_t>(std::max(nlhs, 1)));
   if (!callNamed(name, nlhs, outputs.data(), args))
@@ -95,6 +97,7 @@ txArrayPtr Vm::call(std::string_view name, std::initializer_list<txArray const*>
 }
 
 txArrayPtr Vm::evaluate(std::string_view source, language::Output* output) {
+  tfl_rng::FloatEnvironment const environment;
   embedded_host::EnterVm const inside(*context_);
   return language::located({0, static_cast<std::uint32_t>(source.size())}, [&] {
     if (!session_) session_ = std::make_unique<EvaluationSession>(*context_);

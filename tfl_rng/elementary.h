@@ -2,7 +2,9 @@
 
 // exp and log with pinned results: plain IEEE additions, multiplications and integer operations in
 // a fixed order, so that every machine and compiler returns the same bits. The C library's own
-// functions differ between machines and must not stand on a drawing path.
+// functions differ between machines and must not stand on a drawing path. Those of one value
+// compute in the floating-point environment of the caller, which streams see to
+// (float_environment.h).
 
 #include <cstddef>
 

@@ -1,4 +1,5 @@
 #include "tfl_rng/elementary.h"
+#include "tfl_rng/float_environment.h"
 
 #undef HWY_TARGET_INCLUDE
 #define HWY_TARGET_INCLUDE "tfl_rng/kernels/elementary.cpp"
@@ -29,6 +30,7 @@ HWY_EXPORT(logInPlace);
 }
 
 void pinnedLogInPlace(double* values, std::size_t n) noexcept {
+  const FloatEnvironment environment;
   using namespace elementary;
   HWY_DYNAMIC_DISPATCH(logInPlace)(values, n);
 }

@@ -1,4 +1,5 @@
 #include "tfl_rng/normal_quantile.h"
+#include "tfl_rng/float_environment.h"
 
 #include <algorithm>
 #include <bit>
@@ -145,6 +146,7 @@ constexpr std::size_t kLeastValues = 5;
 }  // namespace quantile
 
 void normalQuantileInPlace(double* values, std::size_t n) noexcept {
+  const FloatEnvironment environment;
   using namespace quantile;
   if (n < kLeastValues) {
     for (std::size_t i = 0; i < n; ++i) values[i] = normalQuantile(values[i]);
