@@ -13,10 +13,23 @@
 #include "rng/uniform_source.h"
 #include "rng/whole_draw.h"
 
-std::unique_ptr<randstream> remade(randstream const& original, std::uint64_t substream) {
-  std::unique_ptr<randstream> copy(mrCreateRNGStream(original.generatorType(),
+namespace {
+
+// A stream of the same constants and settings, at its start.
+std::unique_ptr<randstream> sibling(randstream const& original) {
+  std::unique_ptr<randstream> made(mrCreateRNGStream(original.generatorType(),
                                                      original.numStreams(), original.streamIndex(),
                                                      original.seed(), nullptr, 0));
+  made->setAntithetic(original.antithetic());
+  made->setFullPrecision(original.fullPrecision());
+  made->setRandnAlg(original.getRandnAlg());
+  return made;
+}
+
+}  // namespace
+
+std::unique_ptr<randstream> remade(randstream const& original, std::uint64_t substream) {
+  std::unique_ptr<randstream> copy = sibling(original);
   if (substream != 0) copy->setSubstream(substream);
   // One word a byte: room to spare, aligned for every state, and a length that no array can have
   // is refused by the allocation itself.
@@ -25,9 +38,6 @@ std::unique_ptr<randstream> remade(randstream const& original, std::uint64_t sub
       std::make_unique_for_overwrite<std::uint64_t[]>(static_cast<std::size_t>(length));
   original.getStateBuf(state.get(), length);
   copy->setStateBuf(state.get(), length);
-  copy->setAntithetic(original.antithetic());
-  copy->setFullPrecision(original.fullPrecision());
-  copy->setRandnAlg(original.getRandnAlg());
   return copy;
 }
 
@@ -51,9 +61,8 @@ std::unique_ptr<randstream> randstream::clone() const {
 }
 
 std::unique_ptr<randstream> randstream::atSubstream(std::uint64_t k) const {
-  std::unique_ptr<randstream> item = clone();
+  std::unique_ptr<randstream> item = sibling(*this);
   item->setSubstream(k);
-  item->pendingNormalValid_ = false;
   return item;
 }
 

@@ -6,6 +6,7 @@
 
 #include <tvmathrng/bits.h>
 #include <tvmathrng/error.h>
+#include <tvmathrng/family.h>
 #include <tvmathrng/stream.h>
 #include <tvmathrng/values.h>
 #include <tvmathrng/version.h>

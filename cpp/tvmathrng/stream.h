@@ -171,8 +171,9 @@ class Stream {
     return positions<T>(n, [&](std::span<double> out) { sample(out, population); });
   }
 
-  /// A stream of its own with this one's generator and settings, at the start of substream k:
-  /// what work item k draws from, whoever works on it. Errors: set:SubstreamsNotSupported.
+  /// A stream of its own with this one's generator, seed and settings, at the start of substream k:
+  /// what work item k draws from, whoever works on it. Where this stream stands does not matter, and
+  /// another thread may draw from it meanwhile. Errors: set:SubstreamsNotSupported.
   Stream at_substream(Substream k) const {
     return Stream(detail::withErrors([&] { return native().atSubstream(k.value()); }));
   }

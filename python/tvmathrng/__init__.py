@@ -5,7 +5,14 @@
 (3, 4)
 """
 
-from tvmathrng.errors import TvError, TvMemoryError, TvThreadError, TvTypeError, TvValueError
+from tvmathrng.errors import (
+    TvAttributeError,
+    TvError,
+    TvMemoryError,
+    TvThreadError,
+    TvTypeError,
+    TvValueError,
+)
 from tvmathrng.parameters import Parameters
 from tvmathrng._tvmathrng import (
     RandStream,
@@ -18,7 +25,12 @@ from tvmathrng._tvmathrng import (
     randperm,
     set_global_stream,
 )
+from tvmathrng import random
 from tvmathrng.bit_generators import CLASSES as _CLASSES, BitGenerator
+from tvmathrng.family import Family
+from tvmathrng.numpy_names import point_to_numpy as _point_to_numpy
+
+_point_to_numpy(RandStream)
 
 globals().update({kind.__name__: kind for kind in _CLASSES.values()})
 
@@ -41,8 +53,10 @@ def streams(generator, num_streams, seed=0, **settings):
 
 __all__ = [
     "BitGenerator",
+    "Family",
     "Parameters",
     "RandStream",
+    "TvAttributeError",
     "TvError",
     "TvMemoryError",
     "TvThreadError",

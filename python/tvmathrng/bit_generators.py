@@ -190,7 +190,7 @@ def _seeded_stream(generator, seed_seq, substream):
         words[0] = 2**31  # one bit of this word counts: together they are not all zero
         stream.state = np.append(words, np.uint32(624))
         return stream
-    if not _HAS_SUBSTREAMS[generator]:
+    if not HAS_SUBSTREAMS[generator]:
         (word,) = seed_seq.generate_state(1)
         return _tvmathrng.RandStream(generator, word, substream=substream)
     word, low, high = map(int, seed_seq.generate_state(3))
@@ -206,5 +206,5 @@ def _make_class(generator, core):
 
 
 CLASSES = {name: _make_class(name, core) for name, core, _ in _tvmathrng.catalogue()}
-_HAS_SUBSTREAMS = {name: has for name, _, has in _tvmathrng.catalogue()}
+HAS_SUBSTREAMS = {name: has for name, _, has in _tvmathrng.catalogue()}
 BitGenerator.__module__ = "tvmathrng"

@@ -20,6 +20,10 @@ class TvTypeError(TvError, TypeError):
     """An argument of a type that does not fit."""
 
 
+class TvAttributeError(TvError, AttributeError):
+    """What a stream does not have, and where it is."""
+
+
 class TvMemoryError(TvError, MemoryError):
     """A result larger than the machine's memory."""
 

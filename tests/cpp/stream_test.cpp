@@ -122,13 +122,33 @@ TEST(Positions, AreTheSameInEveryType) {
 }
 
 TEST_P(EveryGenerator, JumpsAsFarAsItIsTold) {
-  if (!stream_.native().hasSubstreams()) return;
+  if (!stream_.native().hasSubstreams()) {
+    EXPECT_THROW(Family(stream_.seed(), stream_.generator()), Error);
+    return;
+  }
   stream_.advance((1ULL << 51) + 5);
   EXPECT_EQ(stream_.uniform(3), builtin<double>("advance(s,2^51+5); rand(s,1,3)"));
   stream_.set_substream(Substream{(1ULL << 40) + 1});
   EXPECT_EQ(stream_.uniform(3), builtin<double>("s.Substream = 2^40 + 2; rand(s,1,3)"));
-  EXPECT_EQ(stream_.at_substream(Substream{1ULL << 33}).uniform(3),
-            builtin<double>("s.Substream = 2^33 + 1; rand(s,1,3)"));
+  auto const far = builtin<double>("s.Substream = 2^33 + 1; rand(s,1,3)");
+  EXPECT_EQ(stream_.at_substream(Substream{1ULL << 33}).uniform(3), far);
+  Family const family(stream_.seed(), stream_.generator());
+  EXPECT_EQ(family[Substream{1ULL << 33}].uniform(3), far);
+  EXPECT_EQ(family, Family(stream_.seed(), family.generator()));
+  EXPECT_NE(family, Family(Seed{stream_.seed().value() + 1}, family.generator()));
+}
+
+// A state of another seed makes no other family.
+TEST_P(EveryGenerator, SubstreamsAreThoseOfTheSeed) {
+  Stream const fresh(GetParam(), stream_.seed());
+  std::uint64_t const k = stream_.native().hasSubstreams() ? 3 : 0;
+  std::vector<std::uint64_t> state(stream_.native().getStateBufLen());
+  Stream const other(GetParam(), Seed{99});
+  other.native().getStateBuf(state.data(), state.size());
+  stream_.native().setStateBuf(state.data(), state.size());
+  stream_.uniform(7);
+  EXPECT_EQ(stream_.at_substream(Substream{k}).uniform(3),
+            fresh.at_substream(Substream{k}).uniform(3));
 }
 
 // Integers of 64 bits come as doubles, in parts.
