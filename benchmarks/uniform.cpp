@@ -9,10 +9,12 @@ namespace benchmarks {
 namespace {
 
 template <class T>
-void addOurs(std::string const& work, char const* name, bool fullPrecision) {
-  add<T>(work, name, kOurs, kSizes, [name, fullPrecision] {
+void addOurs(std::string const& work, char const* name, bool fullPrecision,
+             bool antithetic = false) {
+  add<T>(work, name, kOurs, kSizes, [name, fullPrecision, antithetic] {
     auto stream = makeStream(name);
     stream->setFullPrecision(fullPrecision);
+    stream->setAntithetic(antithetic);
     return [stream = std::move(stream)](T* out, std::size_t n) { stream->randuFcn(out, n); };
   });
 }
@@ -34,11 +36,13 @@ void addUniform() {
   const std::string full = "uniform double";
   const std::string reduced = "uniform double, reduced precision";
   const std::string single = "uniform single";
+  const std::string mirrored = "uniform double, antithetic";
 
   for (char const* const name : tfl_rng::generatorNames()) {
     addOurs<double>(full, name, true);
     addOurs<double>(reduced, name, false);
     addOurs<float>(single, name, true);
+    addOurs<double>(mirrored, name, true, true);
   }
 
   using StdDouble = std::uniform_real_distribution<double>;

@@ -47,7 +47,7 @@ std::size_t make(Run& shared, double const* uniforms, std::size_t n) {
     const Doubles place = hn::Sub(hn::Add(u1, u1), hn::Set(f64, 1));
     const Doubles x = hn::Mul(place, edge.right);
     hn::StoreU(x, f64, to);
-    return hn::Not(hn::Le(hn::Abs(x), edge.left));
+    return hn::Gt(hn::Abs(x), edge.left);
   };
   std::size_t at = 0;
   // Books attempts that all made their normals.

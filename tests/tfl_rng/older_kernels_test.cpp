@@ -65,6 +65,10 @@ struct Swb {
     edges.borrow = true;
     for (std::size_t i = 0; i < 8; ++i)
       edges.lags[(31 + 20 + i) % 32] = edges.lags[(31 + 5 + i) % 32];
+    // Lags of 1 to 3 units: differences of 0 and 1, with borrows and without.
+    result.push_back({{}, true, 5, 3});
+    for (std::size_t i = 0; i < 32; ++i)
+      result.back().lags[i] = static_cast<double>(i * i % 7 % 3 + 1) * 0x1p-53;
     // Draw `first` alone borrows, and draws with equal values pass that on: where a vector begins
     // behind scalar draws, and the next one asks what has become of its borrow.
     for (const std::size_t first : {2, 4}) {

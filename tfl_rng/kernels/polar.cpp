@@ -4,6 +4,7 @@
 #include <cmath>
 
 #include "tfl_rng/elementary.h"
+#include "tfl_rng/float_environment.h"
 #include "tfl_rng/kernels/lanes_of.h"
 
 #undef HWY_TARGET_INCLUDE
@@ -133,6 +134,7 @@ std::pair<double, double> PolarPoint::normals() const noexcept {
 }
 
 std::size_t polarNormals(double const* uniforms, std::size_t pairs, double* out) noexcept {
+  const FloatEnvironment environment;
   using namespace elementary;
   return HWY_DYNAMIC_DISPATCH(polar)(uniforms, pairs, out);
 }

@@ -1,7 +1,8 @@
 #pragma once
 
-// Vector kernel of swb2712: a vector of draws at a time, up to eight, while the nearer lag is
-// twelve.
+// Vector kernel of swb2712: twelve draws at a time, as the nearer lag allows, in registers. A
+// borrow is the sign of the difference before; only where that is 0 or 1 does it matter what came
+// before.
 
 #include <cstddef>
 
