@@ -21,6 +21,7 @@ namespace {
 
 constexpr char kLegacy[] = "legacy";
 constexpr char kLibrary[] = "library";
+constexpr char kLanguage[] = "language";
 
 // Whom a case is for.
 enum Family : unsigned { kSingle = 1, kSubstreams = 2, kOld = 4 };
@@ -35,6 +36,33 @@ struct Case {
   unsigned families;
   char const* program;
 };
+
+// 200 operations of every kind in turn, in an order that changes, and what is drawn after each.
+constexpr char kOperations[] =
+    "x = []; t = s.State; "
+    "for k = 1:200; "
+    "j = mod(7*k + floor(k/17),17); "
+    "if j == 0, x = [x rand(s,1,3)]; "
+    "elseif j == 1, x = [x double(rand(s,1,3,'single'))]; "
+    "elseif j == 2, x = [x randn(s,1,3)]; "
+    "elseif j == 3, x = [x randi(s,1000,1,3)]; "
+    "elseif j == 4, x = [x double(randi(s,9,1,3,'int8'))]; "
+    "elseif j == 5, x = [x randperm(s,7)]; "
+    "elseif j == 6, x = [x randperm(s,40,9)]; "
+    "elseif j == 7, x = [x randperm(s,12,9)]; "
+    "elseif j == 8, s.RandnAlg = 'Polar'; "
+    "elseif j == 9, s.RandnAlg = 'Inversion'; "
+    "elseif j == 10, s.RandnAlg = 'Ziggurat'; "
+    "elseif j == 11, s.Antithetic = ~s.Antithetic; "
+    "elseif j == 12, s.FullPrecision = ~s.FullPrecision; "
+    "elseif j == 13, advance(s,k); "
+    "elseif j == 14, t = s.State; "
+    "elseif j == 15, s.State = t; "
+    "else, y = snapshot(s); q = rand(s,1,k); restore(s,y); "
+    "end; "
+    "if mod(k,50) == 0, reset(s); end; "
+    "x = [x rand(s) randn(s)]; "
+    "end; x";
 
 constexpr Case kCases[] = {
     {"rand", kAll, "rand(s,1,n)"},
@@ -54,6 +82,11 @@ constexpr Case kCases[] = {
     {"after-advance", kAll, "advance(s,100003); [rand(s,1,n) randn(s,1,n)]"},
     {"after-reduced-advance", kOwn, "s.FullPrecision = false; advance(s,100003); rand(s,1,n)"},
     {"after-far-advance", kSubstreams, "advance(s,2^50+12345); rand(s,1,n)"},
+    {"after-4-gigabytes", kAll, "advance(s,2^29+12345); rand(s,1,n)"},
+    {"after-64-gigabytes", kOwn, "advance(s,2^33+12345); rand(s,1,n)"},
+    {"after-operations", kOwn, kOperations},
+    {"rand-past-caches", kOwn,
+     "x = rand(s,1,2^22+1001); [x(1:1001) x(2^21:2^21+1000) x(2^22-1000:2^22+1001)]"},
     {"after-substream", kSubstreams, "s.Substream = 3; rand(s,1,n)"},
     {"after-far-substream", kSubstreams,
      "s.Substream = 2^40+7; q = rand(s,1,5); s.Substream = 2^45; rand(s,1,n)"},
@@ -127,21 +160,65 @@ unsigned familyOf(std::string_view generator) {
   return !row ? kOld : row->hasSubstreams() ? kSubstreams : kSingle;
 }
 
+// A machine for which what the user has set is of no account.
+struct BareVm : runtime::Vm {
+  BareVm() {
+    context().useSettingsFile({});
+    context().setWarningSink([](auto const&, std::string const&) {});
+  }
+  void takeValue(char const* name, char const* program, TakeRow const& take) {
+    txArrayPtr const value = evaluate(program);
+    Hash hash;
+    hash.add(value->data(), static_cast<std::size_t>(value->numel()) * (value->isComplex() ? 2 : 1),
+             embedded_host::elementBytes(value->classID()));
+    take(name, hash.value());
+  }
+};
+
 void computeDraws(std::string_view generator, TakeRow const& take) {
   unsigned const family = familyOf(generator);
-  runtime::Vm vm;
-  vm.context().useSettingsFile({});  // what the user has set is of no account
-  vm.context().setWarningSink([](auto const&, std::string const&) {});
+  BareVm vm;
   vm.evaluate("type = '" + std::string(generator) + "';");
   for (Case const& row : kCases) {
     if ((row.families & family) == 0) continue;
     vm.evaluate(family == kOld ? kBeginLegacy : family == kSingle ? kBeginSingle : kBegin);
-    txArrayPtr const value = vm.evaluate(row.program);
-    Hash hash;
-    hash.add(value->data(), static_cast<std::size_t>(value->numel()) * (value->isComplex() ? 2 : 1),
-             embedded_host::elementBytes(value->classID()));
-    take(row.name, hash.value());
+    vm.takeValue(row.name, row.program, take);
   }
+}
+
+// What the host language computes: the same everywhere as well. tests/shell/test_arithmetic.py
+// computes those of the first group itself, from integers and fractions.
+constexpr char kBeginLanguage[] =
+    "k = 1:2000; y = mod(k*7919,10007)/10007; z = (mod(k*104729,20011)-10005)/2^7;"
+    "a = int64(2)^59 + int64(k)*int64(1729382256910270); u = uint64(a)*3; c = complex(y,z);";
+constexpr struct {
+  char const* name;
+  char const* program;
+} kLanguageCases[] = {
+    {"products", "a.*y"},
+    {"quotients", "u./z"},
+    {"sums", "a + z"},
+    {"moduli", "mod(a,z)"},
+    {"remainders", "rem(-a,y*1e6)"},
+    {"running-sums", "cumsum(y)"},
+    {"integer-sums", "cumsum(a - int64(2)^60)"},
+
+    {"running-products", "cumprod(1 + z/2^20)"},
+    {"statistics", "[mean(z) var(z) std(z) median(z) min(z) max(z)]"},
+    {"ranges", "[0:0.1:100, 10:-0.3:-10, single(0):single(0.1):single(9)]"},
+    {"integer-ranges", "int64(-9007199254740993):int64(4503599627370496):int64(2)^62/2^8"},
+    {"complex", "[c.*(k - 3i), c./(k - 3i), c.^3]"},
+    {"powers", "[z.^5, y.^-3, sqrt(y)]"},
+    {"single", "[single(y).*single(z), single(y)./single(z), single(a)]"},
+    {"matrix-product", "reshape(z,40,50)*reshape(y,50,40)"},
+    {"small-integers", "[int8(z), int8(k).*z, int8(100)-int8(k)]"},
+    {"sorted", "sort(z)"},
+};
+
+void computeLanguage(TakeRow const& take) {
+  BareVm vm;
+  vm.evaluate(kBeginLanguage);
+  for (auto const& row : kLanguageCases) vm.takeValue(row.name, row.program, take);
 }
 
 // Doubles from every binary order of (0,1), a few hundred of each, and their mirror images near 1.
@@ -213,14 +290,16 @@ std::span<char const* const> generators() {
   static std::vector<char const*> const names = [] {
     auto const own = tfl_rng::generatorNames();
     std::vector<char const*> all(own.begin(), own.end());
-    all.insert(all.end(), {kLegacy, kLibrary});
+    all.insert(all.end(), {kLegacy, kLibrary, kLanguage});
     return all;
   }();
   return names;
 }
 
 void computeRows(std::string_view generator, TakeRow const& take) {
-  generator == kLibrary ? computeLibrary(take) : computeDraws(generator, take);
+  if (generator == kLibrary) return computeLibrary(take);
+  if (generator == kLanguage) return computeLanguage(take);
+  computeDraws(generator, take);
 }
 
 }  // namespace golden

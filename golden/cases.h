@@ -21,8 +21,8 @@ class Hash {
   std::uint64_t value_ = 0xCBF2'9CE4'8422'2325;
 };
 
-// The generators, the one behind the two-part syntax ("legacy") and "library" for what is below
-// them, in the order of the table.
+// The generators, the one behind the two-part syntax ("legacy"), "library" for what is below them,
+// and "language" for what the host language computes, in the order of the table.
 std::span<char const* const> generators();
 
 // Computes every row of a generator on the calling thread's settings (vector target, threads).

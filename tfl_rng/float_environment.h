@@ -8,7 +8,7 @@
 #include <cfenv>
 #include <cstdint>
 
-#if defined(__SSE2__)
+#if defined(__x86_64__)
 #include <xmmintrin.h>
 #endif
 
@@ -45,7 +45,7 @@ class FloatEnvironment {
   }
 
  private:
-#if defined(__SSE2__)
+#if defined(__x86_64__)
   void setDefault() noexcept {
     callers_ = _mm_getcsr();
     _mm_setcsr(0x1F80);  // exceptions masked
@@ -60,10 +60,9 @@ class FloatEnvironment {
   void putBack() const noexcept { asm volatile("msr fpcr, %0" : : "r"(callers_)); }
   std::uint64_t callers_;
 #elif defined(FE_TONEAREST)
-  // The rounding mode, and traps, are all that the language can set.
   void setDefault() noexcept {
-    std::feholdexcept(&callers_);
-    std::fesetround(FE_TONEAREST);
+    std::fegetenv(&callers_);
+    std::fesetenv(FE_DFL_ENV);
   }
   void putBack() const noexcept { std::fesetenv(&callers_); }
   std::fenv_t callers_;

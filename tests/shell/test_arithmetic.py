@@ -4,10 +4,13 @@
     test_arithmetic.py TVRNG
 """
 
+import itertools
 import json
 import math
 import operator
+import pathlib
 import random
+import struct
 import subprocess
 import sys
 import unittest
@@ -15,6 +18,7 @@ from decimal import Decimal
 from fractions import Fraction
 
 TVRNG = ""
+GOLDEN = pathlib.Path(__file__).resolve().parents[2] / "golden/golden_table.txt"
 LOWEST = {"int64": -2**63, "uint64": 0}
 HIGHEST = {"int64": 2**63 - 1, "uint64": 2**64 - 1}
 SPECIAL = [0.0, -0.0, math.inf, -math.inf, math.nan, 0.5, -0.5, 1.5, 2.5, 0.25, 5e-324, 1e308,
@@ -124,6 +128,28 @@ class WideIntegers(unittest.TestCase):
         ys = [self.random.random() for _ in xs]
         self.check(f"{row(xs, 'int64')} .* {row(ys)}", zip(xs, ys),
                    [rounded(Fraction(x) * Fraction(y), "int64") for x, y in zip(xs, ys)])
+
+    def test_golden_rows_are_those_of_exact_arithmetic(self):
+        ks = range(1, 2001)
+        ys = [k * 7919 % 10007 / 10007 for k in ks]
+        zs = [(k * 104729 % 20011 - 10005) / 2**7 for k in ks]
+        a = [2**59 + k * 1729382256910270 for k in ks]
+        expected = {
+            "products": [rounded(Fraction(x) * Fraction(y), "int64") for x, y in zip(a, ys)],
+            "quotients": [rounded(quotient(3 * x, z), "uint64") for x, z in zip(a, zs)],
+            "sums": [rounded(x + Fraction(z), "int64") for x, z in zip(a, zs)],
+            "moduli": [rounded(modulus(x, z), "int64") for x, z in zip(a, zs)],
+            "remainders": [rounded(remainder(-x, y * 1e6), "int64") for x, y in zip(a, ys)],
+            "running-sums": list(itertools.accumulate(ys)),
+            "integer-sums": [rounded(sum, "int64")
+                             for sum in itertools.accumulate(x - 2**60 for x in a)],
+        }
+        for name, values in expected.items():
+            of = "d" if isinstance(values[0], float) else "Q" if name == "quotients" else "q"
+            hashed = 0xCBF29CE484222325
+            for byte in struct.pack(f"<{len(values)}{of}", *values):
+                hashed = (hashed ^ byte) * 0x100000001B3 % 2**64
+            self.assertIn(f"language {name} {hashed:016x}\n", GOLDEN.read_text(), name)
 
     def test_arithmetic(self):
         for of, xs, ys, given in self.operands():
