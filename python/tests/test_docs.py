@@ -38,15 +38,25 @@ def test_docstrings_have_examples_that_run(name):
     run_examples(text, name)
 
 
+@pytest.mark.parametrize("name", ["random.default_rng", "dask.rand"])
+def test_examples_of_submodules_run(name):
+    module, function = name.split(".")
+    found = pytest.importorskip(f"tvmathrng.{module}", reason=f"{module} is not installed")
+    assert run_examples(getattr(found, function).__doc__, name) > 0
+
+
 def test_sampling_functions_tell_their_signatures():
     assert tv.RandStream.rand.__text_signature__.startswith("($self, /, *shape, dtype='float64'")
     assert run_examples(tv.RandStream.rand.__doc__, "rand") >= 4
 
 
-def test_examples_of_the_guide_run():
+@pytest.mark.parametrize("page, least", [("python.md", 20), ("parallel.md", 6)])
+def test_examples_of_the_pages_run(page, least):
+    if page == "parallel.md":
+        pytest.importorskip("dask", reason="Dask is not installed")
     # Fences of code are no part of the examples.
-    text = GUIDE.read_text(encoding="utf-8").replace("```", "\n")
-    assert run_examples(text, GUIDE.name) > 20
+    text = GUIDE.with_name(page).read_text(encoding="utf-8").replace("```", "\n")
+    assert run_examples(text, page) > least
 
 
 def defined(body):
