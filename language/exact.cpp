@@ -4,6 +4,7 @@
 #include <bit>
 #include <cmath>
 
+#include "tfl_rng/plain_arithmetic.h"  // IWYU pragma: keep
 #include "tfl_rng/uint128.h"
 
 namespace language {

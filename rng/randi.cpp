@@ -12,6 +12,7 @@
 #include "rng/randstream.h"
 #include "rng/uniform_source.h"
 #include "rng/whole_draw.h"
+#include "tfl_rng/plain_arithmetic.h"  // IWYU pragma: keep
 
 namespace {
 

@@ -5,6 +5,7 @@
 
 #include "tfl_rng/elementary_exp.h"
 #include "tfl_rng/elementary_tables.h"
+#include "tfl_rng/plain_arithmetic.h"  // IWYU pragma: keep
 
 namespace tfl_rng {
 
