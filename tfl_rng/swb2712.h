@@ -4,8 +4,7 @@
 // Source of the recurrence: G. Marsaglia and A. Zaman, A new class of random number generators,
 // Annals of Applied Probability 1 (1991) 462-480, with base 2^53.
 //
-// Period      of the recurrence: the order of 2^53 modulo the probable prime m = 2^1431 - 2^636 +
-// 1,
+// Period      of the recurrence: the order of 2^53 modulo m = 2^1431 - 2^636 + 1, a probable prime:
 //             (m - 1) / 2, about 2^1430, unless a prime above 2,000,000 divides its index.
 // Recurrence  z(n) = z(n-12) - z(n-27) - borrow modulo 1; borrow is 2^-53 after a wrap, else 0.
 //             A z of 0 is stored as 2^-53.
@@ -14,9 +13,8 @@
 //             mix32(~c) >> 11, where mix32 is the finaliser of MurmurHash3. 0 is delivered as
 //             2^-53. Alone, the recurrence fails tests of gaps and birthday spacings.
 // Jump-ahead  by the congruence modulo m that the recurrence is equivalent to.
-// State       32 lag values (z, unmixed, in a ring), the borrow, the ring position of the next z
-// and
-//             the Weyl counter c.
+// State       32 lag values (z, unmixed, in a ring), the borrow, the ring position of the next z,
+//             and the Weyl counter c.
 // Seeding     a 32-bit shift register (shr3cong.h) that starts at the seed (0: 521288629) makes
 //             32 steps unread, then two for each lag value, 27 and 26 bits. c becomes the seed, the
 //             borrow 0, the position 0.

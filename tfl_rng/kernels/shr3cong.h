@@ -1,6 +1,6 @@
 #pragma once
 
-// Vector kernels of shr3cong: 16 draws at a time from the state before them.
+// Vector kernels of shr3cong: 32 draws at a time from the state before them.
 
 #include <cstddef>
 
