@@ -8,7 +8,7 @@
 
 #include "errors/keys.h"
 #include "host/tx_array.h"
-#include "rng/global_stream.h"
+#include "rng/acquire_global_stream.h"
 #include "rng/randstream.h"
 #include "rng/stream_handle.h"
 

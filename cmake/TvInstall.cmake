@@ -39,9 +39,9 @@ list(APPEND headers
   language/session.h
   language/token.h
   plugin_rng/interfaces.h
+  rng/acquire_global_stream.h
   rng/create_stream.h
   rng/generator_names.h
-  rng/global_stream.h
   rng/mr_functions.h
   rng/one_user.h
   rng/randstream.h

@@ -27,8 +27,8 @@ namespace plugin_rng {
 // How a fill is cut into leaves.
 struct Split {
   std::size_t grain;
-  bool
-      adaptive;  // leaves longer than half the grain, as idle threads ask; else halved to the grain
+  // Leaves are longer than half the grain, as idle threads ask; else they are halved to the grain.
+  bool adaptive;
 };
 
 #ifdef TV_SERIAL

@@ -5,7 +5,7 @@
 #include <algorithm>
 #include <cmath>
 
-#include "report/p_values.h"
+#include "report/p_value_section.h"
 #include "report/page.h"
 #include "report/report.h"
 

@@ -4,7 +4,7 @@
 
 #include <cmath>
 
-#include "report/p_values.h"
+#include "report/p_value_section.h"
 #include "report/page.h"
 #include "report/report.h"
 

@@ -1,6 +1,6 @@
 #include "rng/mr_functions.h"
 
-#include "rng/global_stream.h"
+#include "rng/acquire_global_stream.h"
 #include "rng/stream_handle.h"
 #include "tfl_rng/minimal_standard.h"
 

@@ -197,7 +197,7 @@ std::unique_ptr<randstream> newStream(std::string const& generator, std::uint32_
                                       std::uint64_t numStreams, std::uint64_t streamIndex) {
   using plugin_rng::legacy_plugin;
   if (generator == legacy_plugin::kType)
-    return makeStream(legacy_plugin::kType, seed, PluginOwner(new plugin_rng::Own<legacy_plugin>),
+    return streamOver(legacy_plugin::kType, seed, PluginOwner(new plugin_rng::Own<legacy_plugin>),
                       numStreams, streamIndex);
   return std::unique_ptr<randstream>(
       mrCreateRNGStream(generator.c_str(), numStreams, streamIndex, seed, nullptr, 0));

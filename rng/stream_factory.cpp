@@ -33,5 +33,5 @@ randstream* mrCreateRNGStream(char const* type, std::uint64_t numStreams, std::u
   // No generator reads parameter words; only their number counts.
   PluginOwner plugin(
       factory(numStreams, streamIndex, seed, reinterpret_cast<double const*>(params), nParams));
-  return makeStream(type, seed, std::move(plugin), numStreams, streamIndex).release();
+  return streamOver(type, seed, std::move(plugin), numStreams, streamIndex).release();
 }

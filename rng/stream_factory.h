@@ -13,7 +13,7 @@ struct PluginDestroyer {
 using PluginOwner = std::unique_ptr<plugin_rng::IPluginRNG, PluginDestroyer>;
 
 // Wraps a plug-in in a new stream; on failure the plug-in is destroyed and nothing remains.
-inline std::unique_ptr<randstream> makeStream(char const* type, unsigned int seed,
+inline std::unique_ptr<randstream> streamOver(char const* type, unsigned int seed,
                                               PluginOwner plugin, std::uint64_t numStreams,
                                               std::uint64_t streamIndex) {
   auto stream = std::make_unique<randstream>(type, seed, plugin.get(), numStreams, streamIndex);

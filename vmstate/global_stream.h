@@ -7,7 +7,7 @@
 
 #include "host/export.h"
 #include "host/tx_array.h"
-#include "rng/global_stream.h"
+#include "rng/acquire_global_stream.h"
 #include "rng/randstream.h"
 
 // The current VM's global stream; empty when there is none yet. Makes nothing.

@@ -1,4 +1,4 @@
-#include "plugin_rng/plugins.h"
+#include "plugin_rng/generator_plugins.h"
 
 #include <core_headers.h>  // of all cores; written by tfl_rng/CMakeLists.txt
 

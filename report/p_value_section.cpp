@@ -1,4 +1,4 @@
-#include "report/p_values.h"
+#include "report/p_value_section.h"
 
 #include <fmt/format.h>
 
