@@ -26,15 +26,11 @@ bool mcg16807::load(StateWord const* words) noexcept {
 }
 
 void mcg16807::randu(double* out, std::size_t n) {
-  namespace kernels = minimal_standard;
-  word_ = fullPrecision() ? kernels::fill(kernels::Full{}, word_, out, n)
-                          : kernels::fill(kernels::Reduced{}, word_, out, n);
+  word_ = minimal_standard::fill(Form{fullPrecision()}, Stores::cached, word_, out, n);
 }
 
 void mcg16807::randuStreaming(double* out, std::size_t n) {
-  namespace kernels = minimal_standard;
-  word_ = fullPrecision() ? kernels::fillStreaming(kernels::Full{}, word_, out, n)
-                          : kernels::fillStreaming(kernels::Reduced{}, word_, out, n);
+  word_ = minimal_standard::fill(Form{fullPrecision()}, Stores::streaming, word_, out, n);
 }
 
 errorID mcg16807::advance(std::uint64_t n) noexcept {
@@ -48,7 +44,7 @@ void mcg16807::randn(double* out, std::size_t n) {
   for (double* const end = out + n; out < end;) {
     const auto left = static_cast<std::size_t>(end - out);
     const std::size_t pairs = std::min((left + 1) / 2, kMostPairs);
-    word_ = minimal_standard::fill(minimal_standard::Reduced{}, word_, uniforms, 2 * pairs);
+    word_ = minimal_standard::fill(Form::reduced, Stores::cached, word_, uniforms, 2 * pairs);
     const std::size_t fitting = std::min(pairs, left / 2);
     out += 2 * polarNormals(uniforms, fitting, out);
     if (fitting == pairs) continue;

@@ -143,7 +143,7 @@ Table& mlfg6331_64::inOrder(std::uint64_t n) noexcept {
 }
 
 void mlfg6331_64::randu(double* out, std::size_t n) {
-  if (n >= kFewDraws) return mlfg6331::run(inOrder(n), out, n);
+  if (n >= kFewDraws) return mlfg6331::run(Stores::cached, inOrder(n), out, n);
   std::size_t oldest = oldest_;
   for (std::size_t i = 0; i < n; ++i) {
     out[i] = open52(mlfg6331::reference::step(words_, oldest));
@@ -154,12 +154,12 @@ void mlfg6331_64::randu(double* out, std::size_t n) {
 }
 
 void mlfg6331_64::randuStreaming(double* out, std::size_t n) {
-  mlfg6331::runStreaming(inOrder(n), out, n);
+  mlfg6331::run(Stores::streaming, inOrder(n), out, n);
 }
 
 errorID mlfg6331_64::advance(std::uint64_t n) {
   if (n <= kMostSteps) {
-    mlfg6331::run(inOrder(n), nullptr, static_cast<std::size_t>(n));
+    mlfg6331::run(Stores::cached, inOrder(n), nullptr, static_cast<std::size_t>(n));
     return ok;
   }
   Table jumped = inOrder(0);

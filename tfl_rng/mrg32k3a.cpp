@@ -83,11 +83,7 @@ bool mrg32k3a::load(StateWord const* words) noexcept {
 }
 
 void mrg32k3a::randu(double* out, std::size_t n) {
-  if (fullPrecision()) {
-    mrg32k3a_steps::fill(mrg32k3a_steps::Full{}, state_.current, out, n);
-  } else {
-    mrg32k3a_steps::fill(mrg32k3a_steps::Reduced{}, state_.current, out, n);
-  }
+  mrg32k3a_steps::fill(Form{fullPrecision()}, state_.current, out, n);
 }
 
 errorID mrg32k3a::advance(std::uint64_t n) {

@@ -61,14 +61,14 @@ bool mt19937ar::load(StateWord const* words) noexcept {
 
 void mt19937ar::randu(double* out, std::size_t n) {
   if (fullPrecision())
-    fill(mt19937::Full{}, out, n);
+    fill(Full{}, out, n);
   else
-    fill(mt19937::Reduced{}, out, n);
+    fill(Reduced{}, out, n);
 }
 
 template <class Precision>
 void mt19937ar::fill(Precision precision, double* out, std::size_t n) {
-  constexpr std::size_t each = Precision::kWordsEach;
+  constexpr std::size_t each = Precision::kStepsEach;
   if (n == 1 && position_ <= kWords - each) {  // one value a call: nothing but its own words
     *out = mt19937::reference::convert(precision, batch_.words + position_);
     position_ += each;
@@ -96,7 +96,7 @@ void mt19937ar::fill(Precision precision, double* out, std::size_t n) {
 }
 
 void mt19937ar::regenerate() {
-  mt19937::regenerateAndFill(mt19937::Reduced{}, batch_, nullptr, 0);
+  mt19937::regenerateAndFill(Reduced{}, batch_, nullptr, 0);
   position_ = 0;
 }
 

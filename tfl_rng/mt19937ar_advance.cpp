@@ -36,7 +36,7 @@ BinaryModulus const& modulus() {
 }  // namespace
 
 errorID mt19937ar::advance(std::uint64_t n) {
-  const unsigned each = fullPrecision() ? mt19937::Full::kWordsEach : mt19937::Reduced::kWordsEach;
+  const unsigned each = fullPrecision() ? Full::kStepsEach : Reduced::kStepsEach;
   const uint128 total = uint128{n} * each + position_;
   if (total <= kWords) {
     position_ = static_cast<std::size_t>(total);

@@ -4,7 +4,6 @@
 
 #include "tfl_rng/convert.h"
 #include "tfl_rng/elementary.h"
-#include "tfl_rng/kernels/shr3cong.h"
 #include "tfl_rng/to_double.h"
 #include "tfl_rng/uint128.h"
 #include "tfl_rng/ziggurat128.h"
@@ -24,7 +23,7 @@ constexpr std::uint32_t apply(Matrix const& map, std::uint32_t word) noexcept {
 // 2^0, 2^1, ... 2^31 steps. The period is 2^32 - 1: 2^32 steps are one.
 constexpr auto kRegisterSquarings = [] {
   std::array<Matrix, 32> powers{};
-  for (std::size_t i = 0; i < 32; ++i) powers[0][i] = shr3cong::shiftRegisterStep(1u << i);
+  for (std::size_t i = 0; i < 32; ++i) powers[0][i] = shr3cong_kernel::shiftRegisterStep(1u << i);
   for (std::size_t k = 1; k < powers.size(); ++k)
     for (std::size_t i = 0; i < 32; ++i)
       powers[k][i] = apply(powers[k - 1], apply(powers[k - 1], 1u << i));
@@ -54,27 +53,17 @@ bool shr3cong::load(StateWord const* words) noexcept {
 }
 
 void shr3cong::randu(double* out, std::size_t n) {
-  namespace kernels = shr3cong_kernel;
-  if (fullPrecision()) {
-    kernels::fill(kernels::Full{}, state_, out, n);
-  } else {
-    kernels::fill(kernels::Reduced{}, state_, out, n);
-  }
+  shr3cong_kernel::fill(Form{fullPrecision()}, Stores::cached, state_, out, n);
 }
 
 void shr3cong::randuStreaming(double* out, std::size_t n) {
-  namespace kernels = shr3cong_kernel;
-  if (fullPrecision()) {
-    kernels::fillStreaming(kernels::Full{}, state_, out, n);
-  } else {
-    kernels::fillStreaming(kernels::Reduced{}, state_, out, n);
-  }
+  shr3cong_kernel::fill(Form{fullPrecision()}, Stores::streaming, state_, out, n);
 }
 
 errorID shr3cong::advance(std::uint64_t n) noexcept {
   uint128 steps = uint128{n} * (fullPrecision() ? 2 : 1);
-  std::uint32_t factor = kFactor;  // of the congruential generator over 2^k steps
-  std::uint32_t term = kTerm;
+  std::uint32_t factor = shr3cong_kernel::kFactor;  // of the congruential generator over 2^k steps
+  std::uint32_t term = shr3cong_kernel::kTerm;
   for (std::size_t k = 0; steps > 0; ++k, steps /= 2) {
     if (steps % 2 != 0) {
       state_.congruential = factor * state_.congruential + term;

@@ -19,6 +19,7 @@
 
 #include "tfl_rng/core_rng.h"
 #include "tfl_rng/export.h"
+#include "tfl_rng/kernels/shr3cong.h"
 
 namespace tfl_rng {
 
@@ -27,33 +28,10 @@ struct Ziggurat128;
 class TFL_EXPORT shr3cong final : public CoreNormalRNG {
  public:
   static constexpr std::uint32_t kCongruentialStart = 362436069;
-  static constexpr std::uint32_t kFactor = 69069;
-  static constexpr std::uint32_t kTerm = 1234567;
   // Stands in for a shift-register word of 0, which the register would never leave.
   static constexpr std::uint32_t kShiftRegisterDefault = 521288629;
 
-  // One step of each part alone.
-  static constexpr std::uint32_t congruentialStep(std::uint32_t word) noexcept {
-    return kFactor * word + kTerm;
-  }
-  static constexpr std::uint32_t shiftRegisterStep(std::uint32_t word) noexcept {
-    word ^= word << 13;
-    word ^= word >> 17;
-    return word ^ (word << 5);
-  }
-
-  struct State {
-    std::uint32_t congruential;
-    // 0 is legal and leaves the congruential generator alone.
-    std::uint32_t shiftRegister;
-
-    std::uint32_t step() noexcept {
-      congruential = congruentialStep(congruential);
-      shiftRegister = shiftRegisterStep(shiftRegister);
-      return congruential + shiftRegister;
-    }
-    bool operator==(State const&) const = default;
-  };
+  using State = shr3cong_kernel::State;
 
   shr3cong(std::uint32_t seed, bool fullPrecision);
 

@@ -3,7 +3,6 @@
 #include <algorithm>
 
 #include "tfl_rng/convert.h"
-#include "tfl_rng/kernels/swb2712.h"
 #include "tfl_rng/shr3cong.h"
 #include "tfl_rng/to_double.h"
 
@@ -24,7 +23,7 @@ swb2712::swb2712(std::uint32_t seed, bool fullPrecision) : CoreRNG(fullPrecision
 
 void swb2712::reset(std::uint32_t seed) {
   std::uint32_t word = seed == 0 ? shr3cong::kShiftRegisterDefault : seed;
-  auto next = [&word] { return word = shr3cong::shiftRegisterStep(word); };
+  auto next = [&word] { return word = shr3cong_kernel::shiftRegisterStep(word); };
   for (int i = 0; i < kUnreadSteps; ++i) next();
   for (double& lag : state_.lags) {
     const std::uint32_t high = next();

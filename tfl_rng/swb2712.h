@@ -19,27 +19,16 @@
 //             32 steps unread, then two for each lag value, 27 and 26 bits. c becomes the seed, the
 //             borrow 0, the position 0.
 
-#include <array>
-
 #include "tfl_rng/core_rng.h"
 #include "tfl_rng/export.h"
+#include "tfl_rng/kernels/swb2712.h"
 
 namespace tfl_rng {
 
 class TFL_EXPORT swb2712 final : public CoreRNG {
  public:
-  static constexpr std::size_t kLags = 32;
-
-  struct State {
-    // Each in [2^-53, 1). Values that are no multiple of 2^-53 are kept as they are and cut down
-    // to one where they are used.
-    std::array<double, kLags> lags;
-    bool borrow;
-    std::uint32_t position;  // below kLags
-    std::uint32_t counter;
-
-    bool operator==(State const&) const = default;
-  };
+  static constexpr std::size_t kLags = swb2712_kernel::kLags;
+  using State = swb2712_kernel::State;
 
   swb2712(std::uint32_t seed, bool fullPrecision);
 

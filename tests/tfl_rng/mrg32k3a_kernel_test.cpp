@@ -78,13 +78,13 @@ class Mrg32k3aKernel : public testing::Test {
     std::vector<double> expected(n + 1, kUntouched), actual(n + 1, kUntouched);
     Words last = start, words = start;
     kernels::reference::fill(Precision{}, last, expected.data(), n);
-    kernels::fill(Precision{}, words, actual.data(), n);
+    kernels::fill(tfl_rng::Form{std::is_same_v<Precision, tfl_rng::Full>}, words, actual.data(), n);
     ASSERT_EQ(actual, expected) << n;
     ASSERT_EQ(words, last) << n;
   }
 };
 
-using Precisions = testing::Types<kernels::Reduced, kernels::Full>;
+using Precisions = testing::Types<tfl_rng::Reduced, tfl_rng::Full>;
 TYPED_TEST_SUITE(Mrg32k3aKernel, Precisions);
 
 // Every count around the blocks of all lengths.

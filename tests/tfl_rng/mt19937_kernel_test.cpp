@@ -13,6 +13,7 @@
 namespace {
 
 using namespace tfl_rng::mt19937;
+using tfl_rng::Full, tfl_rng::Reduced;
 
 constexpr double kUntouched = -7;
 
@@ -29,14 +30,14 @@ template <class Precision>
 class Mt19937Kernel : public testing::Test {
  protected:
   using P = Precision;
-  static constexpr std::size_t kMost = kWords / P::kWordsEach;
+  static constexpr std::size_t kMost = kWords / P::kStepsEach;
 };
 
 using Precisions = testing::Types<Full, Reduced>;
 TYPED_TEST_SUITE(Mt19937Kernel, Precisions);
 
 TYPED_TEST(Mt19937Kernel, FillEqualsTheScalarFormAtEveryPosition) {
-  constexpr std::size_t each = TypeParam::kWordsEach;
+  constexpr std::size_t each = TypeParam::kStepsEach;
   const Batch batch = randomBatch();
   every_target::run([&] {
     for (std::size_t position = 0; position < kWords; ++position) {

@@ -78,11 +78,11 @@ TEST(MlfgKernel, RunEqualsTheScalarForm) {
       mlfg::Terms reference = start;
       mlfg::reference::run(reference, expected.data(), n);
       mlfg::Terms table = start;
-      mlfg::run(table, values.data(), n);
+      mlfg::run(tfl_rng::Stores::cached, table, values.data(), n);
       ASSERT_EQ(values, expected) << n;
       ASSERT_EQ(table, reference) << n;
       table = start;
-      mlfg::run(table, nullptr, n);
+      mlfg::run(tfl_rng::Stores::cached, table, nullptr, n);
       ASSERT_EQ(table, reference) << n << " steps without draws";
     }
   });

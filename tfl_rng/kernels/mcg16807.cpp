@@ -143,7 +143,7 @@ HWY_INLINE std::uint32_t fillFrom(std::uint32_t word, double* out, std::size_t n
                          HWY_ATTR { hn::StoreU(drawsAt(Precision{}, base, i), f64, to); };
   const auto step = static_cast<std::ptrdiff_t>(lanes);
   const auto block = static_cast<std::ptrdiff_t>(lanes * kVectors);
-  constexpr auto const& lastFactors = kFactors<Precision::kWordsEach, Precision::kWordsEach>;
+  constexpr auto const& lastFactors = kFactors<Precision::kStepsEach, Precision::kStepsEach>;
   auto left = static_cast<std::ptrdiff_t>(n);
   Words base = hn::Set(u64, word);
   const Words blockFactor = hn::Set(u64, lastFactors[kMaxLanes - 1 + lanes * kVectors]);
@@ -170,17 +170,15 @@ HWY_INLINE std::uint32_t fillStreaming(std::uint32_t word, double* out, std::siz
 
 #endif
 
-std::uint32_t fillReduced(std::uint32_t word, double* out, std::size_t n) {
-  return fillFrom<Reduced>(word, out, n);
+template <class Precision>
+std::uint32_t fillTo(Stores stores, std::uint32_t word, double* out, std::size_t n) {
+  return stores == Stores::cached ? fillFrom<Precision>(word, out, n)
+                                  : fillStreaming<Precision>(word, out, n);
 }
-std::uint32_t fillFull(std::uint32_t word, double* out, std::size_t n) {
-  return fillFrom<Full>(word, out, n);
-}
-std::uint32_t streamReduced(std::uint32_t word, double* out, std::size_t n) {
-  return fillStreaming<Reduced>(word, out, n);
-}
-std::uint32_t streamFull(std::uint32_t word, double* out, std::size_t n) {
-  return fillStreaming<Full>(word, out, n);
+
+std::uint32_t fillAny(Form form, Stores stores, std::uint32_t word, double* out, std::size_t n) {
+  return form == Form::full ? fillTo<Full>(stores, word, out, n)
+                            : fillTo<Reduced>(stores, word, out, n);
 }
 
 }  // namespace tfl_rng::minimal_standard::HWY_NAMESPACE
@@ -189,24 +187,12 @@ HWY_AFTER_NAMESPACE();
 #if HWY_ONCE
 namespace tfl_rng::minimal_standard {
 
-HWY_EXPORT(fillReduced);
-HWY_EXPORT(fillFull);
-HWY_EXPORT(streamReduced);
-HWY_EXPORT(streamFull);
+HWY_EXPORT(fillAny);
 
-std::uint32_t fill(Reduced, std::uint32_t word, double* out, std::size_t n) {
-  if (n < kLeastDraws) return reference::fill(Reduced{}, word, out, n);
-  return HWY_DYNAMIC_DISPATCH(fillReduced)(word, out, n);
-}
-std::uint32_t fill(Full, std::uint32_t word, double* out, std::size_t n) {
-  if (n < kLeastDraws) return reference::fill(Full{}, word, out, n);
-  return HWY_DYNAMIC_DISPATCH(fillFull)(word, out, n);
-}
-std::uint32_t fillStreaming(Reduced, std::uint32_t word, double* out, std::size_t n) {
-  return HWY_DYNAMIC_DISPATCH(streamReduced)(word, out, n);
-}
-std::uint32_t fillStreaming(Full, std::uint32_t word, double* out, std::size_t n) {
-  return HWY_DYNAMIC_DISPATCH(streamFull)(word, out, n);
+std::uint32_t fill(Form form, Stores stores, std::uint32_t word, double* out, std::size_t n) {
+  if (n >= kLeastDraws) return HWY_DYNAMIC_DISPATCH(fillAny)(form, stores, word, out, n);
+  return form == Form::full ? reference::fill(Full{}, word, out, n)
+                            : reference::fill(Reduced{}, word, out, n);
 }
 
 }  // namespace tfl_rng::minimal_standard

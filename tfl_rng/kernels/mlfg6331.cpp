@@ -20,8 +20,7 @@ namespace tfl_rng::mlfg6331::HWY_NAMESPACE {
 
 #if HWY_TARGET == HWY_SCALAR
 
-void run(Terms& table, double* out, std::size_t n) { reference::run(table, out, n); }
-void runStreaming(Terms& table, double* out, std::size_t n) { reference::run(table, out, n); }
+void runAny(Stores, Terms& table, double* out, std::size_t n) { reference::run(table, out, n); }
 void apply(Terms const& coefficients, Terms& terms) { reference::apply(coefficients, terms); }
 
 #else
@@ -107,11 +106,9 @@ void runAll(Terms& table, double* out, std::size_t n) {
   runRest<Results>(table, Results::kKept ? out + whole : out, n - whole);
 }
 
-void run(Terms& table, double* out, std::size_t n) {
-  out ? runAll<Cached>(table, out, n) : runAll<Discarded>(table, out, n);
-}
-
-void runStreaming(Terms& table, double* out, std::size_t n) {
+void runAny(Stores stores, Terms& table, double* out, std::size_t n) {
+  if (!out) return runAll<Discarded>(table, out, n);
+  if (stores == Stores::cached) return runAll<Cached>(table, out, n);
   const std::size_t head = streaming::beforeFirstLine(out, n);
   runAll<Cached>(table, out, head);
   runAll<Streaming>(table, out + head, n - head);
@@ -148,13 +145,11 @@ HWY_AFTER_NAMESPACE();
 #if HWY_ONCE
 namespace tfl_rng::mlfg6331 {
 
-HWY_EXPORT(run);
-HWY_EXPORT(runStreaming);
+HWY_EXPORT(runAny);
 HWY_EXPORT(apply);
 
-void run(Terms& table, double* out, std::size_t n) { HWY_DYNAMIC_DISPATCH(run)(table, out, n); }
-void runStreaming(Terms& table, double* out, std::size_t n) {
-  HWY_DYNAMIC_DISPATCH(runStreaming)(table, out, n);
+void run(Stores stores, Terms& table, double* out, std::size_t n) {
+  HWY_DYNAMIC_DISPATCH(runAny)(stores, table, out, n);
 }
 void apply(Terms const& coefficients, Terms& terms) {
   HWY_DYNAMIC_DISPATCH(apply)(coefficients, terms);

@@ -314,8 +314,9 @@ void fillAll(Words& words, double* out, std::size_t n) {
 
 #endif
 
-void fillReduced(Words& words, double* out, std::size_t n) { fillAll<Reduced>(words, out, n); }
-void fillFull(Words& words, double* out, std::size_t n) { fillAll<Full>(words, out, n); }
+void fillAny(Form form, Words& words, double* out, std::size_t n) {
+  form == Form::full ? fillAll<Full>(words, out, n) : fillAll<Reduced>(words, out, n);
+}
 
 }  // namespace tfl_rng::mrg32k3a_steps::HWY_NAMESPACE
 HWY_AFTER_NAMESPACE();
@@ -323,16 +324,12 @@ HWY_AFTER_NAMESPACE();
 #if HWY_ONCE
 namespace tfl_rng::mrg32k3a_steps {
 
-HWY_EXPORT(fillReduced);
-HWY_EXPORT(fillFull);
+HWY_EXPORT(fillAny);
 
-void fill(Reduced, Words& words, double* out, std::size_t n) {
-  if (n < kLeastDraws) return reference::fill(Reduced{}, words, out, n);
-  HWY_DYNAMIC_DISPATCH(fillReduced)(words, out, n);
-}
-void fill(Full, Words& words, double* out, std::size_t n) {
-  if (n < kLeastDraws) return reference::fill(Full{}, words, out, n);
-  HWY_DYNAMIC_DISPATCH(fillFull)(words, out, n);
+void fill(Form form, Words& words, double* out, std::size_t n) {
+  if (n >= kLeastDraws) return HWY_DYNAMIC_DISPATCH(fillAny)(form, words, out, n);
+  form == Form::full ? reference::fill(Full{}, words, out, n)
+                     : reference::fill(Reduced{}, words, out, n);
 }
 
 }  // namespace tfl_rng::mrg32k3a_steps

@@ -91,12 +91,12 @@ HWY_INLINE void store(Reduced, Words tempered, double* out) {
 // The doubles of a vector of words.
 template <class Precision>
 HWY_INLINE std::size_t doublesEach() {
-  return hn::Lanes(u32) / Precision::kWordsEach;
+  return hn::Lanes(u32) / Precision::kStepsEach;
 }
 
 template <class Precision>
 HWY_INLINE void storeAt(std::uint32_t const* words, std::size_t i, double* out) {
-  store(Precision{}, temper(hn::LoadU(u32, words + i * Precision::kWordsEach)), out + i);
+  store(Precision{}, temper(hn::LoadU(u32, words + i * Precision::kStepsEach)), out + i);
 }
 
 // Completes out[0, n) when whole vectors are done. The last vector ends where the request ends and

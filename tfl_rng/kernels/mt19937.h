@@ -5,6 +5,8 @@
 #include <cstddef>
 #include <cstdint>
 
+#include "tfl_rng/kernels/form.h"
+
 namespace tfl_rng::mt19937 {
 
 inline constexpr std::size_t kWords = 624;
@@ -20,15 +22,8 @@ struct Batch {
   alignas(64) std::uint32_t words[kWords + kRoom];
 };
 
-// How words become a double: res53 of two, open32 of one (to_double.h).
-struct Full {
-  static constexpr std::size_t kWordsEach = 2;
-};
-struct Reduced {
-  static constexpr std::size_t kWordsEach = 1;
-};
-
-// Converts the tempered words from words[position] on into out[0, n), which they must suffice for.
+// Converts the tempered words from words[position] on into out[0, n), which they must suffice for:
+// res53 of two, or open32 of one (to_double.h).
 void fill(Full, Batch const& batch, std::size_t position, double* out, std::size_t n);
 void fill(Reduced, Batch const& batch, std::size_t position, double* out, std::size_t n);
 

@@ -38,7 +38,7 @@ inline double convert(Reduced, std::uint32_t const* words) { return open32(tempe
 template <class Precision>
 void fill(Precision precision, std::uint32_t const* words, double* out, std::size_t n) {
   for (std::size_t i = 0; i < n; ++i)
-    out[i] = convert(precision, words + i * Precision::kWordsEach);
+    out[i] = convert(precision, words + i * Precision::kStepsEach);
 }
 
 inline void temper(std::uint32_t const* words, std::uint64_t* values, std::size_t n) {

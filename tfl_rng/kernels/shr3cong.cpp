@@ -43,8 +43,8 @@ constexpr Jumps makeJumps() {
     for (std::uint32_t value = 0; value < 16; ++value) {
       std::uint32_t word = value << (4 * nibble);
       for (std::uint32_t& to : jumps.shiftRegister[nibble][value]) {
-        to = word = shr3cong::shiftRegisterStep(word);
-        if (Precision::kStepsEach == 2) word = shr3cong::shiftRegisterStep(word);
+        to = word = shiftRegisterStep(word);
+        if (Precision::kStepsEach == 2) word = shiftRegisterStep(word);
       }
     }
   }
@@ -52,8 +52,8 @@ constexpr Jumps makeJumps() {
   std::uint32_t fromOne = 1;
   for (std::size_t i = 0; i < kDraws; ++i) {
     for (std::size_t step = 0; step < (i == 0 ? 1 : Precision::kStepsEach); ++step) {
-      fromZero = shr3cong::congruentialStep(fromZero);
-      fromOne = shr3cong::congruentialStep(fromOne);
+      fromZero = congruentialStep(fromZero);
+      fromOne = congruentialStep(fromOne);
     }
     jumps.factor[i] = fromOne - fromZero;
     jumps.term[i] = fromZero;
@@ -79,12 +79,12 @@ namespace tfl_rng::shr3cong_kernel::HWY_NAMESPACE {
 #if HWY_TARGET == HWY_SCALAR
 
 template <class Precision>
-void fillFrom(shr3cong::State& state, double* out, std::size_t n) {
+void fillFrom(State& state, double* out, std::size_t n) {
   reference::fill(Precision{}, state, out, n);
 }
 
 template <class Precision>
-void fillStreamingFrom(shr3cong::State& state, double* out, std::size_t n) {
+void fillStreamingFrom(State& state, double* out, std::size_t n) {
   fillFrom<Precision>(state, out, n);
 }
 
@@ -152,7 +152,7 @@ HWY_INLINE auto joinRows(std::uint32_t word, Join join, Load load) {
 
 // The state after 1 to kDraws draws.
 template <class Precision>
-HWY_INLINE shr3cong::State after(std::size_t draws, shr3cong::State state) {
+HWY_INLINE State after(std::size_t draws, State state) {
   Jumps const& jumps = kJumps<Precision>;
   const auto join = [](std::uint32_t a, std::uint32_t b) HWY_ATTR { return a ^ b; };
   const auto load = [=](std::uint32_t const* row) HWY_ATTR { return row[draws - 1]; };
@@ -164,7 +164,7 @@ HWY_INLINE shr3cong::State after(std::size_t draws, shr3cong::State state) {
 
 // The first `draws` draws after `state`, rounded up to whole vectors.
 template <class Precision, class Results = Cached>
-HWY_INLINE void storeBlock(shr3cong::State const& state, double* out, std::size_t draws) {
+HWY_INLINE void storeBlock(State const& state, double* out, std::size_t draws) {
   Jumps const& jumps = kJumps<Precision>;
   const auto join = [](Words a, Words b) HWY_ATTR { return hn::Xor(a, b); };
   for (std::size_t i = 0; i < draws; i += hn::Lanes(u32)) {
@@ -178,8 +178,8 @@ HWY_INLINE void storeBlock(shr3cong::State const& state, double* out, std::size_
 }
 
 template <class Precision, class Results = Cached>
-HWY_INLINE void fillFrom(shr3cong::State& state, double* out, std::size_t n) {
-  shr3cong::State at = state;
+HWY_INLINE void fillFrom(State& state, double* out, std::size_t n) {
+  State at = state;
   for (; n >= kDraws; n -= kDraws, out += kDraws) {
     storeBlock<Precision, Results>(at, out, kDraws);
     at = after<Precision>(kDraws, at);
@@ -196,7 +196,7 @@ HWY_INLINE void fillFrom(shr3cong::State& state, double* out, std::size_t n) {
 }
 
 template <class Precision>
-HWY_INLINE void fillStreamingFrom(shr3cong::State& state, double* out, std::size_t n) {
+HWY_INLINE void fillStreamingFrom(State& state, double* out, std::size_t n) {
   const std::size_t head = streaming::beforeFirstLine(out, n);
   fillFrom<Precision>(state, out, head);
   fillFrom<Precision, Streaming>(state, out + head, n - head);
@@ -205,15 +205,14 @@ HWY_INLINE void fillStreamingFrom(shr3cong::State& state, double* out, std::size
 
 #endif
 
-void fillReduced(shr3cong::State& state, double* out, std::size_t n) {
-  fillFrom<Reduced>(state, out, n);
+template <class Precision>
+void fillTo(Stores stores, State& state, double* out, std::size_t n) {
+  stores == Stores::cached ? fillFrom<Precision>(state, out, n)
+                           : fillStreamingFrom<Precision>(state, out, n);
 }
-void fillFull(shr3cong::State& state, double* out, std::size_t n) { fillFrom<Full>(state, out, n); }
-void streamReduced(shr3cong::State& state, double* out, std::size_t n) {
-  fillStreamingFrom<Reduced>(state, out, n);
-}
-void streamFull(shr3cong::State& state, double* out, std::size_t n) {
-  fillStreamingFrom<Full>(state, out, n);
+
+void fillAny(Form form, Stores stores, State& state, double* out, std::size_t n) {
+  form == Form::full ? fillTo<Full>(stores, state, out, n) : fillTo<Reduced>(stores, state, out, n);
 }
 
 }  // namespace tfl_rng::shr3cong_kernel::HWY_NAMESPACE
@@ -222,24 +221,12 @@ HWY_AFTER_NAMESPACE();
 #if HWY_ONCE
 namespace tfl_rng::shr3cong_kernel {
 
-HWY_EXPORT(fillReduced);
-HWY_EXPORT(fillFull);
-HWY_EXPORT(streamReduced);
-HWY_EXPORT(streamFull);
+HWY_EXPORT(fillAny);
 
-void fill(Reduced, shr3cong::State& state, double* out, std::size_t n) {
-  if (n < kLeastDraws) return reference::fill(Reduced{}, state, out, n);
-  HWY_DYNAMIC_DISPATCH(fillReduced)(state, out, n);
-}
-void fill(Full, shr3cong::State& state, double* out, std::size_t n) {
-  if (n < kLeastDraws) return reference::fill(Full{}, state, out, n);
-  HWY_DYNAMIC_DISPATCH(fillFull)(state, out, n);
-}
-void fillStreaming(Reduced, shr3cong::State& state, double* out, std::size_t n) {
-  HWY_DYNAMIC_DISPATCH(streamReduced)(state, out, n);
-}
-void fillStreaming(Full, shr3cong::State& state, double* out, std::size_t n) {
-  HWY_DYNAMIC_DISPATCH(streamFull)(state, out, n);
+void fill(Form form, Stores stores, State& state, double* out, std::size_t n) {
+  if (n >= kLeastDraws) return HWY_DYNAMIC_DISPATCH(fillAny)(form, stores, state, out, n);
+  form == Form::full ? reference::fill(Full{}, state, out, n)
+                     : reference::fill(Reduced{}, state, out, n);
 }
 
 }  // namespace tfl_rng::shr3cong_kernel

@@ -10,15 +10,15 @@
 
 namespace tfl_rng::shr3cong_kernel::reference {
 
-inline double draw(Reduced, shr3cong::State& state) noexcept { return open32(state.step()); }
+inline double draw(Reduced, State& state) noexcept { return open32(state.step()); }
 
-inline double draw(Full, shr3cong::State& state) noexcept {
+inline double draw(Full, State& state) noexcept {
   const std::uint64_t high = state.step();
   return open52(high << 32 | state.step());
 }
 
 template <class Precision>
-void fill(Precision precision, shr3cong::State& state, double* out, std::size_t n) noexcept {
+void fill(Precision precision, State& state, double* out, std::size_t n) noexcept {
   for (std::size_t i = 0; i < n; ++i) out[i] = draw(precision, state);
 }
 

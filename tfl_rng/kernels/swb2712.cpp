@@ -46,7 +46,7 @@ namespace tfl_rng::swb2712_kernel::HWY_NAMESPACE {
 
 #if HWY_TARGET == HWY_SCALAR
 
-void fillFrom(swb2712::State& state, double* out, std::size_t n) { reference::fill(state, out, n); }
+void fillFrom(State& state, double* out, std::size_t n) { reference::fill(state, out, n); }
 
 #else
 
@@ -68,7 +68,7 @@ HWY_INLINE Doubles toFractions(Longs units) {
   return hn::Max(fraction, hn::Set(f64, kSmallestUniform));
 }
 
-HWY_INLINE void load(swb2712::State const& state, Line& line) {
+HWY_INLINE void load(State const& state, Line& line) {
   alignas(64) double ordered[kLags];
   std::rotate_copy(state.lags.begin(), state.lags.begin() + state.position, state.lags.end(),
                    ordered);
@@ -81,7 +81,7 @@ HWY_INLINE void load(swb2712::State const& state, Line& line) {
 }
 
 // Puts the values of a run of `draws` into the ring; values that it did not reach stay as they are.
-HWY_INLINE void save(Line const& line, std::size_t draws, swb2712::State& state) {
+HWY_INLINE void save(Line const& line, std::size_t draws, State& state) {
   alignas(64) double last[kLags];
   for (std::size_t i = 0; i < kLags; i += hn::Lanes(f64))
     hn::Store(toFractions(hn::LoadU(u64, line.z.data() + draws + i)), f64, last + i);
@@ -203,7 +203,7 @@ HWY_INLINE void run(Line& line, std::uint32_t counter, double* out, std::size_t 
   }
 }
 
-HWY_INLINE void fillFrom(swb2712::State& state, double* out, std::size_t n) {
+HWY_INLINE void fillFrom(State& state, double* out, std::size_t n) {
   Line line;
   for (std::size_t done = 0; done < n;) {
     const std::size_t draws = std::min(kRun, n - done);
@@ -216,7 +216,7 @@ HWY_INLINE void fillFrom(swb2712::State& state, double* out, std::size_t n) {
 
 #endif
 
-void fillAny(swb2712::State& state, double* out, std::size_t n) { fillFrom(state, out, n); }
+void fillAny(State& state, double* out, std::size_t n) { fillFrom(state, out, n); }
 
 }  // namespace tfl_rng::swb2712_kernel::HWY_NAMESPACE
 HWY_AFTER_NAMESPACE();
@@ -226,7 +226,7 @@ namespace tfl_rng::swb2712_kernel {
 
 HWY_EXPORT(fillAny);
 
-void fill(swb2712::State& state, double* out, std::size_t n) {
+void fill(State& state, double* out, std::size_t n) {
   if (n < kLeastDraws) return reference::fill(state, out, n);
   HWY_DYNAMIC_DISPATCH(fillAny)(state, out, n);
 }

@@ -13,7 +13,6 @@ namespace tfl_rng::swb2712_kernel {
 // Fractions are counted in units of 2^-53.
 inline constexpr std::uint64_t kUnits = std::uint64_t{1} << 53;
 // The ring holds the last 32 values: 12 back is 20 on, 27 back is 5 on.
-inline constexpr std::size_t kLags = swb2712::kLags;
 inline constexpr std::size_t kNear = 12;
 inline constexpr std::size_t kFar = 27;
 inline constexpr std::uint32_t kWeylStep = 0x9e3779b9;  // 2^32 over the golden ratio, odd
@@ -39,7 +38,7 @@ inline double toFraction(std::uint64_t units) noexcept {
   return units == 0 ? kSmallestUniform : static_cast<double>(units) * 0x1p-53;
 }
 
-inline double draw(swb2712::State& state) noexcept {
+inline double draw(State& state) noexcept {
   auto& [lags, borrow, position, counter] = state;
   const std::int64_t difference = toUnits(lags[(position + kLags - kNear) % kLags]) -
                                   toUnits(lags[(position + kLags - kFar) % kLags]) - borrow;
@@ -53,7 +52,7 @@ inline double draw(swb2712::State& state) noexcept {
   return toFraction(z ^ mask);
 }
 
-inline void fill(swb2712::State& state, double* out, std::size_t n) noexcept {
+inline void fill(State& state, double* out, std::size_t n) noexcept {
   for (std::size_t i = 0; i < n; ++i) out[i] = draw(state);
 }
 
