@@ -4,7 +4,7 @@
 #   tools/check.sh                 format layers gcc clang tidy asan
 #   tools/check.sh ci              what a change has to pass: gcc format layers clang tidy_changed
 #                                  asan_quick, below 40 minutes on two cores
-#   tools/check.sh format tsan     these steps; there are packages, browser, documents too
+#   tools/check.sh format tsan     these steps; there are packages, browser, documents, walkthrough too
 #
 # Installs the packages it needs. Each step runs to its end whatever became of the one before; the
 # table at the end tells how they went. Build trees are kept in out/.
@@ -88,6 +88,8 @@ step_asan_quick() {
     ninja --quiet -C out/asan test_c $(printf 'test_%s ' $rooms) $(printf 'fuzz_%s ' $inputs) &&
     asan_tests -R "^(c|$(echo $rooms | tr ' ' '|')|fuzz_($(echo $inputs | tr ' ' '|')))\$"
 }
+# The tutorial of CONTRIBUTING.md, played from its own text in a copy of the tree up to ./test.
+step_walkthrough() { python3 tools/walkthrough.py; }
 # Debian packages, installed into a scratch root.
 step_packages() { tools/packages.sh --check; }
 # Reports of generators in headless Chromium.
@@ -113,7 +115,7 @@ case ${1-all} in
 esac
 for step in "$@"; do
   if ! command -v "step_$step" >/dev/null; then
-    echo "check.sh: no step '$step'; there are: $all_steps tidy_changed asan_quick tsan packages browser documents" >&2
+    echo "check.sh: no step '$step'; there are: $all_steps tidy_changed asan_quick tsan packages browser documents walkthrough" >&2
     exit 2
   fi
 done
