@@ -38,19 +38,22 @@ struct Keywords {
   py::handle dtype, out, order;  // null where not given, or None
 };
 
+bool isSize(PyObject* name) { return PyUnicode_CompareWithASCIIString(name, "size") == 0; }
+
 Keywords readKeywords(Call const& call) {
   Keywords found;
   py::handle* const places[] = {&found.dtype, &found.out, &found.order};
   Py_ssize_t const count = call.names ? PyTuple_GET_SIZE(call.names) : 0;
   for (Py_ssize_t i = 0; i < count; ++i) {
     PyObject* const name = PyTuple_GET_ITEM(call.names, i);
+    if (isSize(name)) continue;
     auto const row = std::ranges::find_if(kArgumentNames, [&](char const* known) {
       return PyUnicode_CompareWithASCIIString(name, known) == 0;
     });
     if (row == std::end(kArgumentNames))
       refuse(Kind::type, "UnknownArgument",
              std::string(call.function) + "() has no argument " + quoted(name) +
-                 "; by name it takes dtype, out and order");
+                 "; by name it takes size, dtype, out and order");
     PyObject* const value = call.arguments[call.positional + i];
     if (value != Py_None) *places[row - std::begin(kArgumentNames)] = value;
   }
@@ -197,9 +200,21 @@ ElementRow const& rowOf(Element element) {
   return row;
 }
 
+PyObject* Call::size() const {
+  for (Py_ssize_t i = 0; i < (names ? PyTuple_GET_SIZE(names) : 0); ++i)
+    if (isSize(PyTuple_GET_ITEM(names, i)) && arguments[positional + i] != Py_None)
+      return arguments[positional + i];
+  return nullptr;
+}
+
 std::optional<Shape> readShape(Call const& call, Py_ssize_t leading) {
-  std::span<PyObject* const> const values(call.arguments + leading,
-                                          static_cast<std::size_t>(call.positional - leading));
+  std::span<PyObject* const> values(call.arguments + leading,
+                                    static_cast<std::size_t>(call.positional - leading));
+  PyObject* const size = call.size();
+  if (size && !values.empty())
+    refuse(Kind::type, "InvalidShape",
+           "the shape is given twice: as " + quoted(values[0]) + " and as size=" + quoted(size));
+  if (size) values = {&size, 1};
   if (values.empty()) return std::nullopt;
   Shape shape;
   py::handle const first = values[0];

@@ -48,6 +48,8 @@ struct Call {
   PyObject* names;  // of the keyword arguments behind the positional ones; null for none
 
   bool isPlain(Py_ssize_t count) const { return positional == count && !names; }
+  // The argument `size`, null when it was not given, or None.
+  PyObject* size() const;
 };
 
 // What a sampling call fills.
@@ -69,12 +71,13 @@ struct Result {
 using Shape = std::vector<Py_ssize_t>;
 
 // The shape in the positional arguments behind the first `leading` ones: dimensions one by one, or
-// all of them in one sequence. Nothing when there are none. Errors: TALVOR:python:InvalidShape.
+// all of them in one sequence; or in `size`, a dimension or a sequence. Nothing when there are
+// none. Errors: TALVOR:python:InvalidShape.
 std::optional<Shape> readShape(Call const& call, Py_ssize_t leading);
 
-// Reads dtype, out and order; the first of `allowed` is the default dtype. The result has `shape`;
-// without one it is `out`, or a scalar. Errors: TALVOR:python:UnknownArgument, InvalidDtype,
-// InvalidOrder, InvalidOut, TooLarge.
+// Reads dtype, out and order, passing over size; the first of `allowed` is the default dtype. The
+// result has `shape`; without one it is `out`, or a scalar. Errors: TALVOR:python:UnknownArgument,
+// InvalidDtype, InvalidOrder, InvalidOut, TooLarge.
 Result readResult(Call const& call, std::optional<Shape> const& shape,
                   std::span<Element const> allowed);
 

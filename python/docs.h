@@ -12,16 +12,17 @@ A source of random numbers: the same arguments and calls give the same bits on e
 
 generator       a name of tv.generators(), or a short one: 'twister', 'simdTwister',
                 'combRecursive', 'multFibonacci', 'philox', 'threefry'; in any case
-seed            a whole number from 0 to 4294967295, or 'entropy' for one that the operating
-                system chooses; the attribute seed has it then
+seed            a whole number from 0 to 4294967295; None or 'entropy' for one that the operating
+                system chooses: the attribute seed has it then. RandStream(7) is seed 7
 stream_index    which of num_streams streams that do not overlap, from 0
 substream       where to start, from 0; see the attribute
 randn_alg, antithetic, full_precision
                 see the attributes
 
 A stream serves one thread at a time. A call that meets another thread's call on the same stream
-raises TvThreadError and draws nothing. Streams can be copied and pickled; the copy goes on as the
-original would.
+raises TvThreadError and draws nothing. Streams can be copied and pickled: copy.copy and
+copy.deepcopy alike make a stream of its own that goes on as the original would. Streams are equal
+when all that they would draw is; they change, and so are no keys of dictionaries.
 
 >>> s = tv.RandStream('philox4x32_10', seed=7)
 >>> s.rand(2, 3).shape
@@ -30,12 +31,14 @@ original would.
 RandStream('philox4x32_10', seed=7)
 )";
 
-inline constexpr char const* kRand = R"(rand($self, /, *shape, dtype='float64', out=None, order='C')
+inline constexpr char const* kRand =
+    R"(rand($self, /, *shape, size=None, dtype='float64', out=None, order='C')
 --
 
 Uniform numbers of the open interval (0,1): never 0, never 1. One draw each, two for a complex one.
 
-shape   whole numbers or one tuple of them; without shape and out the result is one number
+shape   whole numbers or one tuple of them, also as size=; without shape and out the result is one
+        number
 dtype   float64, float32, complex128 or complex64; the parts of a complex number are uniform
 out     an array to be filled and returned: of one of these dtypes, writeable and contiguous
 order   'C' or 'F', how a new array lies in memory. Numbers are drawn along memory: with 'F' a
@@ -53,7 +56,7 @@ True
 )";
 
 inline constexpr char const* kRandn =
-    R"(randn($self, /, *shape, dtype='float64', out=None, order='C')
+    R"(randn($self, /, *shape, size=None, dtype='float64', out=None, order='C')
 --
 
 Standard normal numbers by the method randn_alg. A complex one has variance 1, half of it in each
@@ -64,7 +67,7 @@ array([ 0.14451953, -1.00060502, -0.00419451])
 )";
 
 inline constexpr char const* kRandi =
-    R"(randi($self, limits, /, *shape, dtype='int64', out=None, order='C')
+    R"(randi($self, limits, /, *shape, size=None, dtype='int64', out=None, order='C')
 --
 
 Whole numbers of a closed range, one draw each.
@@ -99,19 +102,19 @@ array([5, 2, 6, 7, 4, 0, 1, 3])
 )";
 
 inline constexpr char const* kGlobalRand =
-    R"(rand($module, /, *shape, dtype='float64', out=None, order='C')
+    R"(rand($module, /, *shape, size=None, dtype='float64', out=None, order='C')
 --
 
 RandStream.rand of the global stream.
 )";
 inline constexpr char const* kGlobalRandn =
-    R"(randn($module, /, *shape, dtype='float64', out=None, order='C')
+    R"(randn($module, /, *shape, size=None, dtype='float64', out=None, order='C')
 --
 
 RandStream.randn of the global stream.
 )";
 inline constexpr char const* kGlobalRandi =
-    R"(randi($module, limits, /, *shape, dtype='int64', out=None, order='C')
+    R"(randi($module, limits, /, *shape, size=None, dtype='int64', out=None, order='C')
 --
 
 RandStream.randi of the global stream.

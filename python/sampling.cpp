@@ -147,6 +147,7 @@ py::object sampleWholes(Stream& stream, Call const& call) {
 py::object samplePositions(Stream& stream, Call const& call) {
   if (call.positional < 1 || call.positional > 2)
     refuse(Kind::type, "InvalidNumber", "randperm() takes n, or n and k");
+  if (call.size()) refuse(Kind::type, "UnknownArgument", "randperm() has no argument 'size' but k");
   std::uint64_t const n = readCount(call.arguments[0], "n");
   bool const all = call.positional == 1 || call.arguments[1] == Py_None;
   std::uint64_t const k = all ? n : readCount(call.arguments[1], "k");

@@ -12,7 +12,6 @@
 #include "python/values.h"
 #include "rng/generator_names.h"
 #include "rng/mr_functions.h"
-#include "rng/snapshot.h"
 
 namespace py = pybind11;
 
@@ -90,13 +89,21 @@ void writeRandnAlg(py::handle self, py::handle value) {
   Stream::Use(streamOf(self.ptr()))->setRandnAlg(name.c_str());
 }
 
+constexpr char const* kDefaultGenerator = "mt19937ar";
+
 // What the constructor sets besides the sequence. Errors leave no stream behind.
 void initialise(py::handle self, py::object const& generator, py::object const& seed,
                 py::object const& streamIndex, py::object const& numStreams,
                 py::object const& substream, py::object const& randnAlg,
                 py::object const& antithetic, py::object const& fullPrecision) {
+  // RandStream(7), as NumPy's users write it.
+  bool const seedOnly = seed.is(py::ellipsis()) && (generator.is_none() || wholeNumber(generator));
+  py::object const given = seedOnly                  ? generator
+                           : seed.is(py::ellipsis()) ? py::object(py::int_(0))
+                                                     : seed;
   auto stream =
-      makeStream(readText(generator, "generator"), readSeed(seed, "TALVOR:RandStream:create"),
+      makeStream(seedOnly ? kDefaultGenerator : readText(generator, "generator"),
+                 given.is_none() ? chosenSeed() : readSeed(given, "TALVOR:RandStream:create"),
                  readCount(streamIndex, "stream_index"), readCount(numStreams, "num_streams"));
   {
     Stream::Use const settings(*stream);
@@ -132,60 +139,6 @@ std::unique_ptr<Stream> atSubstream(py::handle self, py::object const& k) {
   settings->setRandnAlg(family.getRandnAlg());
   settings->setSubstream(index);
   return item;
-}
-
-py::str snapshot(py::handle self) { return takeSnapshot(*Stream::Use(streamOf(self.ptr()))); }
-
-void restore(py::handle self, py::handle text) {
-  std::string const given = readText(text, "a snapshot");
-  restoreSnapshot(*Stream::Use(streamOf(self.ptr())), given);
-}
-
-std::unique_ptr<Stream> fromSnapshot(py::object const& text) {
-  return std::make_unique<Stream>(
-      std::unique_ptr<randstream>(createFromSnapshot(readText(text, "a snapshot"))));
-}
-
-// Copying and pickling. A state is a snapshot, and with it, for objects of derived classes, what
-// they have of their own.
-py::object getState(py::handle self) {
-  py::object text = snapshot(self);
-  py::object const own = py::getattr(self, "__dict__", py::dict());
-  if (!PyObject_IsTrue(own.ptr())) return text;
-  return py::make_tuple(std::move(text), own);
-}
-
-void setState(py::handle self, py::object const& state) {
-  py::object text = state;
-  py::object own = py::none();
-  if (PyTuple_CheckExact(state.ptr()) && PyTuple_GET_SIZE(state.ptr()) == 2) {
-    text = py::reinterpret_borrow<py::object>(PyTuple_GET_ITEM(state.ptr(), 0));
-    own = py::reinterpret_borrow<py::object>(PyTuple_GET_ITEM(state.ptr(), 1));
-    if (!PyDict_Check(own.ptr()) || !py::hasattr(self, "__dict__"))
-      refuse(Kind::type, "InvalidState",
-             "the state brings attributes that this object cannot take: " + quoted(own));
-  }
-  if (isMade<Stream>(self.ptr()))
-    restore(self, text);
-  else
-    put(self.ptr(), fromSnapshot(text));
-  if (!own.is_none()) self.attr("__dict__").attr("update")(own);
-}
-
-// For every protocol.
-py::object reduce(py::handle self) {
-  return py::make_tuple(py::module_::import("copyreg").attr("__newobj__"),
-                        py::make_tuple(self.attr("__class__")), self.attr("__getstate__")());
-}
-
-py::str representation(py::handle self) {
-  randstream const& stream = streamOf(self.ptr()).constants();
-  std::string text = std::string("RandStream('") + stream.generatorType() +
-                     "', seed=" + std::to_string(stream.seed());
-  if (stream.numStreams() > 1)
-    text += ", stream_index=" + std::to_string(stream.streamIndex()) +
-            ", num_streams=" + std::to_string(stream.numStreams());
-  return text + ")";
 }
 
 }  // namespace
@@ -238,26 +191,20 @@ py::class_<Stream> addStreamClass(py::module_& module) {
   py::class_<Stream> type(module, "RandStream", docs::kRandStream);
   classOf<Stream> = reinterpret_cast<PyTypeObject*>(type.ptr());
 
-  addMaker(type, "__init__", "RandStream", initialise, py::arg("generator") = "mt19937ar",
-           py::arg("seed") = 0, py::kw_only(), py::arg("stream_index") = 0,
+  addMaker(type, "__init__", "RandStream", initialise, py::arg("generator") = kDefaultGenerator,
+           py::arg("seed") = py::ellipsis(), py::kw_only(), py::arg("stream_index") = 0,
            py::arg("num_streams") = 1, py::arg("substream") = 0, py::arg("randn_alg") = py::none(),
            py::arg("antithetic") = false, py::arg("full_precision") = true);
-  addMaker(type, "__setstate__", "set_state", setState, py::arg("state"));
-  type.def("__getstate__", getState)
-      .def("__reduce__", reduce)
-      .def("reset", reset, py::arg("seed") = py::none(), docs::kReset)
+  type.def("reset", reset, py::arg("seed") = py::none(), docs::kReset)
       .def("advance", advance, py::arg("n"), docs::kAdvance)
       .def("at_substream", atSubstream, py::arg("k"), docs::kAtSubstream)
-      .def("snapshot", snapshot, docs::kSnapshot)
-      .def("restore", restore, py::arg("snapshot"), docs::kRestore)
-      .def_static("from_snapshot", fromSnapshot, py::arg("snapshot"), docs::kFromSnapshot)
       .def(
           "bit_generator",
           [](py::object const& self) {
             return py::module_::import("tvmathrng.bit_generators").attr("of_stream")(self);
           },
-          docs::kBitGenerator)
-      .def("__repr__", representation);
+          docs::kBitGenerator);
+  addStreamText(type);
 
   // Values that only the constructor and reset set are read without the right to the stream.
   auto const constant = [&](char const* name, auto get, char const* doc) {

@@ -133,4 +133,7 @@ pybind11::list generatorNames();
 // The class RandStream without its sampling methods.
 pybind11::class_<Stream> addStreamClass(pybind11::module_& module);
 
+// Its snapshots, copies, comparison and representation.
+void addStreamText(pybind11::class_<Stream>& type);
+
 }  // namespace tvpython

@@ -78,9 +78,11 @@ Limits readLimits(py::handle value) {
   return {readLimit(pair[0]), readLimit(pair[1])};
 }
 
+std::uint32_t chosenSeed() { return std::random_device()(); }
+
 std::uint32_t readSeed(py::handle value, char const* path) {
   if (PyUnicode_Check(value.ptr()) && PyUnicode_CompareWithASCIIString(value.ptr(), "entropy") == 0)
-    return std::random_device()();
+    return chosenSeed();
   if (py::object const seed = wholeNumber(value)) {
     std::uint64_t const number = PyLong_AsUnsignedLongLong(seed.ptr());
     bool const fits = !PyErr_Occurred() && number <= 0xFFFFFFFF;

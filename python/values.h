@@ -28,6 +28,9 @@ struct Limits {
 // Errors: TALVOR:python:InvalidLimits; values are left to the library.
 Limits readLimits(pybind11::handle value);
 
+// A seed of the operating system's choice.
+std::uint32_t chosenSeed();
+
 // A seed, "entropy" for one chosen by the operating system. Errors: "<path>:BadSeed".
 std::uint32_t readSeed(pybind11::handle value, char const* path);
 

@@ -96,6 +96,15 @@ def test_shapes_may_be_empty(stream, shape):
     assert np.array_equal(stream.state, before) == (values.size == 0)
 
 
+@pytest.mark.parametrize("size", [3, (2, 3), [4], (), None, np.int8(2)])
+def test_size_is_the_shape(stream, size):
+    twin = tv.RandStream("philox", seed=7)
+    shape = () if size is None else (size,)
+    assert same(stream.rand(size=size), twin.rand(*shape))
+    assert same(stream.randn(size=size, dtype="f4"), twin.randn(*shape, dtype="f4"))
+    assert same(stream.randi((1, 6), size=size), twin.randi((1, 6), *shape))
+
+
 class Made:
     """A sequence that keeps none of its elements."""
 

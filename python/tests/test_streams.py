@@ -120,6 +120,32 @@ def test_generators_have_several_spellings(spelling):
         assert repr(stream) == f"RandStream('philox4x32_10', seed=0, stream_index=1, num_streams={family})"
 
 
+def test_seeds_are_written_as_numpys_users_write_them():
+    assert tv.RandStream(7) == tv.RandStream("mt19937ar", 7) == tv.RandStream(np.int64(7))
+    assert len({tv.RandStream(None).seed, tv.RandStream(seed=None).seed, tv.RandStream("philox", None).seed}) > 1
+    for wrong in (lambda: tv.RandStream(7, 8), lambda: tv.RandStream(7, seed=None), lambda: tv.RandStream(-1)):
+        with pytest.raises(tv.TvError):
+            wrong()
+
+
+def test_streams_are_equal_that_draw_the_same(generator):
+    stream, twin = tv.RandStream(generator, 7), tv.RandStream(generator, 7)
+    assert stream == twin and stream == copy.copy(stream) and not stream != twin and stream != "x"
+    assert stream != tv.RandStream(generator, 8)
+    np.random.Generator(stream.bit_generator()).random(), twin.rand()
+    assert stream == twin and tv.RandStream(generator, 7) != twin
+    twin.antithetic = True
+    assert stream != twin
+    with pytest.raises(TypeError):
+        hash(stream)
+
+
+def test_a_representation_tells_the_substream(stream):
+    stream.substream = 3
+    assert repr(stream) == "RandStream('philox4x32_10', seed=7, substream=3)"
+    assert eval("tv." + repr(stream)) == stream
+
+
 def test_names_of_generators_make_streams():
     assert {"mt19937ar", "philox4x32_10"} < set(GENERATORS)
     assert [tv.RandStream(name).generator for name in GENERATORS] == GENERATORS
