@@ -58,8 +58,6 @@ def times(report):
 
 def spread(values):
     """Distance of the quartiles in percent of the median."""
-    if len(values) < 4:
-        return 0.0
     low, middle, high = statistics.quantiles(values, n=4)
     return 100 * (high - low) / middle
 
@@ -115,9 +113,10 @@ def table(found):
         lines += ["", f"### {work[0].upper()}{work[1:]}", ""]
         for row in rows([name for name in found if name.work == work], medians):
             lines += row
-    spreads = [spread(values) for values in found.values()]
+    spreads = [spread(values) for values in found.values() if len(values) >= 4]
     lines += ["", f"Distance of the quartiles: {statistics.median(spreads):.0f} % of the median "
-              f"in the middle of all rows, {max(spreads):.0f} % at worst."]
+              f"in the middle of all rows, {max(spreads):.0f} % at worst." if spreads else
+              "Too few repetitions for quartiles."]
     return lines
 
 
