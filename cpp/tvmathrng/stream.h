@@ -172,8 +172,8 @@ class Stream {
   }
 
   /// A stream of its own with this one's generator, seed and settings, at the start of substream k:
-  /// what work item k draws from, whoever works on it. Where this stream stands does not matter, and
-  /// another thread may draw from it meanwhile. Errors: set:SubstreamsNotSupported.
+  /// what work item k draws from, whoever works on it. Where this stream stands does not matter,
+  /// and another thread may draw from it meanwhile. Errors: set:SubstreamsNotSupported.
   Stream at_substream(Substream k) const {
     return Stream(detail::withErrors([&] { return native().atSubstream(k.value()); }));
   }
