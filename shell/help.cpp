@@ -1,84 +1,139 @@
 #include "shell/help.h"
 
 #include <fmt/format.h>
+#include <fmt/ranges.h>
 
 #include <algorithm>
+#include <cctype>
+#include <set>
+#include <vector>
 
 #include "embedded_host/dispatcher.h"
+#include "embedded_host/object_system.h"
 #include "embedded_host/text.h"
 #include "language/fault.h"
 #include "language/functions.h"
+#include "shell/help_texts.h"
 
 namespace shell {
 
 namespace {
 
-constexpr HelpRow kRows[] = {
-    {"rand", "rand(m,n,...)  rand([m n])  rand(...,'single')  rand(...,'like',p)  rand(s,...)",
-     "uniform values on the open interval (0,1), from the global stream or from stream s",
-     "rand(2,3)"},
-    {"randn",
-     "randn(m,n,...)  randn([m n])  randn(...,'single')  randn(...,'like',p)  randn(s,...)",
-     "standard normal values", "randn(2,3,'single')"},
-    {"randi", "randi(imax,m,n,...)  randi([imin imax],...)  randi(...,'int8')  randi(s,...)",
-     "uniform whole numbers from 1 to imax, or from imin to imax", "randi([1 6],2,3,'uint8')"},
-    {"randperm", "randperm(n)  randperm(n,k)  randperm(s,...)",
-     "a random order of 1 to n, or k distinct ones of them", "randperm(10,3)"},
-    {"RandStream", "RandStream(name)  RandStream(name,'Seed',7,'NumStreams',4,'StreamIndices',2)",
-     "makes a stream of its own; 'generators' lists the names, long and short",
-     "s = RandStream('mrg32k3a','Seed',7)"},
-    {"RandStream.global", "g = RandStream.global()  RandStream.global(s)",
-     "the stream that rand, randn, randi and randperm draw from; with s, s becomes it",
-     "g = RandStream.global()"},
-    {"reset", "reset(s)  reset(s,seed)", "takes a stream back to its start",
-     "s = RandStream('mt19937ar'); reset(s,11)"},
-    {"advance", "advance(s,n)", "moves a stream on as n draws would",
-     "s = RandStream('philox4x32_10'); advance(s,2^40)"},
-    {"snapshot", "x = snapshot(s)",
-     "a stream as text, with everything that what it draws depends on; restore takes it back",
-     "s = RandStream('mrg32k3a'); snapshot(s)"},
-    {"restore", "restore(s,x)", "makes s the stream that the snapshot x was taken of",
-     "s = RandStream('mrg32k3a'); x = snapshot(s); a = rand(s); restore(s,x); same(a, rand(s))"},
-    {"RandStream.restore", "s = RandStream.restore(x)", "a new stream from a snapshot",
-     "x = snapshot(RandStream('mrg32k3a')); s = RandStream.restore(x)"},
-    {"delete", "delete(s)", "lets go of a stream before its variable goes",
-     "s = RandStream('mt19937ar'); delete(s)"},
-    {"Type", "s.Type",
-     "the name of a stream's generator; of a global stream made by the settings, their spelling",
-     "s = RandStream('twister'); s.Type"},
-    {"Substream", "s.Substream = k", "moves a stream to the start of its substream k, from 1",
-     "s = RandStream('mrg32k3a'); s.Substream = 4;"},
-    {"State", "x = s.State  s.State = x", "where a stream stands; writing it back resumes there",
-     "s = RandStream('mrg32k3a'); x = s.State; s.State = x;"},
-    {"RandnAlg", "s.RandnAlg = 'Ziggurat', 'Polar' or 'Inversion'",
-     "the method that makes a stream's normal values",
-     "s = RandStream('mrg32k3a'); s.RandnAlg = 'Polar';"},
-    {"Antithetic", "s.Antithetic = true",
-     "uniform values 1-u instead of u, normal ones -z instead of z",
-     "s = RandStream('mrg32k3a'); s.Antithetic = true;"},
-    {"FullPrecision", "s.FullPrecision = false",
-     "whether a value uses as many random bits as it can hold",
-     "s = RandStream('mt19937ar'); s.FullPrecision = false;"},
-    {"Parameters", "p = s.Parameters",
-     "streams, substreams, log2 of a stream's and of a substream's length",
-     "s = RandStream('mrg32k3a'); s.Parameters"},
-    {"generators", "generators", "what the generators can do", "generators"},
-    {"explain", "explain EXPRESSION",
-     "evaluates it, then tells what each call drew and where the streams stand",
-     "explain randn(1,3)"},
-    {"histogram", "histogram(x)  histogram(x,'x.svg')",
-     "how often values come, drawn here or to an SVG file", "histogram(randn(1,1000))"},
-    {"chart", "chart(y)  chart(x,y)  chart(x,y,'xy.svg')",
-     "points, or a line where x rises, drawn here or to an SVG file",
-     "chart(cumsum(randn(1,200)))"},
-    {"whos", "whos", "the variables with size, class and bytes", "x = 1; whos"},
-    {"format", "format('long')  format('short')  format(digits)",
-     "how many digits of a number are shown: 15, 6, or as many as told", "format('long')"},
-    {"help", "help  help('name')", "this text", "help('rand')"},
-    {"exit", "exit  exit(status)", "leaves the shell; so do quit and Ctrl-D", "exit"},
+using Lines = std::vector<std::string>;
+
+struct Entry {
+  std::string name;
+  Lines forms;
+  std::string what;
+  Lines arguments;
+  std::string draws = "nothing";
+  Lines examples;  // at the prompt
+  Lines commands;  // of the system's shell
+  Lines also;
 };
 
-std::string listOf(std::vector<std::string> const& names, std::size_t width) {
+// The parts of `text` between separators, none of them empty.
+Lines split(std::string_view text, std::string_view separator) {
+  Lines parts;
+  while (!text.empty()) {
+    std::size_t const end = std::min(text.find(separator), text.size());
+    if (end > 0) parts.emplace_back(text.substr(0, end));
+    text.remove_prefix(std::min(end + separator.size(), text.size()));
+  }
+  return parts;
+}
+
+// streams.txt: entries with an empty line between two, the name, then lines that begin with a key.
+void addStreamEntries(std::vector<Entry>& entries) {
+  for (std::string const& block : split(kStreamHelp, "\n\n")) {
+    Lines const lines = split(block, "\n");
+    Entry entry;
+    entry.name = lines.front();
+    for (std::string const& line : std::span(lines).subspan(1)) {
+      std::size_t const space = line.find(' ');
+      std::string_view const key = std::string_view(line).substr(0, space);
+      std::string value = line.substr(space + 1);
+      if (key == "use") entry.forms.push_back(std::move(value));
+      if (key == "what") entry.what = std::move(value);
+      if (key == "arg") entry.arguments.push_back(std::move(value));
+      if (key == "draws") entry.draws = std::move(value);
+      if (key == "try") entry.examples.push_back(std::move(value));
+      if (key == "run") entry.commands.push_back(std::move(value));
+      if (key == "also") entry.also = split(value, " ");
+    }
+    entries.push_back(std::move(entry));
+  }
+}
+
+// language.txt: name | forms | second example | see also; the rest stands in the function's row.
+void addLanguageEntries(std::vector<Entry>& entries) {
+  for (std::string const& line : split(kLanguageHelp, "\n")) {
+    if (line.starts_with('#')) continue;
+    Lines const columns = split(line, " | ");
+    for (auto const table : language::functionTables()) {
+      auto const row = std::ranges::find(table, columns[0], &language::FunctionRow::name);
+      if (row == table.end()) continue;
+      Entry entry;
+      entry.name = columns[0];
+      entry.forms = {columns[1]};
+      entry.what = row->what;
+      entry.examples = {row->example, columns[2]};
+      entry.also = split(columns[3], " ");
+      entries.push_back(std::move(entry));
+    }
+  }
+}
+
+std::vector<Entry> const& entries() {
+  static std::vector<Entry> const all = [] {
+    std::vector<Entry> made;
+    addStreamEntries(made);
+    addLanguageEntries(made);
+    return made;
+  }();
+  return all;
+}
+
+Entry const* find(std::string_view topic) {
+  auto const named = std::ranges::find(entries(), topic, &Entry::name);
+  auto const found =
+      named != entries().end() ? named : std::ranges::find_if(entries(), [&](Entry const& entry) {
+        return embedded_host::equalIgnoringAsciiCase(entry.name, topic);
+      });
+  return found == entries().end() ? nullptr : &*found;
+}
+
+// Words from column `indent` on; the first line begins with `head`.
+std::string wrapped(std::string const& head, std::string const& text, std::size_t indent,
+                    std::size_t width) {
+  std::string out;
+  std::string line = head;
+  bool fresh = true;
+  for (std::string const& word : split(text, " ")) {
+    if (!fresh && line.size() + 1 + word.size() > width) {
+      out += line + '\n';
+      line.assign(indent, ' ');
+      fresh = true;
+    }
+    if (!fresh) line += ' ';
+    line += word;
+    fresh = false;
+  }
+  return out + line + '\n';
+}
+
+std::string textOf(Entry const& entry, std::size_t width) {
+  std::string out;
+  for (std::string const& form : entry.forms) out += "  " + form + '\n';
+  out += wrapped("  ", entry.what, 2, width);
+  for (std::string const& argument : entry.arguments) out += wrapped("    ", argument, 6, width);
+  out += wrapped("  draws ", entry.draws, 8, width);
+  for (std::string const& example : entry.examples) out += "    > " + example + '\n';
+  for (std::string const& command : entry.commands) out += "    $ " + command + '\n';
+  return out + wrapped("  see also ", fmt::format("{}", fmt::join(entry.also, " ")), 4, width);
+}
+
+std::string listOf(std::set<std::string> const& names, std::size_t width) {
   std::string out;
   std::size_t column = 0;
   for (std::string const& name : names) {
@@ -92,46 +147,74 @@ std::string listOf(std::vector<std::string> const& names, std::size_t width) {
   return out + '\n';
 }
 
-std::string overview(std::size_t width) {
+// Functions and members of classes that have no entry: those of a program around the shell.
+std::set<std::string> withoutEntry(language::Session const& session) {
+  std::set<std::string> names;
+  auto const add = [&](std::string const& name) {
+    if (!find(name)) names.insert(name);
+  };
+  for (std::string const& name : session.vm().functions().names())
+    if (name.find('.') == std::string::npos) add(name);  // others are the host's own
+  for (std::string const& name : session.vm().classes().names()) {
+    auto const definition = session.vm().classes().find(name);
+    for (auto const& property : definition->properties)
+      if (!property.hidden) add(property.name);
+    for (auto const& [method, body] : definition->methods) add(method);
+    for (auto const& [method, body] : definition->staticMethods) add(name + '.' + method);
+  }
+  return names;
+}
+
+std::string overview(std::size_t width, language::Session const& session) {
   std::string out =
       "  Type a statement; its value is shown unless a semicolon ends it.\n"
       "    x = rand(2,3)\n"
       "    s = RandStream('philox4x32_10','Seed',7); randn(s,1,5)\n"
       "    for k = 1:3, print(k, randi(6)), end\n"
       "  help('name') or help name tells more of one of these:\n";
-  std::vector<std::string> names;
-  for (HelpRow const& row : kRows) names.emplace_back(row.name);
-  out += listOf(names, width);
-  out += "  and of the language's own functions:\n";
-  names.clear();
-  for (auto const table : language::functionTables()) {
-    for (auto const& row : table) names.emplace_back(row.name);
+  std::vector<Entry> streams;
+  addStreamEntries(streams);
+  std::set<std::string> names;
+  for (Entry const& entry : streams) names.insert(entry.name);
+  out += listOf(names, width) + "  and of the language's own functions:\n";
+  std::set<std::string> others;
+  for (Entry const& entry : entries())
+    if (!names.contains(entry.name)) others.insert(entry.name);
+  out += listOf(others, width);
+  std::set<std::string> const rest = withoutEntry(session);
+  return rest.empty() ? out : out + "  there are also, without a text:\n" + listOf(rest, width);
+}
+
+// Advice for a name of another system, with the help of the first topic that it names.
+std::string adviceText(std::string_view topic, std::string const& advice, std::size_t width) {
+  std::string out =
+      wrapped("  ", fmt::format("There is no '{}' here; {}", topic, advice), 2, width);
+  std::string name;
+  for (char const c : advice + ' ') {
+    if (std::isalnum(static_cast<unsigned char>(c)) != 0 || c == '.') {
+      name += c;
+    } else if (Entry const* const entry = find(name)) {
+      return out + textOf(*entry, width);
+    } else {
+      name.clear();
+    }
   }
-  std::sort(names.begin(), names.end());
-  return out + listOf(names, width);
+  return out;
 }
 
 }  // namespace
 
-std::span<HelpRow const> helpRows() { return kRows; }
-
-std::string helpText(std::string_view topic, int width) {
-  if (topic.empty()) return overview(static_cast<std::size_t>(width));
+std::string helpText(std::string_view topic, int width, language::Session const& session) {
+  auto const columns = static_cast<std::size_t>(width);
+  if (topic.empty()) return overview(columns, session);
+  if (Entry const* const entry = find(topic)) return textOf(*entry, columns);
+  std::string lower(topic);
+  for (char& c : lower)
+    if (c >= 'A' && c <= 'Z') c = static_cast<char>(c - 'A' + 'a');
+  std::string const advice = session.vm().functions().adviceFor(lower);
+  if (!advice.empty()) return adviceText(topic, advice, columns);
   std::vector<std::string> known;
-  for (HelpRow const& row : kRows) {
-    if (embedded_host::equalIgnoringAsciiCase(row.name, topic)) {
-      return fmt::format("  {}\n  {}\n    > {}\n", row.usage, row.what, row.example);
-    }
-    known.emplace_back(row.name);
-  }
-  for (auto const table : language::functionTables()) {
-    for (auto const& row : table) {
-      if (topic == row.name) {
-        return fmt::format("  {}: {}\n    > {}\n", row.name, row.what, row.example);
-      }
-      known.emplace_back(row.name);
-    }
-  }
+  for (Entry const& entry : entries()) known.push_back(entry.name);
   std::string const closest = embedded_host::closestName(topic, known);
   language::raiseFault(
       "help", "There is no help on '" + std::string(topic) + "'.",

@@ -1,23 +1,18 @@
 #pragma once
 
-#include <span>
+// Help, whose texts stand in shell/help/: streams.txt has an entry for each function, property,
+// option and command of random numbers, language.txt a row for each function of the language.
+
 #include <string>
 #include <string_view>
 
+#include "language/session.h"
+
 namespace shell {
 
-// The help of a topic: a function, a property or method of streams, an operator of the prompt; the
-// list of all without one. Each has one example that runs as it stands. Raises a fault with the
-// nearest topic for an unknown one.
-std::string helpText(std::string_view topic, int width);
-
-// The names that help knows beyond the language's own functions.
-struct HelpRow {
-  char const* name;
-  char const* usage;  // forms of the call, separated by newlines
-  char const* what;
-  char const* example;
-};
-std::span<HelpRow const> helpRows();
+// The help of a topic, in any case: its forms, arguments, what it draws, two examples that run as
+// they stand and what else to look at; the list of all without a topic. A name that other systems
+// have for something here leads to that. Raises a fault with the nearest topic for an unknown one.
+std::string helpText(std::string_view topic, int width, language::Session const& session);
 
 }  // namespace shell

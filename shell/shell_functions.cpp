@@ -73,7 +73,7 @@ void format(Interpreter& interpreter, Arguments arguments) {
 
 void help(Interpreter& interpreter, Arguments arguments) {
   std::string const topic = arguments.empty() ? "" : language::textArgument(*arguments[0], 1);
-  interpreter.write(helpText(topic, interpreter.style().width));
+  interpreter.write(helpText(topic, interpreter.style().width, interpreter.session()));
 }
 
 void generators(Interpreter& interpreter, Arguments) { interpreter.write(generatorsTable()); }
