@@ -18,6 +18,8 @@ install(TARGETS ${tv_libraries} EXPORT tvmathrng
 install(TARGETS tvrng RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR} COMPONENT tools)
 install(FILES ${PROJECT_SOURCE_DIR}/docs/tvrng.1
   DESTINATION ${CMAKE_INSTALL_MANDIR}/man1 COMPONENT tools)
+install(FILES ${PROJECT_SOURCE_DIR}/shell/tvrng.bash RENAME tvrng
+  DESTINATION ${CMAKE_INSTALL_DATADIR}/bash-completion/completions COMPONENT tools)
 
 # The headers that the interfaces need, and those that a host or other native code works with. Not
 # among them: what includes Boost, oneTBB, Highway or fmt.

@@ -22,7 +22,7 @@ char const kUsage[] =
     "  --json           the last value as one line of JSON: class, size, complex, data\n"
     "  --long           numbers with 15 significant digits\n"
     "  --quiet          no greeting, and no values but those of print and --json\n"
-    "  --version        the version\n"
+    "  --version        version, sequence version, compiler, instruction set of the kernels\n"
     "  --help           this text\n"
     "\n"
     "Exit status: 0, 1 for an error in the program, 2 for wrong use of the command.\n";

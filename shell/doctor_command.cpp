@@ -11,6 +11,7 @@
 #include "golden/check.h"
 #include "golden/table.h"
 #include "shell/options.h"
+#include "shell/version.h"
 
 namespace shell {
 
@@ -31,12 +32,6 @@ constexpr char kDoctorUsage[] =
     "Exit status: 0, 1 when a number differs, 2 for wrong use of the command.\n";
 
 constexpr std::size_t kMostShown = 12;  // differences in the text
-
-#if defined(__clang__)
-constexpr char kCompiler[] = "clang " __clang_version__;
-#else
-constexpr char kCompiler[] = "g++ " __VERSION__;
-#endif
 
 // What came of one instruction set, over its numbers of threads.
 struct Cell {

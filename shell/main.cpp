@@ -18,6 +18,7 @@
 #include "shell/prompt.h"
 #include "shell/report_command.h"
 #include "shell/stream_command.h"
+#include "shell/version.h"
 
 namespace {
 
@@ -75,7 +76,7 @@ int runPrograms(Invocation const& invocation) {
 int runInvocation(Invocation const& invocation) {
   switch (invocation.action) {
     case Invocation::Action::version:
-      std::puts("tvrng " TV_VERSION);
+      std::fputs(shell::versionText().c_str(), stdout);
       return 0;
     case Invocation::Action::help:
       std::fputs(shell::kUsage, stdout);

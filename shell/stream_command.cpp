@@ -42,6 +42,8 @@ std::unique_ptr<randstream> makeStream(StreamOptions const& options) {
   return stream;
 }
 
+bool isBinary(Format format) { return format == Format::npy || format == Format::raw; }
+
 template <class T>
 void fill(randstream& stream, StreamOptions const& options, T* out, std::uint64_t n) {
   if constexpr (std::is_floating_point_v<T>) {
@@ -83,6 +85,30 @@ void appendLines(fmt::memory_buffer& text, T const* values, std::uint64_t n) {
   }
 }
 
+// The header of a file for NumPy: format 1.0, one dimension, 64 bytes or a multiple of it.
+template <class T>
+std::string npyHeader(std::uint64_t count) {
+  char const kind = std::is_floating_point_v<T> ? 'f' : std::is_signed_v<T> ? 'i' : 'u';
+  std::string header =
+      fmt::format("{{'descr': '{}{}{}', 'fortran_order': False, 'shape': ({},), }}",
+                  sizeof(T) == 1 ? '|' : '<', kind, sizeof(T), count);
+  constexpr std::size_t kBefore = 10;  // magic, version and length
+  header.append(63 - (kBefore + header.size()) % 64, ' ') += '\n';
+  std::string const start = {'\x93', 'N', 'U', 'M', 'P', 'Y', '\1', '\0'};
+  return start + static_cast<char>(header.size() & 0xFF) + static_cast<char>(header.size() >> 8) +
+         header;
+}
+
+// What stands before the values.
+template <class T>
+std::string headOf(StreamOptions const& options) {
+  constexpr char const* kNames[] = {"uniform", "normal", "integers"};
+  if (options.format == Format::npy) return npyHeader<T>(options.count);
+  if (options.format == Format::csv)
+    return std::string(kNames[static_cast<int>(options.distribution)]) + '\n';
+  return "";
+}
+
 template <class T>
 void writeValues(randstream& stream, StreamOptions const& options) {
   std::uint64_t const block = kBlockBytes / sizeof(T);
@@ -90,11 +116,14 @@ void writeValues(randstream& stream, StreamOptions const& options) {
   fmt::memory_buffer text;
   Progress progress(!isatty(STDOUT_FILENO));
   std::uint64_t done = 0;
+  bool const binary = isBinary(options.format);
+  std::string const head = headOf<T>(options);
+  if (!writeAll(head.data(), head.size())) return;
   while (done < options.count) {
     std::uint64_t const n = std::min(block, options.count - done);
     fill(stream, options, values.get(), n);
     bool open = false;
-    if (options.raw) {
+    if (binary) {
       toLittleEndian(values.get(), n);
       open = writeAll(values.get(), n * sizeof(T));
     } else {
@@ -144,8 +173,8 @@ int runStreamCommand(std::vector<std::string> const& words) {
     std::fputs(kStreamUsage, stdout);
     return 0;
   }
-  if (options.raw && isatty(STDOUT_FILENO)) {
-    throw UsageError("--raw is for files and pipes; a terminal takes text");
+  if (isBinary(options.format) && isatty(STDOUT_FILENO)) {
+    throw UsageError("formats npy and raw are for files and pipes; a terminal takes text");
   }
   try {
     writeStream(options);

@@ -24,7 +24,10 @@ char const kStreamUsage[] =
     "                     for normals: double, single (double)\n"
     "  --range LOW:HIGH   for integers (all that the class holds)\n"
     "  --count N          how many values, 1e9 is a number too, or endless (endless)\n"
-    "  --raw              little-endian values instead of text, one after the other\n"
+    "  --format KIND      text, a value a line; csv, with a first line of its name; npy, for "
+    "NumPy;\n"
+    "                     raw, little-endian values one after the other (text)\n"
+    "  --raw              --format raw\n"
     "  --antithetic       the stream's antithetic values\n"
     "  --reduced          reduced precision, where the generator has it\n"
     "  --help             this text\n";
@@ -46,6 +49,15 @@ txClassID typeNamed(std::string const& text) {
   }
   throw UsageError(fmt::format(
       "--type takes double, single, int8, uint8, int16, uint16, int32 or uint32, not {}", text));
+}
+
+Format formatNamed(std::string const& text) {
+  constexpr std::pair<std::string_view, Format> kFormats[] = {
+      {"text", Format::text}, {"csv", Format::csv}, {"npy", Format::npy}, {"raw", Format::raw}};
+  for (auto const& [name, format] : kFormats) {
+    if (text == name) return format;
+  }
+  throw UsageError(fmt::format("--format takes text, csv, npy or raw, not {}", text));
 }
 
 void setRange(StreamOptions& options, std::string const& text) {
@@ -100,6 +112,8 @@ StreamOptions parseStreamOptions(std::vector<std::string> const& words) {
   StreamOptions options;
   bool typeGiven = false;
   bool rangeGiven = false;
+  bool raw = false;
+  bool formatGiven = false;
   using Text = std::string const&;
   auto const number = [](char const* name, auto& target, std::uint64_t low, std::uint64_t high) {
     return [=, &target](Text v) {
@@ -143,7 +157,12 @@ StreamOptions parseStreamOptions(std::vector<std::string> const& words) {
                                   "--dist takes uniform, single, normal or integers, not {}", v));
                             }
                           }},
-                         {"--raw", "", &options.raw},
+                         {"--format", "",
+                          [&](Text v) {
+                            options.format = formatNamed(v);
+                            formatGiven = true;
+                          }},
+                         {"--raw", "", &raw},
                          {"--antithetic", "", &options.antithetic},
                          {"--reduced", "", &options.reducedPrecision},
                          {"--help", "-h", &options.help}};
@@ -153,6 +172,13 @@ StreamOptions parseStreamOptions(std::vector<std::string> const& words) {
     throw UsageError(fmt::format("tvrng stream takes options only, not {}", others.front()));
   }
   complete(options, typeGiven, rangeGiven);
+  if (raw && formatGiven && options.format != Format::raw) {
+    throw UsageError("--raw is a format, too: name one of them");
+  }
+  if (raw) options.format = Format::raw;
+  if (options.format == Format::npy && options.count == StreamOptions::kEndless) {
+    throw UsageError("--format npy tells how many values come: it needs --count");
+  }
   return options;
 }
 

@@ -10,6 +10,7 @@
 namespace shell {
 
 enum class Distribution { uniform, normal, integers };
+enum class Format { text, csv, npy, raw };
 
 // What `tvrng stream` was asked for.
 struct StreamOptions {
@@ -26,7 +27,7 @@ struct StreamOptions {
   double low = 0;      // of integers
   double high = 0;
   std::uint64_t count = kEndless;
-  bool raw = false;
+  Format format = Format::text;
   bool antithetic = false;
   bool reducedPrecision = false;
   bool help = false;
