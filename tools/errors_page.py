@@ -12,12 +12,15 @@ import sys
 import tomllib
 
 PAGE = "docs/errors.md"
+EXAMPLES = "tests/catalogue/raised.txt"
 
 HEAD = """\
 # Errors and warnings
 
-Every identifier, with the text that the shell shows and what it proposes. `{0}`, `{1}` stand for
-values of the call. A call that is refused for its arguments draws nothing and changes nothing.
+Every identifier, with the text that the shell shows, what it proposes, and a line that raises it;
+the tests run these lines. Errors without one come from C++, from another host or from a machine
+without memory. `{0}`, `{1}` stand for values of the call. A call that is refused for its arguments
+draws nothing and changes nothing.
 
     > try, RandStream('mt19937ar','Seed',-1); catch e, print(e.identifier), end
     TALVOR:RandStream:create:BadSeed
@@ -76,7 +79,8 @@ def read_generators(text):
 class Messages:
     """The texts, looked up as the embedded host does it: own rows, then those of `same`."""
 
-    def __init__(self, text, warnings):
+    def __init__(self, text, warnings, examples):
+        self.examples = read_examples(examples)
         self.tables = tomllib.loads(text)
         self.warnings = warnings
 
@@ -97,15 +101,27 @@ def cell(text):
     return re.sub(r"([|<*])", r"\\\1", text)
 
 
+def read_examples(text):
+    """Lines that raise errors, by identifier."""
+    return dict(re.findall(r"^(TALVOR:\S+)  (.*)$", text, re.MULTILINE))
+
+
+def code(text):
+    return "`" + text.replace("|", "\\|") + "`" if text else "-"
+
+
 def table(title, path, keys, messages, name):
     """A section: the rows of one path, whose last part is `name`."""
-    yield f"\n### {title}\n\n| Identifier | Text | What would work |\n|---|---|---|\n"
+    yield (f"\n### {title}\n\n| Identifier | Text | What would work | For example |\n"
+           "|---|---|---|---|\n")
     for key in keys:
         row = messages.row(path, key)
         text, hint = (cell(row.get(part, "").replace("{family}", name))
                       for part in ("text", "hint"))
         mark = "warning: " if key in messages.warnings else ""
-        yield f"| `{path.replace('*', name)}:{key}` | {mark}{text} | {hint or '-'} |\n"
+        identifier = f"{path.replace('*', name)}:{key}"
+        example = code(messages.examples.get(identifier, ""))
+        yield f"| `{identifier}` | {mark}{text} | {hint or '-'} | {example} |\n"
 
 
 def page(root):
@@ -113,7 +129,7 @@ def page(root):
     catalogue = read_catalogue(definitions)
     generators = read_generators((root / "tfl_rng/generators.def").read_text())
     messages = Messages((root / "embedded_host/messages.toml").read_text(),
-                        read_warnings(definitions))
+                        read_warnings(definitions), (root / EXAMPLES).read_text())
 
     yield HEAD
     for path, keys in catalogue.items():
@@ -141,6 +157,9 @@ def main(arguments):
     places = [argument for argument in arguments if argument != "--check"]
     root = pathlib.Path(places[0]) if places else pathlib.Path(__file__).resolve().parents[1]
     written, wanted = root / PAGE, "".join(page(root))
+    for identifier in read_examples((root / EXAMPLES).read_text()):
+        if f"`{identifier}`" not in wanted:
+            sys.exit(f"{EXAMPLES}: there is no {identifier}")
     if not check:
         written.write_text(wanted)
         return 0

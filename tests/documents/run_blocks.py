@@ -14,7 +14,8 @@ import sys
 
 from blocks import KINDS, PAGES, ROOT, all_blocks, blocks
 
-sys.path.insert(0, str(ROOT / "tests/shell"))
+sys.path[:0] = [str(ROOT / "tests/shell"), str(ROOT / "tools")]
+import errors_page
 from run_transcripts import Runner, report
 
 # What a line of sh may begin with, beside the programs of this tree.
@@ -96,6 +97,19 @@ RUN = {"session": lambda runner, block: report(block.place, block.text, runner.s
        "console": run_console, "sh": run_sh, "tv": run_tv, "toml": run_toml, "excerpt": run_excerpt}
 
 
+def errors_are_raised(runner):
+    """Each line of raised.txt raises its error or warning."""
+    examples, good = (ROOT / errors_page.EXAMPLES).read_text("utf-8"), True
+    for identifier, line in errors_page.read_examples(examples).items():
+        command = (["bash", "-c", line[2:]] if line.startswith("$ ") else
+                   [runner.tvrng, "-e", line])
+        output, _ = runner.run(command)
+        if not re.search(rf"\[{identifier.replace(':G:', ':[a-z0-9_]+:')}\]", output):
+            print(f"raised.txt: {line} should raise {identifier}\n{output}")
+            good = False
+    return good
+
+
 def folders_are_told():
     """The folder map of the README names every folder of the tree, and no other."""
     told = set(re.findall(r"`(\w+)/`", re.search(r"\| Folder \|.*?\n\n", PAGES[0].read_text("utf-8"),
@@ -124,6 +138,7 @@ def main(arguments):
         return 0 if run_python([pathlib.Path(page) for page in arguments[1:]]) else 1
     runner = Runner(arguments[0])
     good = folders_are_told()
+    good = errors_are_raised(runner) and good
     for block in all_blocks():
         if block.kind not in KINDS:
             print(f"{block.place}: a block of no kind; there are {', '.join(KINDS)}")
