@@ -118,10 +118,13 @@ td.n { text-align: right; }
   .matrix { font-size: 12px; } .matrix thead th:first-child { width: 120px; }
   .matrix td { border-left-width: 1px; }
 }
+@page { size: A4; margin: 14mm 16mm; }
 @media print {
   :root { --paper: #fff; }
-  body { font-size: 10.5pt; } .page { display: block; padding: 0; } nav { position: static; }
-  nav ul { columns: 2; } h2 { break-after: avoid; } section.plot { break-inside: avoid; }
+  body { font-size: 9.5pt; } .page { display: block; padding: 0; } nav { position: static; }
+  nav ul { columns: 2; } h2, h3 { break-after: avoid; }
+  section.plot { break-inside: avoid; margin-top: 14px; }
+  section.plot svg { max-height: 82mm; }
   .wide { display: block; } .narrow { display: none; }
 }
 @media (prefers-reduced-motion: reduce) { html { scroll-behavior: auto; } }
