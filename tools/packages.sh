@@ -1,5 +1,6 @@
 #!/bin/sh
-# Builds the Debian packages into build/packages/, one for each component:
+# Builds the Debian packages into build/packages/, one for each component, from a tree of their own,
+# out/package, whose prefix is /usr: libraries then go where Debian has those of each architecture.
 #
 #   tools/packages.sh             the packages
 #   tools/packages.sh --check     and installs them into a scratch root, against the packages of this
@@ -15,11 +16,14 @@ case ${1-} in
   *) echo "packages.sh: unknown option '$1'; there is --check" >&2; exit 2 ;;
 esac
 
-"$root/tools/install_packages.sh" package
-"$root/tools/build.sh"
+"$root/tools/install_packages.sh" build package
+tree=$root/out/package
+cmake --preset release -S "$root" -B "$tree" -DCMAKE_INSTALL_PREFIX=/usr -DTV_TESTS=OFF >/dev/null
+ninja --quiet -C "$tree"
 rm -rf "$packages"
-(cd "$root/build" && cpack -B "$packages" >"$root/build/cpack.log" 2>&1) || {
-  cat "$root/build/cpack.log" >&2
+mkdir -p "$packages"
+(cd "$tree" && cpack -B "$packages" >"$tree/cpack.log" 2>&1) || {
+  cat "$tree/cpack.log" >&2
   exit 1
 }
 rm -rf "$packages/_CPack_Packages"
