@@ -20,7 +20,7 @@ import time
 from blocks import PAGES, ROOT, blocks
 
 HOURS = {".ci/run", "tools/check.sh", "tools/bench.sh", "tools/battery.sh", "tools/fuzz.sh",
-         "tools/report_seeds.sh"}
+         "tools/report_seeds.sh", "tools/fresh.sh"}
 MARK = "\x1e"
 
 
