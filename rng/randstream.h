@@ -63,9 +63,9 @@ class TV_EXPORT randstream {
   // such factory, and those of the factory and of the state.
   std::unique_ptr<randstream> clone() const;
   // A stream of this one's generator, seed, indices and settings at the start of substream k: where
-  // this one stands, and a state that was loaded into it, do not matter, and another thread may draw
-  // from it meanwhile. Errors: create:UnknownRNGType when no factory knows the generator, those of
-  // the factory and of setSubstream.
+  // this one stands, and a state that was loaded into it, do not matter, and another thread may
+  // draw from it meanwhile. Errors: create:UnknownRNGType when no factory knows the generator,
+  // those of the factory and of setSubstream.
   std::unique_ptr<randstream> atSubstream(std::uint64_t k) const;
   // Back to where this stream was cloned as `earlier`. What it drew since counts as not drawn.
   void rewind(std::unique_ptr<randstream> earlier) noexcept;
