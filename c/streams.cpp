@@ -1,8 +1,5 @@
 // The C interface over the C++ interface.
 
-#include <tvmathrng/random.h>
-#include <tvmathrng/tvmathrng.h>
-
 #include <algorithm>
 #include <array>
 #include <complex>
@@ -12,9 +9,7 @@
 #include <stdexcept>
 #include <string_view>
 
-struct tvrng_stream {
-  tvmathrng::Stream stream;
-};
+#include "c/stream_of_c.h"
 
 namespace {
 

@@ -33,7 +33,9 @@ function(tv_add_room name)
     target_compile_options(room_${name} PRIVATE -Wno-conversion -Wno-narrowing)
   endif()
   # Calls inside a library need no detour by which another library could replace them.
-  target_compile_options(room_${name} PRIVATE -fno-semantic-interposition)
+  if(NOT EMSCRIPTEN)
+    target_compile_options(room_${name} PRIVATE -fno-semantic-interposition)
+  endif()
 endfunction()
 
 # tv_add_library(NAME ROOMS room... [LIBRARIES library...])

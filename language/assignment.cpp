@@ -72,7 +72,7 @@ std::string const& Evaluator::assign(Expression const& target, NewValue value) {
   }
   std::vector<Expression const*> const path = pathOf(target);
   std::string const& root = std::get<Name>(path.front()->node).name;
-  std::span<Expression const* const> const steps(path.begin() + 1, path.end());
+  auto const steps = std::span<Expression const* const>(path).subspan(1);
   auto const found = session_.variables_.find(root);
   if (found != session_.variables_.end()) {
     assignPath(found->second, steps, std::move(value));

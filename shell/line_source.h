@@ -19,7 +19,11 @@ class LineSource {
   virtual void remember(std::string const& source) = 0;
 };
 
-// An editor on a terminal, a plain reader of standard input elsewhere.
+// What stands before a line.
+char const* promptText(bool continues);
+
+// An editor on a terminal where the shell is built with one, a plain reader of standard input
+// elsewhere.
 std::unique_ptr<LineSource> makeLineSource(language::Session const& session);
 
 }  // namespace shell

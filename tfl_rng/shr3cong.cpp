@@ -14,7 +14,7 @@ namespace {
 // Linear maps of the shift register: the images of its 32 bits.
 using Matrix = std::array<std::uint32_t, 32>;
 
-constexpr std::uint32_t apply(Matrix const& map, std::uint32_t word) noexcept {
+constexpr std::uint32_t imageOf(Matrix const& map, std::uint32_t word) noexcept {
   std::uint32_t image = 0;
   for (std::size_t i = 0; i < map.size(); ++i) image ^= (word >> i & 1) * map[i];
   return image;
@@ -26,7 +26,7 @@ constexpr auto kRegisterSquarings = [] {
   for (std::size_t i = 0; i < 32; ++i) powers[0][i] = shr3cong_kernel::shiftRegisterStep(1u << i);
   for (std::size_t k = 1; k < powers.size(); ++k)
     for (std::size_t i = 0; i < 32; ++i)
-      powers[k][i] = apply(powers[k - 1], apply(powers[k - 1], 1u << i));
+      powers[k][i] = imageOf(powers[k - 1], imageOf(powers[k - 1], 1u << i));
   return powers;
 }();
 
@@ -67,7 +67,7 @@ errorID shr3cong::advance(std::uint64_t n) noexcept {
   for (std::size_t k = 0; steps > 0; ++k, steps /= 2) {
     if (steps % 2 != 0) {
       state_.congruential = factor * state_.congruential + term;
-      state_.shiftRegister = apply(kRegisterSquarings[k % 32], state_.shiftRegister);
+      state_.shiftRegister = imageOf(kRegisterSquarings[k % 32], state_.shiftRegister);
     }
     term += factor * term;
     factor *= factor;

@@ -4,7 +4,7 @@
 #   tools/check.sh                 format layers gcc clang tidy asan
 #   tools/check.sh ci              what a change has to pass: gcc format layers clang tidy_changed
 #                                  asan_quick, below 40 minutes on two cores
-#   tools/check.sh format tsan     these steps; there are packages, browser, documents, walkthrough too
+#   tools/check.sh format tsan     these steps; there are packages, browser, web, documents, walkthrough too
 #
 # Installs the packages it needs. Each step runs to its end whatever became of the one before; the
 # table at the end tells how they went. Build trees are kept in out/.
@@ -97,6 +97,11 @@ step_browser() {
   tools/install_packages.sh build browser && cmake --preset release >/dev/null &&
     ninja --quiet -C build tvrng && python3 tests/report/check_browser.py build/bin/tvrng
 }
+# The page and the npm package, where the programs for them are to be had.
+step_web() {
+  tools/install_packages.sh build web
+  tools/web.sh
+}
 # Every block of commands of the documents, as a newcomer pastes them, in a clone.
 step_documents() { python3 tests/documents/run_commands.py; }
 # The test programs that run threads.
@@ -115,7 +120,7 @@ case ${1-all} in
 esac
 for step in "$@"; do
   if ! command -v "step_$step" >/dev/null; then
-    echo "check.sh: no step '$step'; there are: $all_steps tidy_changed asan_quick tsan packages browser documents walkthrough" >&2
+    echo "check.sh: no step '$step'; there are: $all_steps tidy_changed asan_quick tsan packages browser web documents walkthrough" >&2
     exit 2
   fi
 done

@@ -31,6 +31,9 @@ LAYERS = {
     "golden": "tfl_rng host plugin_rng rng embedded_host language runtime",
     "report": "tfl_rng host rng embedded_host runtime statistics golden",
     "shell": "tfl_rng host rng embedded_host language statistics runtime golden report",
+    # The C interface for JavaScript, and the shell in a page.
+    "js": "host embedded_host rng cpp c",
+    "web": "host embedded_host language shell",
     "python": "tfl_rng host rng vmstate",
     "examples": "host rng runtime cpp c",
     "battery": "tfl_rng host rng embedded_host runtime statistics shell",
@@ -44,16 +47,16 @@ LAYERS = {
 # Third-party headers, and where they may be included: rooms, or single files.
 THIRD_PARTY = {
     "boost/": "plugin_rng statistics report benchmarks fuzz tests",
-    "fmt/": "embedded_host report shell benchmarks tests",
+    "fmt/": "embedded_host report shell web benchmarks tests",
     "gmock/": "tests",
     "gtest/": "tests",
     "histedit.h": "shell",
-    "hwy/": "tfl_rng rng embedded_host golden benchmarks tests",
+    "hwy/": "tfl_rng rng embedded_host golden web benchmarks tests",
     "numpy/": "python",
     "oneapi/": "plugin_rng/parallel.h tests",
     "pybind11/": "python",
     # The C++ and C interfaces, as installed.
-    "tvmathrng/": "cpp c examples benchmarks tests",
+    "tvmathrng/": "cpp c js examples benchmarks tests",
     "tbb/": "plugin_rng/parallel.h benchmarks tests",
     "toml++/": "embedded_host tests",
     "benchmark/": "benchmarks",
