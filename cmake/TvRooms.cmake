@@ -39,12 +39,16 @@ function(tv_add_room name)
 endfunction()
 
 # tv_add_library(NAME ROOMS room... [LIBRARIES library...])
-# A shared library of whole rooms, over other shared libraries.
+# A shared library of whole rooms, over other shared libraries; a static one in a WebAssembly build.
 function(tv_add_library name)
   cmake_parse_arguments(ARG "" "" "ROOMS;LIBRARIES" ${ARGN})
   list(TRANSFORM ARG_ROOMS PREPEND room_)
   list(TRANSFORM ARG_ROOMS REPLACE "(.+)" "$<TARGET_OBJECTS:\\1>" OUTPUT_VARIABLE objects)
-  add_library(${name} SHARED ${objects})
+  set(kind SHARED)
+  if(EMSCRIPTEN)
+    set(kind STATIC)
+  endif()
+  add_library(${name} ${kind} ${objects})
   # What the rooms themselves link comes with them.
   target_link_libraries(${name} PUBLIC ${ARG_LIBRARIES} PRIVATE ${ARG_ROOMS})
   target_link_options(${name} PRIVATE -Wl,-z,defs)

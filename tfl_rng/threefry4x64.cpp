@@ -89,8 +89,8 @@ bool threefry4x64::load(StateWord const* words) noexcept {
     return std::uint64_t{words[-2]} << 32 | words[-1];
   };
   State loaded;
-  std::ranges::generate(loaded.counter, next);
-  std::ranges::generate(loaded.key, next);
+  for (std::uint64_t& word : loaded.counter) word = next();
+  for (std::uint64_t& word : loaded.key) word = next();
   loaded.position = *words;
   setState(loaded);
   return true;

@@ -1,7 +1,7 @@
 // The package as it was installed from its file.
 
 import assert from 'node:assert/strict';
-import {readdirSync, readFileSync} from 'node:fs';
+import {readdirSync, readFileSync, writeFileSync} from 'node:fs';
 import {test} from 'node:test';
 import {fromSnapshot, generators, RandomError, stream, version} from 'tvmathrng';
 
@@ -13,6 +13,13 @@ const refused = (identifier, hint) => (error) => {
   if (hint) assert.match(error.hint, hint);
   return true;
 };
+
+test('the first lines of the README', async () => {
+  const page = readFileSync(new URL('../node_modules/tvmathrng/README.md', import.meta.url), 'utf8');
+  const program = new URL('readme.mjs', import.meta.url);
+  writeFileSync(program, /```js\n(.*?)```/s.exec(page)[1]);
+  await import(program);
+});
 
 test('published first draws', async () => {
   const folder = new URL('draws/', import.meta.url);
