@@ -81,7 +81,7 @@ asan_tests() { # options of ctest
 step_asan() { configure_and_build asan && asan_tests; }
 # The programs that test libraries; what is written in the language runs through them as well.
 step_asan_quick() {
-  rooms="embedded_host plugin_rng rng rng_kernels builtins cpp runtime second_host faults threads"
+  rooms="embedded_host plugin_rng rng rng_kernels builtins cpp runtime second_host faults threads float_environment"
   inputs="arguments settings_file snapshots stream_states"
   # shellcheck disable=SC2046,SC2086  # lists of words
   cmake --preset asan >/dev/null &&
