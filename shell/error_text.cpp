@@ -6,6 +6,7 @@
 
 #include "embedded_host/messages.h"
 #include "shell/terminal.h"
+#include "shell/wrapped_text.h"
 
 namespace shell {
 
@@ -22,8 +23,6 @@ struct Excerpt {
   std::size_t length = 1;  // columns under the span
   std::size_t lineNumber = 1;
 };
-
-bool continues(char c) { return (static_cast<unsigned char>(c) & 0xC0) == 0x80; }
 
 // One character per column: control characters and broken bytes would move the others.
 std::string printable(std::string_view text) {
@@ -90,30 +89,6 @@ std::string calledName(std::string_view source, SourceSpan whole) {
   return std::string(name);
 }
 
-std::string wrap(std::string const& text, std::size_t indent, std::size_t width) {
-  std::string out(indent, ' ');
-  std::size_t column = indent;
-  std::size_t at = 0;
-  while (at < text.size()) {
-    std::size_t end = std::min(text.find(' ', at), text.size());
-    end = std::min(end, at + width - indent);  // a word longer than the line is cut
-    while (end < text.size() && continues(text[end])) ++end;
-    std::string_view const word = std::string_view(text).substr(at, end - at);
-    if (column > indent && column + 1 + displayWidth(word) > width) {
-      out += '\n' + std::string(indent, ' ');
-      column = indent;
-    }
-    if (column > indent) {
-      out += ' ';
-      ++column;
-    }
-    out += word;
-    column += displayWidth(word);
-    at = end < text.size() && text[end] == ' ' ? end + 1 : end;
-  }
-  return out + '\n';
-}
-
 }  // namespace
 
 std::string describeError(language::SourceError const& error, ErrorPlace const& place,
@@ -127,16 +102,16 @@ std::string describeError(language::SourceError const& error, ErrorPlace const& 
   std::string message = printable(error.what());
   bool const named = name.empty() || message.find(name) != std::string::npos;
   if (message.size() > kLongestMessage) message = message.substr(0, kLongestMessage) + " ...";
-  std::string out = wrap(where + (named ? "" : name + ": ") + message, 2, width);
+  std::string out = wrapped("  ", where + (named ? "" : name + ": ") + message, 2, width);
   std::string const hint = hintOf(error);
   if (!place.source.empty()) {
     out += "    " + found.text + "\n    " + underline(found);
     bool const fits = 4 + found.caret + found.length + 3 + displayWidth(hint) <= width;
     if (!hint.empty() && fits) out += "   " + hint;
     out += '\n';
-    if (!hint.empty() && !fits) out += wrap(hint, 4, width);
+    if (!hint.empty() && !fits) out += wrapped("    ", hint, 4, width);
   } else if (!hint.empty()) {
-    out += wrap(hint, 4, width);
+    out += wrapped("    ", hint, 4, width);
   }
   out += fmt::format("  [{}]", error.identifier());
   if (drawn) out += *drawn ? "  numbers were drawn before it" : "  nothing was drawn";
@@ -166,13 +141,13 @@ ErrorFacts factsOf(language::SourceError const& error, std::string_view source, 
 std::string describeWarning(foundation::core::except::MessageId const& id, std::string const& text,
                             ErrorPlace const& place, std::optional<SourceSpan> call) {
   std::size_t const width = static_cast<std::size_t>(std::max(place.width, 40)) - 1;
-  std::string out = wrap("warning: " + text, 2, width);
+  std::string out = wrapped("  ", "warning: " + text, 2, width);
   if (call && !place.source.empty()) {
     Excerpt const found = excerpt(place.source, *call, width - 4);
     out += "    " + found.text + "\n    " + underline(found) + '\n';
   }
   std::string const hint = embedded_host::renderHint(id);
-  if (!hint.empty()) out += wrap(hint, 4, width);
+  if (!hint.empty()) out += wrapped("    ", hint, 4, width);
   return out + fmt::format("  [{}]\n", id.identifier());
 }
 

@@ -14,6 +14,7 @@
 #include "language/fault.h"
 #include "language/functions.h"
 #include "shell/help_texts.h"
+#include "shell/wrapped_text.h"
 
 namespace shell {
 
@@ -101,25 +102,6 @@ Entry const* find(std::string_view topic) {
         return embedded_host::equalIgnoringAsciiCase(entry.name, topic);
       });
   return found == entries().end() ? nullptr : &*found;
-}
-
-// Words from column `indent` on; the first line begins with `head`.
-std::string wrapped(std::string const& head, std::string const& text, std::size_t indent,
-                    std::size_t width) {
-  std::string out;
-  std::string line = head;
-  bool fresh = true;
-  for (std::string const& word : split(text, " ")) {
-    if (!fresh && line.size() + 1 + word.size() > width) {
-      out += line + '\n';
-      line.assign(indent, ' ');
-      fresh = true;
-    }
-    if (!fresh) line += ' ';
-    line += word;
-    fresh = false;
-  }
-  return out + line + '\n';
 }
 
 std::string textOf(Entry const& entry, std::size_t width) {
