@@ -1,5 +1,6 @@
 // The page: the session's log, the buttons, and what comes from a link.
 
+import {buttonItem} from './buttons.js';
 import {EXAMPLES} from './examples.js';
 import {showFile, showText} from './output.js';
 import {fromHash, toHash} from './link.js';
@@ -130,13 +131,7 @@ link.addEventListener('click', async () => {
   }
 });
 for (const [name, lines] of EXAMPLES) {
-  const button = document.createElement('button');
-  button.type = 'button';
-  button.textContent = name;
-  button.addEventListener('click', () => enqueue(lines));
-  const item = document.createElement('li');
-  item.append(button);
-  document.getElementById('examples').append(item);
+  document.getElementById('examples').append(buttonItem(name, () => enqueue(lines)));
 }
 enqueue(fromHash(location.hash));
 window.addEventListener('hashchange', () => enqueue(fromHash(location.hash)));

@@ -1,5 +1,7 @@
 // The prompt: editing, recall of earlier statements, completion.
 
+import {buttonItem} from './buttons.js';
+
 const KEPT = 200;
 const STORE = 'tvrng.history';
 
@@ -120,15 +122,7 @@ export class Prompt {
   }
 
   #offer(words, put) {
-    this.#words.replaceChildren(...words.map((word) => {
-      const button = document.createElement('button');
-      button.type = 'button';
-      button.textContent = word;
-      button.addEventListener('click', () => put(word));
-      const item = document.createElement('li');
-      item.append(button);
-      return item;
-    }));
+    this.#words.replaceChildren(...words.map((word) => buttonItem(word, () => put(word))));
     this.#words.hidden = false;
   }
 }
